@@ -1,0 +1,96 @@
+// Diagnostic log records.
+//
+// A log site owns one static constant record. Its line is unique in the whole library, although every record names the
+// same source file: each source numbers its lines from a base of its own, kLogSource, which it defines before its first
+// log site.
+#ifndef ZR_NEXA_LOG_H
+#define ZR_NEXA_LOG_H
+
+#include "platform.h"
+
+namespace zr_nexa {
+
+enum class LogSource : uint16_t {
+    kSession,
+    kIndications,
+    kGeneral,
+    kGre,
+    kLanAddressing,
+    kLanVlan,
+    kLanPassthrough,
+    kLanServices,
+    kWanProfile,
+    kWanConnection,
+    kWanMpdnMapping,
+    kNat,
+    kVpnPassthrough,
+    kAlg,
+    kFirewall,
+    kUpnp,
+};
+
+constexpr int kLinesPerSource = 2000;
+constexpr uint16_t kLogSubsystem = 65;
+
+template <LogSource source, int line>
+constexpr uint16_t log_line()
+{
+    static_assert(line < kLinesPerSource, "the next source's lines begin here");
+    return static_cast<uint16_t>(static_cast<int>(source) * kLinesPerSource + line);
+}
+
+// Never called: lets the compiler check a text against its arguments.
+[[gnu::format(printf, 1, 2)]] void check_format(const char* text, ...);
+
+// Every record takes exactly five values; the ones its text does not use are 0.
+template <typename... Values>
+void write_record(const msg_const_type& record, const char* function, Values... values)
+{
+    static_assert(sizeof...(Values) <= 5, "a record takes at most five values");
+    if constexpr (sizeof...(Values) < 5) {
+        write_record(record, function, values..., 0u);
+    } else {
+        msg_sprintf(&record, "ZR_NEXA", function, values...);
+    }
+}
+
+template <typename... Values>
+void write_log(const msg_const_type& record, const char* function, const char* /* text */, Values... values)
+{
+    write_record(record, function, values...);
+}
+
+// A pointer that a text shows with %d: its low 32 bits, the same on every CPU.
+template <typename T>
+uint32_t pointer_word(const T* pointer)
+{
+    return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pointer));
+}
+
+}  // namespace zr_nexa
+
+#define ZR_FIRST_OF(first, ...) first
+
+// A record of the given text, for code that several functions share and that is handed its texts.
+#define LOG_RECORD(level, text)                                                                      \
+    msg_const_type                                                                                   \
+    {                                                                                                \
+        zr_nexa::log_line<kLogSource, __LINE__>(), zr_nexa::kLogSubsystem, level, "[%s]%s(): " text, \
+            "zr_nexa_client_api"                                                                     \
+    }
+
+#define LOG_AS(level, function, ...)                                                            \
+    do {                                                                                        \
+        static constexpr msg_const_type record = LOG_RECORD(level, ZR_FIRST_OF(__VA_ARGS__, )); \
+        if (false) zr_nexa::check_format(__VA_ARGS__);                                          \
+        zr_nexa::write_log(record, function, __VA_ARGS__);                                      \
+    } while (false)
+
+// LOG_INFO("text", values...), LOG_ERROR("text", values...): under the name of the function they stand in.
+#define LOG_INFO(...) LOG_AS(MSG_LEVEL_HIGH, __func__, __VA_ARGS__)
+#define LOG_ERROR(...) LOG_AS(MSG_LEVEL_ERROR, __func__, __VA_ARGS__)
+// For code that speaks for another function.
+#define LOG_INFO_AS(function, ...) LOG_AS(MSG_LEVEL_HIGH, function, __VA_ARGS__)
+#define LOG_ERROR_AS(function, ...) LOG_AS(MSG_LEVEL_ERROR, function, __VA_ARGS__)
+
+#endif

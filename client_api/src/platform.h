@@ -1,0 +1,13 @@
+// The platform's interface. A module's own headers may bear other file names: this is the one place to say so.
+#ifndef ZR_NEXA_PLATFORM_H
+#define ZR_NEXA_PLATFORM_H
+
+#include <diag_msg.h>
+#include <ds_utils.h>
+#include <qcmap_client.h>
+#include <qcmap_indications.h>
+#include <qcmap_records.h>
+#include <qmi_client.h>
+#include <qmi_error.h>
+
+#endif
