@@ -1,0 +1,69 @@
+// Indications: queued by methods in their own transaction, delivered to every open session in every process.
+#ifndef MOBILE_AP_INDICATIONS_H
+#define MOBILE_AP_INDICATIONS_H
+
+#include <pthread.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#include <atomic>
+#include <string>
+
+#include "qcmap_client.h"
+#include "qcmap_indications.h"
+#include "store.h"
+
+namespace mobile_ap {
+
+// Queues one indication. It goes out, in order, when the method's transaction is made good.
+void indicate_bytes(Store& db, unsigned int msg_id, const void* record, size_t size);
+
+template <class Record>
+void indicate(Store& db, unsigned int msg_id, const Record& record)
+{
+    static_assert(std::is_trivially_copyable_v<Record>, "goes out as it lies in memory");
+    indicate_bytes(db, msg_id, &record, sizeof record);
+}
+
+// The handle that indications must carry to be meant for the sessions of this state.
+uint32_t mobile_ap_handle(Store& db);
+
+// Id of the newest indication; what is younger is delivered.
+int64_t newest_indication(Store& db);
+
+// The thread that delivers.
+class Listener {
+public:
+    Listener(client_status_ind_t callback, void* user) : callback_(callback), user_(user) {}
+    ~Listener();
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    bool start(const std::string& path, int64_t newest);
+    bool is_running() const
+    {
+        return running_;
+    }
+    bool is_this_thread() const;
+    void stop();  // returns when the last callback has returned
+
+private:
+    static void* run(void* listener);
+    void listen();
+    void deliver_new();
+
+    const client_status_ind_t callback_;
+    void* const user_;
+    std::string path_;
+    Store store_;
+    int64_t newest_ = 0;
+    pthread_t thread_ = {};
+    bool running_ = false;
+    std::atomic<pthread_t> listening_thread_{};  // as the thread itself knows it
+    std::atomic<bool> stopping_{false};
+    int stop_event_ = -1;
+};
+
+}  // namespace mobile_ap
+
+#endif

@@ -1,0 +1,20 @@
+// The tables of every area, in the order in which they are made.
+//
+// An area's source defines `extern const char* const k<Area>Schema`: statements that make its tables and fill them with
+// the factory rows. Every statement may run on a database where all of it is there already.
+#ifndef MOBILE_AP_SCHEMAS_H
+#define MOBILE_AP_SCHEMAS_H
+
+namespace mobile_ap {
+
+extern const char* const kGeneralSchema;
+extern const char* const kLanAddressingSchema;
+
+inline constexpr const char* const* kAreaSchemas[] = {
+    &kGeneralSchema,
+    &kLanAddressingSchema,
+};
+
+}  // namespace mobile_ap
+
+#endif

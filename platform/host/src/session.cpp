@@ -1,0 +1,230 @@
+#include "session.h"
+
+#include <stdlib.h>
+
+#include <new>
+
+#include "diag_msg.h"
+#include "signals.h"
+#include "state_place.h"
+
+namespace mobile_ap {
+namespace {
+
+constexpr uint32_t kLevelDebug = 0x1;
+
+void trace(const char* name, bool good, qmi_error_type_v01 error)
+{
+    static constexpr msg_const_type kRecord = {1, 66, kLevelDebug, "[%s]%s(): %s, error %d", "session"};
+    msg_sprintf(&kRecord, "MOBILE_AP", name, good ? "true" : "false", static_cast<int>(error), 0, 0, 0);
+}
+
+qmi_error_type_v01 error_word(int sqlite_code)
+{
+    switch (sqlite_code & 0xff) {
+        case SQLITE_BUSY:
+            return signal_waiting() ? QMI_ERR_ABORTED_V01 : QMI_ERR_INTERNAL_V01;
+        case SQLITE_FULL:
+        case SQLITE_NOMEM:
+            return QMI_ERR_NO_MEMORY_V01;
+        default:
+            return QMI_ERR_INTERNAL_V01;
+    }
+}
+
+}  // namespace
+
+Session::Session(client_status_ind_t callback, void* user) : listener_(callback, user)
+{
+    const SignalsHeld held;
+    try {
+        const char* faults = getenv("MOBILE_AP_FAULTS");
+        std::string bad_word;
+        if (faults != nullptr && !faults_.parse(faults, &bad_word)) {
+            complain("MOBILE_AP_FAULTS: \"" + bad_word + "\" makes no sense; the service is not ready");
+            return;
+        }
+        StatePlace place = find_state_place();
+        std::string problem = place.problem;
+        if (problem.empty() && store_.open(place.path, &problem)) {
+            handle_ = mobile_ap_handle(store_);
+            ready_ = true;
+            return;
+        }
+        if (place.problem.empty()) place.path += "/mobile_ap.db";
+        if (!signal_waiting())
+            complain("mobile-AP state " + place.path + ": " + problem + "; the service is not ready");
+    } catch (const StoreError& error) {
+        explain(error);
+    } catch (const std::bad_alloc&) {
+        ready_ = false;
+    }
+}
+
+Session::~Session()
+{
+    const SignalsHeld held;
+    listener_.stop();
+    store_.close();
+    try {
+        const std::string words = faults_.never_reached();
+        if (!words.empty()) complain("MOBILE_AP_FAULTS: never reached: " + words);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
+// Tells once per session why a method failed that should not have.
+void Session::explain(const StoreError& error)
+{
+    if (explained_ || signal_waiting()) return;
+    explained_ = true;
+    try {
+        complain("mobile-AP state " + store_.path() + ": " + error.reason);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
+// Runs the work of one method with what MOBILE_AP_FAULTS has to say about it. Nothing is thrown past here.
+template <class Work>
+bool Session::with_faults(const char* name, qmi_error_type_v01* err, const Work& work)
+{
+    const SignalsHeld held;
+    Outcome outcome = {false, QMI_ERR_NO_MEMORY_V01};
+    try {
+        const Misbehaviour fault = faults_.reach(name);
+        if (!sleep_ms(fault.delay_ms) && fault.delay_ms != 0)
+            outcome = {false, QMI_ERR_ABORTED_V01};
+        else if (fault.fail_with)
+            outcome = {false, static_cast<qmi_error_type_v01>(*fault.fail_with)};
+        else
+            outcome = work(fault);
+        if (fault.ok_with) outcome = {true, static_cast<qmi_error_type_v01>(*fault.ok_with)};
+    } catch (const StoreError& error) {
+        outcome = {false, error_word(error.code)};
+        explain(error);
+    } catch (const std::bad_alloc&) {
+        outcome = {false, QMI_ERR_NO_MEMORY_V01};
+    }
+    if (err != nullptr) *err = outcome.error;
+    trace(name, outcome.good, outcome.error);
+    return outcome.good;
+}
+
+bool Session::run(const char* name, Access access, qmi_error_type_v01* err, const Body& body)
+{
+    return with_faults(name, err, [&](const Misbehaviour& fault) -> Outcome {
+        if (!ready_) return {false, QMI_ERR_INTERNAL_V01};
+        const std::lock_guard<std::mutex> lock(one_at_a_time_);
+        try {
+            return perform(access, body, fault.hold_ms);
+        } catch (...) {
+            store_.roll_back();
+            throw;
+        }
+    });
+}
+
+Session::Outcome Session::perform(Access access, const Body& body, unsigned int hold_ms)
+{
+    if (store_.replaced()) {
+        std::string problem;
+        const std::string path = store_.path();
+        if (!store_.open(path.substr(0, path.rfind('/')), &problem)) throw StoreError{SQLITE_CANTOPEN, problem};
+    }
+    if (access == Access::kWrite)
+        store_.begin_writing();
+    else
+        store_.begin_reading();
+    qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+    try {
+        error = body(store_);
+    } catch (const Refusal& refusal) {
+        error = refusal.error;
+    }
+    if (!sleep_ms(hold_ms) && hold_ms != 0) {
+        store_.roll_back();
+        return {false, QMI_ERR_ABORTED_V01};
+    }
+    if (error == QMI_ERR_NONE_V01 || store_.keeps_changes())
+        store_.commit();
+    else
+        store_.roll_back();
+    return {error == QMI_ERR_NONE_V01, error};
+}
+
+bool Session::is_ready()
+{
+    const SignalsHeld held;
+    try {
+        const Misbehaviour fault = faults_.reach("IsReady");
+        sleep_ms(fault.delay_ms);
+        return ready_ && !fault.not_ready;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+bool Session::enable(qmi_error_type_v01* err)
+{
+    return with_faults("EnableMobileAP_Ext", err, [&](const Misbehaviour& fault) -> Outcome {
+        if (!ready_) return {false, QMI_ERR_INTERNAL_V01};
+        if (!sleep_ms(fault.hold_ms) && fault.hold_ms != 0) return {false, QMI_ERR_ABORTED_V01};
+        if (listener_.is_running()) return {true, QMI_ERR_NONE_V01};
+        const std::lock_guard<std::mutex> lock(one_at_a_time_);
+        store_.begin_reading();
+        const int64_t newest = newest_indication(store_);
+        store_.commit();
+        const bool started = listener_.start(store_.path(), newest);
+        return {started, started ? QMI_ERR_NONE_V01 : QMI_ERR_NO_MEMORY_V01};
+    });
+}
+
+// Also true for a session that was never enabled, or never ready: there is nothing left to do then.
+bool Session::disable(qmi_error_type_v01* err)
+{
+    return with_faults("DisableMobileAP", err, [&](const Misbehaviour& fault) -> Outcome {
+        if (listener_.is_this_thread()) return {false, QMI_ERR_INTERNAL_V01};
+        sleep_ms(fault.hold_ms);
+        listener_.stop();
+        return {true, QMI_ERR_NONE_V01};
+    });
+}
+
+}  // namespace mobile_ap
+
+// ---- the client class ----
+
+QCMAP_Client::QCMAP_Client(client_status_ind_t indication_cb, qcmap_msgr_arch_type_enum_v01, void* user)
+    : mobile_ap_handle(0), session_(nullptr)
+{
+    const mobile_ap::SignalsHeld held;
+    session_ = new (std::nothrow) Session(indication_cb, user);
+    if (session_ != nullptr) mobile_ap_handle = session_->handle();
+}
+
+QCMAP_Client::~QCMAP_Client()
+{
+    const mobile_ap::SignalsHeld held;
+    delete session_;
+}
+
+bool QCMAP_Client::IsReady()
+{
+    return session_ != nullptr && session_->is_ready();
+}
+
+bool QCMAP_Client::EnableMobileAP_Ext(qmi_error_type_v01* err, unsigned long long)
+{
+    if (session_ != nullptr) return session_->enable(err);
+    if (err != nullptr) *err = QMI_ERR_NO_MEMORY_V01;
+    return false;
+}
+
+bool QCMAP_Client::DisableMobileAP(qmi_error_type_v01* err)
+{
+    if (session_ != nullptr) return session_->disable(err);
+    if (err != nullptr) *err = QMI_ERR_NONE_V01;
+    return true;
+}

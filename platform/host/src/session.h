@@ -1,0 +1,107 @@
+// What every platform method shares. An area's source includes this header and nothing else of the machinery.
+#ifndef MOBILE_AP_SESSION_H
+#define MOBILE_AP_SESSION_H
+
+#include <mutex>
+
+#include "addresses.h"
+#include "faults.h"
+#include "indications.h"
+#include "qcmap_client.h"
+#include "schemas.h"
+#include "store.h"
+
+namespace mobile_ap {
+
+// A method's own rules and storage, as the shared wrapper calls them.
+class Body {
+public:
+    template <class Work>
+    explicit Body(Work& work) : work_(&work), call_(&Body::call<Work>)
+    {
+    }
+    qmi_error_type_v01 operator()(Store& db) const
+    {
+        return call_(work_, db);
+    }
+
+private:
+    template <class Work>
+    static qmi_error_type_v01 call(void* work, Store& db)
+    {
+        return (*static_cast<Work*>(work))(db);
+    }
+    void* work_;
+    qmi_error_type_v01 (*call_)(void* work, Store& db);
+};
+
+class Session {
+public:
+    Session(client_status_ind_t callback, void* user);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    enum class Access { kRead, kWrite };
+    bool run(const char* name, Access access, qmi_error_type_v01* err, const Body& body);
+
+    bool is_ready();
+    bool enable(qmi_error_type_v01* err);
+    bool disable(qmi_error_type_v01* err);
+    uint32_t handle() const
+    {
+        return handle_;
+    }
+
+private:
+    struct Outcome {
+        bool good;
+        qmi_error_type_v01 error;
+    };
+    template <class Work>
+    bool with_faults(const char* name, qmi_error_type_v01* err, const Work& work);
+    Outcome perform(Access access, const Body& body, unsigned int hold_ms);
+    void explain(const StoreError& error);
+
+    std::mutex one_at_a_time_;
+    Store store_;
+    Faults faults_;
+    Listener listener_;
+    uint32_t handle_ = 0;
+    bool ready_ = false;
+    bool explained_ = false;
+};
+
+// The object got no memory for its session.
+inline bool no_session(qmi_error_type_v01* err)
+{
+    if (err != nullptr) *err = QMI_ERR_NO_MEMORY_V01;
+    return false;
+}
+
+// A method that changes something:
+//     return method(session_, __func__, err, [&](Store& db) { ...; return QMI_ERR_NONE_V01; });
+// The work is one transaction: made good when it answers QMI_ERR_NONE_V01, else undone (unless db.keep_changes() was
+// called). The method returns true for QMI_ERR_NONE_V01, and *err holds what the work answered.
+template <class Work>
+bool method(Session* session, const char* name, qmi_error_type_v01* err, Work&& work)
+{
+    if (session == nullptr) return no_session(err);
+    return session->run(name, Session::Access::kWrite, err, Body(work));
+}
+
+// The same for one that only reads; it never waits for another reader.
+template <class Work>
+bool read_method(Session* session, const char* name, qmi_error_type_v01* err, Work&& work)
+{
+    if (session == nullptr) return no_session(err);
+    return session->run(name, Session::Access::kRead, err, Body(work));
+}
+
+}  // namespace mobile_ap
+
+struct QCMAP_Client::Session : mobile_ap::Session {
+    using mobile_ap::Session::Session;
+};
+
+#endif
