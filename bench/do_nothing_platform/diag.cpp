@@ -1,0 +1,3 @@
+#include <diag_msg.h>
+
+void msg_sprintf(const msg_const_type*, ...) {}
