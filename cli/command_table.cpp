@@ -1,0 +1,73 @@
+#include "command_table.h"
+
+#include <cstddef>
+
+#include "handlers.h"
+
+namespace cli {
+
+namespace {
+
+constexpr Setting kGeneral[] = {
+    {1, "Restore", general_restore, "Restore nexa factory default settings(Will Auto reboot)"},
+    {1, "SFE", general_sfe, "Enable/Disable/Query software shortcut engine"},
+    {0, "GRE", nullptr, nullptr},
+};
+
+constexpr Setting kLan[] = {
+    {1, "GWURL", nullptr, "LAN Gateway URL address configuration"},
+    {1, "DHCP", nullptr, "LAN DHCP related configuration"},
+    {0, "MACBind", nullptr, "LAN DHCP MAC address binding configuration"},
+    {1, "VLAN", nullptr, "Add/Delete/Get VLAN"},
+    {1, "IPPTNAT", nullptr, "IPPassthrough NAT configuration"},
+    {1, "IPPTNATPDN", nullptr, "IPPassthrough NAT config for PDN"},
+    {1, "IPPT", nullptr, "IPPassthrough enable/disable configuration"},
+    {1, "IPPTGWFilter", nullptr, "IPPassthrough mode getway address software filter configuration"},
+    {0, "L2TP", nullptr, nullptr},
+    {0, "DefaultDHCPEnable", nullptr, "Start DHCP server when first create VLAN or not"},
+};
+
+constexpr Setting kWan[] = {
+    {1, "WWANConfig", nullptr, "Add/Edit/Delete/Query WWAN handle"},
+    {1, "APWWAN", nullptr, "Config/Query the WWAN handle used by the module AP"},
+    {1, "Status", nullptr, "Get WWAN connect status"},
+    {0, "Connect", nullptr, "Connect/Disconnect WWAN"},
+    {0, "ReConnect", nullptr, "Enable/Disable WWAN Reconnect"},
+    {1, "AutoConnect", nullptr, "Enable/Disable WWAN Auto connect"},
+    {1, "Info", nullptr, "Get WWAN Info"},
+    {1, "MPDNMapping", nullptr, "Multi-Datacall WWAN to LAN/VLAN Mapping"},
+    {1, "RestartRadvd", nullptr, "Restart Radvd (only support on RADVD supported project)"},
+};
+
+constexpr Setting kNat[] = {
+    {1, "Type", nullptr, "NAT type configuration for LAN"},
+    {1, "IPV4DMZ", nullptr, "IPV4 DMZ configuration"},
+    {1, "IPV4PortMapping", nullptr, "IPV4 Port Mapping configuration"},
+    {1, "RoutingBH", nullptr, "IPV4 Routing Behind function"},
+    {0, "IPV6NAT", nullptr, nullptr},
+    {0, "IPV6DNS", nullptr, nullptr},
+};
+
+constexpr Setting kWlan[] = {{0, "", nullptr, nullptr}};
+constexpr Setting kFirewall[] = {{0, "", nullptr, nullptr}};
+constexpr Setting kTethering[] = {{0, "", nullptr, nullptr}};
+
+template <size_t rows>
+constexpr int32_t count(const Setting (&)[rows])
+{
+    return static_cast<int32_t>(rows);
+}
+
+}  // namespace
+
+const Category kCategories[kCategoryCount] = {
+    {1, count(kGeneral), "General", kGeneral, "Some general configuration items"},
+    {1, count(kLan), "LAN", kLan, "LAN network configuration items"},
+    {1, count(kWan), "WAN", kWan, "WAN/Datacall related configuration items"},
+    {1, count(kNat), "NAT", kNat, "NAT related configuration items"},
+    {0, count(kWlan), "WLAN", kWlan, "WLAN/WiFi related configuration items"},
+    {0, count(kFirewall), "Firewall", kFirewall, "Firewall related configuration items"},
+    {0, count(kTethering), "Tethering", kTethering, "NW Tethering related configuration items"},
+};
+
+}  // namespace cli

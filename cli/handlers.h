@@ -1,0 +1,22 @@
+// One handler per setting. argv[1] is the category, argv[2] the setting, argv[3] the option word, its parameters
+// follow.
+//
+// Without an option word (argc 3) a handler prints its usage text and returns 0. Words it does not accept are answered
+// with invalid(). Otherwise it returns the interface's result code unchanged.
+#ifndef ZR_NEXA_CLI_HANDLERS_H
+#define ZR_NEXA_CLI_HANDLERS_H
+
+namespace cli {
+
+// general.cpp
+int general_restore(int argc, char** argv);
+int general_sfe(int argc, char** argv);
+
+// lan.cpp
+int lan_gwurl(int argc, char** argv);
+int lan_dhcp(int argc, char** argv);
+int lan_default_dhcp_enable(int argc, char** argv);
+
+}  // namespace cli
+
+#endif
