@@ -10,4 +10,9 @@
 #include <qmi_client.h>
 #include <qmi_error.h>
 
+// The interface's headers then leave the platform's own records to these: include this file first.
+#ifndef ZR_NEXA_HAVE_PLATFORM_RECORDS
+#define ZR_NEXA_HAVE_PLATFORM_RECORDS
+#endif
+
 #endif

@@ -1,7 +1,7 @@
 // The session: one QCMAP_Client object and one user callback for the whole process.
-#include <zr_nexa_client_api.h>
-
 #include "session.h"
+
+#include <zr_nexa_client_api.h>
 
 namespace {
 

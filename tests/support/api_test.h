@@ -2,6 +2,8 @@
 #ifndef API_TEST_H
 #define API_TEST_H
 
+#include "scripted_platform.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zr_nexa_client_api.h>
@@ -9,8 +11,6 @@
 #include <cstring>
 #include <string>
 #include <vector>
-
-#include "scripted_platform.h"
 
 // Error words every failure point is tried with. 0x1000 and 0xFFFF swallow step tags.
 inline const std::vector<uint32_t> kErrorWords = {0, 1, 3, 43, 0x1000, 0xFFFF, 0x7FFFFFFF};
