@@ -184,7 +184,7 @@ extern "C" void msg_sprintf(const msg_const_type* record, ...)
     size_t used = 0;
     if (target == kSyslog) {
         const int priority = 8 + (is_error ? 3 : is_debug ? 7 : 6);  // facility user
-        used = static_cast<size_t>(snprintf(line, sizeof line, "<%d>mobile_ap[%d]: ", priority, getpid()));
+        used = static_cast<size_t>(snprintf(line, sizeof line, "<%d>mobile_ap[%d]:", priority, getpid()));
     } else {
         used = put_time(line, sizeof line);
     }

@@ -69,10 +69,11 @@ bool Faults::parse(const std::string& text, std::string* bad_word)
             good = good && fault.only_call != 0;
             fault.method.resize(hash);
         }
-        // Only the question for readiness has no other answer than yes or no.
-        good =
-            good && is_method_name(fault.method) &&
-            (fault.effect.not_ready ? fault.method == "IsReady" : !(fault.method == "IsReady" && fault.effect.hold_ms));
+        // The question for readiness has no error word, and no other method knows "not ready".
+        const bool asks_readiness = fault.method == "IsReady";
+        const bool fits =
+            asks_readiness ? fault.effect.not_ready || fault.effect.delay_ms != 0 : !fault.effect.not_ready;
+        good = good && fits && is_method_name(fault.method);
         if (!good) {
             *bad_word = fault.word;
             return false;
@@ -84,6 +85,7 @@ bool Faults::parse(const std::string& text, std::string* bad_word)
 
 Misbehaviour Faults::reach(const std::string& method)
 {
+    const std::lock_guard<std::mutex> lock(counting_);
     Misbehaviour all;
     for (Fault& fault : faults_) {
         if (fault.method != method) continue;
@@ -101,6 +103,7 @@ Misbehaviour Faults::reach(const std::string& method)
 
 std::string Faults::never_reached() const
 {
+    const std::lock_guard<std::mutex> lock(counting_);
     std::string words;
     for (const Fault& fault : faults_) {
         if (fault.reached) continue;

@@ -4,6 +4,7 @@
 
 #include <stdint.h>
 
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,6 +40,7 @@ private:
         unsigned int calls = 0;
         bool reached = false;
     };
+    mutable std::mutex counting_;
     std::vector<Fault> faults_;
 };
 

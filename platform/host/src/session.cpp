@@ -77,8 +77,7 @@ Session::~Session()
 // Tells once per session why a method failed that should not have.
 void Session::explain(const StoreError& error)
 {
-    if (explained_ || signal_waiting()) return;
-    explained_ = true;
+    if (signal_waiting() || explained_.exchange(true)) return;
     try {
         complain("mobile-AP state " + store_.path() + ": " + error.reason);
     } catch (const std::bad_alloc&) {
@@ -208,6 +207,7 @@ QCMAP_Client::~QCMAP_Client()
 {
     const mobile_ap::SignalsHeld held;
     delete session_;
+    session_ = nullptr;
 }
 
 bool QCMAP_Client::IsReady()

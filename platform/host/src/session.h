@@ -2,6 +2,7 @@
 #ifndef MOBILE_AP_SESSION_H
 #define MOBILE_AP_SESSION_H
 
+#include <atomic>
 #include <mutex>
 
 #include "addresses.h"
@@ -69,7 +70,7 @@ private:
     Listener listener_;
     uint32_t handle_ = 0;
     bool ready_ = false;
-    bool explained_ = false;
+    std::atomic<bool> explained_{false};
 };
 
 // The object got no memory for its session.

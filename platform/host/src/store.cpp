@@ -268,6 +268,7 @@ void Store::open_quietly(const std::string& path)
 bool Store::replaced() const
 {
     int moved = 0;
+    if (connection_ == nullptr) return true;
     return sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
 }
 

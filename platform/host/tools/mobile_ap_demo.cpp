@@ -1,0 +1,65 @@
+// Makes things happen at the host platform that on a module come from outside: reports, devices, servers of the
+// network. For development only. A further subcommand is one add_... function, called from main.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+#include "indications.h"
+#include "signals.h"
+#include "state_place.h"
+#include "store.h"
+
+namespace {
+
+using mobile_ap::Store;
+
+// Runs work as one transaction on the state that MOBILE_AP_STATE names.
+void change_state(const std::function<void(Store&)>& work)
+{
+    const mobile_ap::SignalsHeld held;
+    const mobile_ap::StatePlace place = mobile_ap::find_state_place();
+    std::string problem = place.problem;
+    Store db;
+    if (!problem.empty() || !db.open(place.path, &problem)) {
+        std::fprintf(stderr, "mobile-AP state %s: %s\n", place.path.c_str(), problem.c_str());
+        std::exit(1);
+    }
+    try {
+        db.begin_writing();
+        work(db);
+        db.commit();
+    } catch (const mobile_ap::Refusal& refusal) {
+        std::fprintf(stderr, "refused with error %d\n", static_cast<int>(refusal.error));
+        std::exit(1);
+    } catch (const mobile_ap::StoreError& error) {
+        std::fprintf(stderr, "mobile-AP state %s: %s\n", db.path().c_str(), error.reason.c_str());
+        std::exit(1);
+    }
+}
+
+void add_report(CLI::App& app)
+{
+    static uint32_t kind = 0;
+    CLI::App* command = app.add_subcommand("report", "Send a large status report to every open session");
+    command->add_option("kind", kind, "First word of the report; callers are told of 0 and 1")->required();
+    command->callback([] {
+        static qcmap_msgr_status_report_ind_msg_v01 report;
+        report.kind = kind;
+        for (size_t i = 0; i < sizeof report.report; ++i)
+            report.report[i] = static_cast<uint8_t>(i % 251);
+        change_state([](Store& db) { mobile_ap::indicate(db, QCMAP_MSGR_STATUS_REPORT_IND_V01, report); });
+    });
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app("What happens around the host platform, on demand");
+    app.require_subcommand(1);
+    add_report(app);
+    CLI11_PARSE(app, argc, argv);
+    return 0;
+}
