@@ -79,11 +79,11 @@ uint32_t pointer_word(const T* pointer)
             "zr_nexa_client_api"                                                                     \
     }
 
-#define LOG_AS(level, function, ...)                                                            \
-    do {                                                                                        \
-        static constexpr msg_const_type record = LOG_RECORD(level, ZR_FIRST_OF(__VA_ARGS__, )); \
-        if (false) zr_nexa::check_format(__VA_ARGS__);                                          \
-        zr_nexa::write_log(record, function, __VA_ARGS__);                                      \
+#define LOG_AS(level, function, ...)                                                              \
+    do {                                                                                          \
+        static constexpr msg_const_type log_site = LOG_RECORD(level, ZR_FIRST_OF(__VA_ARGS__, )); \
+        if (false) zr_nexa::check_format(__VA_ARGS__);                                            \
+        zr_nexa::write_log(log_site, function, __VA_ARGS__);                                      \
     } while (false)
 
 // LOG_INFO("text", values...), LOG_ERROR("text", values...): under the name of the function they stand in.

@@ -141,6 +141,8 @@ struct qcmap_connected_devices {
 };
 
 #define QCMAP_MAX_L2TP_TUNNELS 8
+#define QCMAP_L2TP_UDP 1u
+#define QCMAP_L2TP_IP 2u
 #define QCMAP_MAX_L2TP_SESSIONS 8
 
 enum qcmap_msgr_l2tp_mode_enum_v01 {
@@ -165,7 +167,6 @@ struct qcmap_msgr_l2tp_config_v01 {
     uint32_t peer_ipv4;      // network byte order
     uint8_t local_ipv6[16];
     uint8_t peer_ipv6[16];
-    uint32_t vlan_id;
     uint32_t mtu;  // 0: the service's own
     uint32_t session_count;
     qcmap_l2tp_session session[QCMAP_MAX_L2TP_SESSIONS];

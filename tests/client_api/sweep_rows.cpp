@@ -2,12 +2,18 @@
 #include "fault_sweep.h"
 
 std::vector<SweepRow> general_sweep_rows();
+std::vector<SweepRow> lan_services_sweep_rows();
+std::vector<SweepRow> lan_vlan_sweep_rows();
+std::vector<SweepRow> lan_passthrough_sweep_rows();
 
 std::vector<SweepRow> all_sweep_rows()
 {
     std::vector<SweepRow> all;
     for (const auto& area : {
              general_sweep_rows,
+             lan_services_sweep_rows,
+             lan_vlan_sweep_rows,
+             lan_passthrough_sweep_rows,
          }) {
         for (auto& row : area()) {
             all.push_back(row);
