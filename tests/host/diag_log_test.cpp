@@ -1,8 +1,6 @@
 #include <fcntl.h>
-#include <sched.h>
 #include <signal.h>
 #include <string.h>
-#include <sys/mount.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <sys/un.h>
@@ -223,8 +221,7 @@ TEST_F(DiagLogHostTest, Syslog)
 {
     // A syslog of our own, seen by this one child only.
     const pid_t child = start_child([&] {
-        if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0 && unshare(CLONE_NEWNS) != 0) return 77;
-        if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return 77;
+        if (!enter_private_mounts()) return 77;
         if (mount("tmpfs", "/dev", "tmpfs", 0, nullptr) != 0) return 77;
         const int server = socket(AF_UNIX, SOCK_DGRAM, 0);
         sockaddr_un address = {};
