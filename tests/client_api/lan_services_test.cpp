@@ -121,7 +121,7 @@ TEST_F(LanServicesTest, AnEmptyReservationListIsSaidSo)
     platform.on("GetDHCPReservRecords").gives("count", 0u);
     EXPECT_EQ(zr_nexa_lan_dhcp_reserv_record_get_v1(&list), 0u);
     EXPECT_EQ(list.count, 0u);
-    EXPECT_TRUE(is_poisoned(list.record));
+    EXPECT_TRUE(is_poisoned(list.record[0]));
     expect_row("zr_nexa_lan_dhcp_reserv_record_get_v1", {"GetDHCPReservRecords()"},
                {info("entry"), info("No DHCP Reservation Records"), info("DHCP Reservation Record get successfully")});
 }
@@ -391,6 +391,7 @@ TEST_F(LanServicesTest, L2tpSetRefusesABadTunnelBeforeAnyPlatformCall)
         expect_row("zr_nexa_lan_l2tp_set_v1", {}, {info("entry")});
         // The LAN id is looked at before the record, the pointer before both.
         EXPECT_EQ(zr_nexa_lan_l2tp_set_v1(4095, &config), 6u);
+        platform.forget();
     }
     EXPECT_EQ(zr_nexa_lan_l2tp_set_v1(4095, nullptr), 4u);
 }
