@@ -1,0 +1,176 @@
+#include <arpa/inet.h>
+#include <words.h>
+#include <zr_nexa/mac_text.h>
+
+#include "cli_test.h"
+
+namespace {
+
+using namespace cli;
+
+// A text that ends where its memory ends.
+std::unique_ptr<char[]> exact(const std::string& text)
+{
+    auto block = std::make_unique<char[]>(text.size() + 1);
+    std::memcpy(block.get(), text.c_str(), text.size() + 1);
+    return block;
+}
+
+TEST(Words, AreComparedWholeAndCaseSensitively)
+{
+    EXPECT_TRUE(same("get", "get"));
+    EXPECT_TRUE(same("", ""));
+    EXPECT_FALSE(same("get", "Get"));
+    EXPECT_FALSE(same("get", "ge"));
+    EXPECT_FALSE(same("get", "gets"));
+    EXPECT_FALSE(same("get", ""));
+    EXPECT_FALSE(same("get ", "get"));
+}
+
+TEST(Words, NumbersFollowAtoi)
+{
+    EXPECT_EQ(number("0"), 0);
+    EXPECT_EQ(number("43200"), 43200);
+    EXPECT_EQ(number("-1"), -1);
+    EXPECT_EQ(number("+7"), 7);
+    EXPECT_EQ(number("  12"), 12);
+    EXPECT_EQ(number("12abc"), 12);
+    EXPECT_EQ(number("0x10"), 0);
+    EXPECT_EQ(number("010"), 10);
+    EXPECT_EQ(number("abc"), 0);
+    EXPECT_EQ(number(""), 0);
+    EXPECT_EQ(number("-"), 0);
+    EXPECT_EQ(number("2147483647"), 2147483647);
+    EXPECT_EQ(number("-2147483648"), -2147483647 - 1);
+}
+
+TEST(Words, NumbersAreCutToTheirLowBits)
+{
+    EXPECT_EQ(number_u8("255"), 255);
+    EXPECT_EQ(number_u8("256"), 0);
+    EXPECT_EQ(number_u8("260"), 4);
+    EXPECT_EQ(number_u8("-1"), 255);
+    EXPECT_EQ(number_u8("x"), 0);
+
+    EXPECT_EQ(number_s8("-1"), -1);
+    EXPECT_EQ(number_s8("127"), 127);
+    EXPECT_EQ(number_s8("128"), -128);
+    EXPECT_EQ(number_s8("255"), -1);
+    EXPECT_EQ(number_s8("257"), 1);
+
+    EXPECT_EQ(number_u16("65535"), 65535);
+    EXPECT_EQ(number_u16("65536"), 0);
+    EXPECT_EQ(number_u16("70000"), 4464);
+    EXPECT_EQ(number_u16("-1"), 65535);
+
+    EXPECT_EQ(number_u32("2147483647"), 2147483647u);
+    EXPECT_EQ(number_u32("-1"), 4294967295u);
+}
+
+TEST(Words, AddressesAreReadInHostByteOrderInEveryFormOfInetAton)
+{
+    const std::vector<std::pair<const char*, uint32_t>> accepted = {
+        {"192.168.225.1", 0xC0A8E101},
+        {"255.255.255.0", 0xFFFFFF00},
+        {"0.0.0.0", 0},
+        {"255.255.255.255", 0xFFFFFFFF},
+        {"192.168.257", 0xC0A80101},
+        {"10.1", 0x0A000001},
+        {"16909060", 0x01020304},
+        {"0300.0250.0341.01", 0xC0A8E101},
+        {"0xc0.0xA8.0xe1.0x1", 0xC0A8E101},
+        {"1.2.3.4 behind a blank", 0x01020304},
+    };
+    for (const auto& [word, expected] : accepted) {
+        uint32_t address = 0xA5A5A5A5;
+        EXPECT_TRUE(ipv4_from_word(word, &address)) << word;
+        EXPECT_EQ(address, expected) << word;
+    }
+    for (const char* word : {"", "a", "256.1.1.1", "1.2.3.4.5", "1.2.3.4x", "1..2", "1.2.3.256", "-1", " "}) {
+        uint32_t address = 0xA5A5A5A5;
+        EXPECT_FALSE(ipv4_from_word(word, &address)) << word;
+        EXPECT_EQ(address, 0xA5A5A5A5) << word;
+    }
+}
+
+TEST(Words, AddressesArePrintedDotted)
+{
+    EXPECT_STREQ(ipv4_text(0xC0A8E101), "192.168.225.1");
+    EXPECT_STREQ(ipv4_text(0), "0.0.0.0");
+    EXPECT_STREQ(ipv4_text(0xFFFFFFFF), "255.255.255.255");
+}
+
+TEST(Words, ABlockHoldsTheWordAndThenZeros)
+{
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"", std::string(8, '\0')},
+        {"a", std::string("a") + std::string(7, '\0')},
+        {"abcdefg", std::string("abcdefg") + std::string(1, '\0')},
+        {"abcdefgh", "abcdefgh"},
+        {"abcdefghi", "abcdefgh"},
+        {std::string(100000, 'x'), "xxxxxxxx"},
+    };
+    for (const auto& [word, expected] : rows) {
+        struct {
+            char field[8];
+            char behind[4];
+        } block;
+        std::memset(&block, '#', sizeof(block));
+        copy_block(block.field, exact(word).get());
+        EXPECT_EQ(std::string(block.field, 8), expected);
+        EXPECT_EQ(std::string(block.behind, 4), "####");
+    }
+}
+
+TEST(Words, UsageIsPrintedAsItStandsAndSucceeds)
+{
+    int code = -1;
+    EXPECT_EQ(printed([&] { code = usage("100%s %n\r\n"); }), "100%s %n\r\n");
+    EXPECT_EQ(code, 0);
+}
+
+TEST(Words, InvalidIsOneLineAnd65535)
+{
+    int code = -1;
+    EXPECT_EQ(printed([&] { code = invalid(); }), "Input Parameter Invalid\r\n");
+    EXPECT_EQ(code, 65535);
+}
+
+TEST(Words, AResultCodeKeepsItsBits)
+{
+    EXPECT_EQ(result(0), 0);
+    EXPECT_EQ(result(0x1003), 0x1003);
+    EXPECT_EQ(static_cast<uint32_t>(result(0xFFFFF001)), 0xFFFFF001);
+}
+
+TEST(MacText, IsSeventeenCharactersOfSixGroups)
+{
+    for (const char* text : {"00:01:02:03:04:05", "ff:FF:aA:09:9f:F0", "AB:CD:EF:ab:cd:ef"}) {
+        EXPECT_EQ(zr_nexa_is_mac_text(text, 18), 1) << text;
+        EXPECT_EQ(zr_nexa_is_mac_text(text, 17), 1) << text;
+        EXPECT_EQ(zr_nexa_is_mac_text(text, 16), 0) << text;
+        EXPECT_EQ(zr_nexa_is_mac_text(text, 100), 1) << text;
+    }
+    for (const char* text :
+         {"", "00:01:02:03:04:0", "00:01:02:03:04:0Z", "00:01:02:03:04:05 ", "00:01:02:03:04:055", "00-01-02-03-04-05",
+          "0001:02:03:04:05:", "00:01:02:03:04::5", ":0:01:02:03:04:05", "00:01:02:03:04:0@", "00:01:02:03:04:0G",
+          "00:01:02:03:04:0`", "00:01:02:03:04:0g", "00:01:02:03:04:0/", "00:01:02:03:04::0", "00 01:02:03:04:05"}) {
+        EXPECT_EQ(zr_nexa_is_mac_text(text, 19), 0) << text;
+    }
+}
+
+TEST(MacText, IsNotReadBeyondItsSizeOrItsZero)
+{
+    const std::string whole = "00:01:02:03:04:05";
+    auto unterminated = std::make_unique<char[]>(whole.size());
+    std::memcpy(unterminated.get(), whole.data(), whole.size());
+    EXPECT_EQ(zr_nexa_is_mac_text(unterminated.get(), whole.size()), 1);
+    for (size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_EQ(zr_nexa_is_mac_text(exact(whole.substr(0, size)).get(), 18), 0) << size;
+        auto part = std::make_unique<char[]>(size);
+        std::memcpy(part.get(), whole.data(), size);
+        EXPECT_EQ(zr_nexa_is_mac_text(part.get(), size), 0) << size;
+    }
+}
+
+}  // namespace
