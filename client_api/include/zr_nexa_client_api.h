@@ -34,11 +34,15 @@
 #define ZR_NEXA_CLIENT_API_H
 
 #include <zr_nexa/base.h>
+#include <zr_nexa/firewall.h>
 #include <zr_nexa/general.h>
 #include <zr_nexa/indications.h>
+#include <zr_nexa/lan_addressing.h>
 #include <zr_nexa/lan_passthrough.h>
-#include <zr_nexa/lan_vlan.h>
 #include <zr_nexa/lan_services.h>
+#include <zr_nexa/lan_vlan.h>
+#include <zr_nexa/nat.h>
+#include <zr_nexa/upnp.h>
 #include <zr_nexa/wan_connection.h>
 #include <zr_nexa/wan_mpdn_mapping.h>
 #include <zr_nexa/wan_profile.h>
