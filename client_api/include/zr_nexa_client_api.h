@@ -38,6 +38,7 @@
 #include <zr_nexa/general.h>
 #include <zr_nexa/indications.h>
 #include <zr_nexa/lan_addressing.h>
+#include <zr_nexa/vpn_passthrough.h>
 #include <zr_nexa/lan_passthrough.h>
 #include <zr_nexa/lan_services.h>
 #include <zr_nexa/lan_vlan.h>

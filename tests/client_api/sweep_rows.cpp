@@ -5,6 +5,7 @@ std::vector<SweepRow> general_sweep_rows();
 std::vector<SweepRow> firewall_sweep_rows();
 std::vector<SweepRow> upnp_sweep_rows();
 std::vector<SweepRow> lan_addressing_sweep_rows();
+std::vector<SweepRow> vpn_passthrough_sweep_rows();
 std::vector<SweepRow> lan_services_sweep_rows();
 std::vector<SweepRow> lan_vlan_sweep_rows();
 std::vector<SweepRow> lan_passthrough_sweep_rows();
@@ -19,6 +20,7 @@ std::vector<SweepRow> all_sweep_rows()
              firewall_sweep_rows,
              upnp_sweep_rows,
              lan_addressing_sweep_rows,
+             vpn_passthrough_sweep_rows,
              lan_services_sweep_rows,
              lan_vlan_sweep_rows,
              lan_passthrough_sweep_rows,
