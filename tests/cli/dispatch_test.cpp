@@ -1,5 +1,4 @@
 #include <dispatch.h>
-#include <zr_nexa_client_api.h>
 
 #include "cli_test.h"
 
