@@ -15,8 +15,8 @@ constexpr Setting kGeneral[] = {
 };
 
 constexpr Setting kLan[] = {
-    {1, "GWURL", nullptr, "LAN Gateway URL address configuration"},
-    {1, "DHCP", nullptr, "LAN DHCP related configuration"},
+    {1, "GWURL", lan_gwurl, "LAN Gateway URL address configuration"},
+    {1, "DHCP", lan_dhcp, "LAN DHCP related configuration"},
     {0, "MACBind", nullptr, "LAN DHCP MAC address binding configuration"},
     {1, "VLAN", nullptr, "Add/Delete/Get VLAN"},
     {1, "IPPTNAT", nullptr, "IPPassthrough NAT configuration"},
@@ -24,26 +24,26 @@ constexpr Setting kLan[] = {
     {1, "IPPT", nullptr, "IPPassthrough enable/disable configuration"},
     {1, "IPPTGWFilter", nullptr, "IPPassthrough mode getway address software filter configuration"},
     {0, "L2TP", nullptr, nullptr},
-    {0, "DefaultDHCPEnable", nullptr, "Start DHCP server when first create VLAN or not"},
+    {0, "DefaultDHCPEnable", lan_default_dhcp_enable, "Start DHCP server when first create VLAN or not"},
 };
 
 constexpr Setting kWan[] = {
-    {1, "WWANConfig", nullptr, "Add/Edit/Delete/Query WWAN handle"},
-    {1, "APWWAN", nullptr, "Config/Query the WWAN handle used by the module AP"},
-    {1, "Status", nullptr, "Get WWAN connect status"},
-    {0, "Connect", nullptr, "Connect/Disconnect WWAN"},
-    {0, "ReConnect", nullptr, "Enable/Disable WWAN Reconnect"},
-    {1, "AutoConnect", nullptr, "Enable/Disable WWAN Auto connect"},
-    {1, "Info", nullptr, "Get WWAN Info"},
-    {1, "MPDNMapping", nullptr, "Multi-Datacall WWAN to LAN/VLAN Mapping"},
-    {1, "RestartRadvd", nullptr, "Restart Radvd (only support on RADVD supported project)"},
+    {1, "WWANConfig", wan_wwanconfig, "Add/Edit/Delete/Query WWAN handle"},
+    {1, "APWWAN", wan_apwwan, "Config/Query the WWAN handle used by the module AP"},
+    {1, "Status", wan_status, "Get WWAN connect status"},
+    {0, "Connect", wan_connect, "Connect/Disconnect WWAN"},
+    {0, "ReConnect", wan_reconnect, "Enable/Disable WWAN Reconnect"},
+    {1, "AutoConnect", wan_autoconnect, "Enable/Disable WWAN Auto connect"},
+    {1, "Info", wan_info, "Get WWAN Info"},
+    {1, "MPDNMapping", wan_mpdn_mapping, "Multi-Datacall WWAN to LAN/VLAN Mapping"},
+    {1, "RestartRadvd", wan_restart_radvd, "Restart Radvd (only support on RADVD supported project)"},
 };
 
 constexpr Setting kNat[] = {
-    {1, "Type", nullptr, "NAT type configuration for LAN"},
-    {1, "IPV4DMZ", nullptr, "IPV4 DMZ configuration"},
-    {1, "IPV4PortMapping", nullptr, "IPV4 Port Mapping configuration"},
-    {1, "RoutingBH", nullptr, "IPV4 Routing Behind function"},
+    {1, "Type", nat_type, "NAT type configuration for LAN"},
+    {1, "IPV4DMZ", nat_ipv4dmz, "IPV4 DMZ configuration"},
+    {1, "IPV4PortMapping", nat_ipv4_port_mapping, "IPV4 Port Mapping configuration"},
+    {1, "RoutingBH", nat_routing_bh, "IPV4 Routing Behind function"},
     {0, "IPV6NAT", nullptr, nullptr},
     {0, "IPV6DNS", nullptr, nullptr},
 };

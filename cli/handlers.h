@@ -17,6 +17,23 @@ int lan_gwurl(int argc, char** argv);
 int lan_dhcp(int argc, char** argv);
 int lan_default_dhcp_enable(int argc, char** argv);
 
+// wan.cpp
+int wan_wwanconfig(int argc, char** argv);
+int wan_apwwan(int argc, char** argv);
+int wan_status(int argc, char** argv);
+int wan_connect(int argc, char** argv);
+int wan_reconnect(int argc, char** argv);
+int wan_autoconnect(int argc, char** argv);
+int wan_info(int argc, char** argv);
+int wan_mpdn_mapping(int argc, char** argv);
+int wan_restart_radvd(int argc, char** argv);
+
+// nat.cpp
+int nat_type(int argc, char** argv);
+int nat_ipv4dmz(int argc, char** argv);
+int nat_ipv4_port_mapping(int argc, char** argv);
+int nat_routing_bh(int argc, char** argv);
+
 }  // namespace cli
 
 #endif
