@@ -71,7 +71,8 @@ protected:
     {
         for (const auto& entry : fs::directory_iterator(folder)) {
             const std::string name = entry.path().string();
-            if (name.find(".corrupt-") != std::string::npos && name.find("-journal") == std::string::npos) return name;
+            if (name.find(".corrupt-") != std::string::npos && name.find("-journal") == std::string::npos && name.find("-wal") == std::string::npos)
+                return name;
         }
         return "";
     }

@@ -9,6 +9,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <random>
 
 #include "schemas.h"
@@ -39,11 +40,13 @@ int64_t now_ms()
     return static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
 }
 
-unsigned int random_nap_ms()
+// Short at first, longer the longer the wait has been.
+unsigned int random_nap_ms(int attempt)
 {
     thread_local std::minstd_rand random(static_cast<unsigned int>(getpid()) * 2654435761u ^
                                          static_cast<unsigned int>(now_ms()));
-    return 1 + static_cast<unsigned int>(random()) % kLongestNapMs;
+    const unsigned int longest = std::min(kLongestNapMs, 2 + static_cast<unsigned int>(attempt));
+    return 1 + static_cast<unsigned int>(random()) % longest;
 }
 
 // Changes with every word of the table definitions, so that no program works on tables it does not know.
@@ -82,17 +85,18 @@ std::string utc_stamp()
     return text;
 }
 
-// Only one process at a time looks at a damaged database and sets it aside.
+// Only one process at a time makes the database, or looks at a damaged one and sets it aside.
 class FolderLock {
 public:
     explicit FolderLock(const std::string& folder)
     {
         fd_ = ::open((folder + "/mobile_ap.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
         const int64_t end = now_ms() + kLongestWaitMs;
-        while (fd_ >= 0 && !held_) {
+        for (int attempt = 0; fd_ >= 0 && !held_; ++attempt) {
             held_ = flock(fd_, LOCK_EX | LOCK_NB) == 0;
-            if (!held_ && (now_ms() > end || !sleep_ms(random_nap_ms()))) return;
+            if (!held_ && (now_ms() > end || !sleep_ms(random_nap_ms(attempt)))) break;
         }
+        if (!held_) throw StoreError{SQLITE_BUSY, "the folder's lock is taken"};
     }
     ~FolderLock()
     {
@@ -100,10 +104,6 @@ public:
     }
     FolderLock(const FolderLock&) = delete;
     FolderLock& operator=(const FolderLock&) = delete;
-    bool held() const
-    {
-        return held_;
-    }
 
 private:
     int fd_ = -1;
@@ -238,9 +238,9 @@ void Store::close()
     connection_ = nullptr;
 }
 
-int Store::wait_for_lock(void* store, int)
+int Store::wait_for_lock(void* store, int attempt)
 {
-    return now_ms() < static_cast<Store*>(store)->wait_until_ms_ && sleep_ms(random_nap_ms()) ? 1 : 0;
+    return now_ms() < static_cast<Store*>(store)->wait_until_ms_ && sleep_ms(random_nap_ms(attempt)) ? 1 : 0;
 }
 
 void Store::connect(const std::string& path, int flags)
@@ -258,11 +258,17 @@ void Store::connect(const std::string& path, int flags)
     }
     sqlite3_extended_result_codes(connection_, 1);
     sqlite3_busy_handler(connection_, wait_for_lock, this);
+    // The log stays when the last session closes, emptied: a session whose database was taken away must not remove the
+    // log of the one that has come in its place.
+    int keep_log = 1;
+    sqlite3_file_control(connection_, "main", SQLITE_FCNTL_PERSIST_WAL, &keep_log);
+    // A damaged file fails here already; what is wrong with it is for the first real statement to say.
+    sqlite3_exec(connection_, "PRAGMA journal_size_limit = 0; PRAGMA synchronous = NORMAL", nullptr, nullptr, nullptr);
 }
 
 void Store::open_quietly(const std::string& path)
 {
-    connect(path, SQLITE_OPEN_READONLY);
+    connect(path, SQLITE_OPEN_READWRITE);
 }
 
 bool Store::replaced() const
@@ -272,44 +278,42 @@ bool Store::replaced() const
     return sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
 }
 
-// A fresh database gets its tables; any other one is checked. Returns false, and what is wrong, when it is damaged.
-bool Store::make_or_check(std::string* damage)
+bool Store::is_fresh()
+{
+    return one<int>("PRAGMA user_version").value_or(0) == 0 &&
+           one<int>("SELECT count(*) FROM sqlite_schema").value_or(0) == 0;
+}
+
+// Returns what is wrong with the database, nothing when it is whole, made and writable.
+std::string Store::look_for_damage()
 {
     try {
-        if (sqlite3_db_readonly(connection_, "main") == 1) throw StoreError{SQLITE_READONLY, strerror(EACCES)};
-        const auto is_fresh = [this] {
-            return one<int>("PRAGMA user_version").value_or(0) == 0 &&
-                   one<int>("SELECT count(*) FROM sqlite_schema").value_or(0) == 0;
-        };
-        if (is_fresh()) {
-            begin("BEGIN IMMEDIATE");
-            if (is_fresh()) {
-                run_script(connection_, kServiceSchema);
-                for (const char* const* schema : kAreaSchemas)
-                    run_script(connection_, *schema);
-                run_script(connection_, ("PRAGMA user_version = " + std::to_string(schema_version())).c_str());
-            }
-            commit();
-        }
+        if (sqlite3_db_readonly(connection_, "main") == 1) throw StoreError{SQLITE_READONLY, "Permission denied"};
         const std::string verdict = one<std::string>("PRAGMA quick_check(1)").value_or("no answer");
-        if (verdict != "ok") {
-            *damage = verdict;
-            return false;
-        }
-        if (one<int>("PRAGMA user_version").value_or(0) != schema_version()) {
-            *damage = "its tables are of another version";
-            return false;
-        }
-        return true;
+        if (verdict != "ok") return verdict;
+        if (!is_fresh() && one<int>("PRAGMA user_version").value_or(0) != schema_version())
+            return "its tables are of another version";
+        return "";
     } catch (const StoreError& error) {
-        roll_back();
         if (!means_damage(error.code)) throw;
-        *damage = error.reason;
-        return false;
+        return error.reason;
     }
 }
 
-// Gives the database another name, its journal first: a journal without a database would be taken for a stale one.
+// Fills a fresh database with the factory state. With its log written ahead, readers never wait, and a process that is
+// killed, or a machine that stops, leaves the state before or after a transaction.
+void Store::make_tables()
+{
+    one<std::string>("PRAGMA journal_mode = WAL");
+    begin_writing();
+    run_script(connection_, kServiceSchema);
+    for (const char* const* schema : kAreaSchemas)
+        run_script(connection_, *schema);
+    run_script(connection_, ("PRAGMA user_version = " + std::to_string(schema_version())).c_str());
+    commit();
+}
+
+// Gives the database another name, its logs first: logs without their database would be taken for stale ones.
 std::string Store::set_aside(const std::string& folder)
 {
     const std::string base = folder + "/mobile_ap.db.corrupt-" + utc_stamp();
@@ -318,33 +322,52 @@ std::string Store::set_aside(const std::string& folder)
     for (int n = 1; lstat(name.c_str(), &info) == 0; ++n)
         name = base + "-" + std::to_string(n);
     close();
-    rename((path_ + "-journal").c_str(), (name + "-journal").c_str());
+    for (const char* log : {"-journal", "-wal"}) {
+        if (stat((path_ + log).c_str(), &info) == 0 && info.st_size > 0)
+            rename((path_ + log).c_str(), (name + log).c_str());
+    }
     if (rename(path_.c_str(), name.c_str()) != 0) throw StoreError{SQLITE_IOERR, strerror(errno)};
     return name;
 }
 
+// Opens, or makes, the database under the folder's lock.
+void Store::make(const std::string& path)
+{
+    struct stat info;
+    if (stat(path.c_str(), &info) != 0) {
+        for (const char* log : {"-journal", "-wal", "-shm"})
+            unlink((path + log).c_str());  // of one that was taken away
+    }
+    connect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    if (is_fresh()) make_tables();
+}
+
 bool Store::open(const std::string& folder, std::string* problem)
 {
-    constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     const std::string path = folder + "/mobile_ap.db";
     try {
+        struct stat info;
         std::string damage;
-        connect(path, kFlags);
-        if (make_or_check(&damage)) return true;
-        close();
-
-        const FolderLock lock(folder);
-        if (!lock.held()) {
-            *problem = "damaged (" + damage + "), and the folder's lock is taken";
-            return false;
+        if (stat(path.c_str(), &info) == 0 && info.st_size > 0) {
+            connect(path, SQLITE_OPEN_READWRITE);
+            damage = look_for_damage();
+            if (damage.empty() && !is_fresh()) return true;
+            close();
         }
-        connect(path, kFlags);
-        if (make_or_check(&damage)) return true;  // another process has seen to it
-        const std::string name = set_aside(folder);
-        *problem = "damaged (" + damage + "); set aside as " + name + ", a factory-fresh one takes its place";
-        connect(path, kFlags);
-        make_or_check(&damage);
+        const FolderLock lock(folder);
+        if (!damage.empty()) {
+            connect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+            damage = look_for_damage();  // another process may have seen to it
+            if (!damage.empty()) {
+                const std::string name = set_aside(folder);
+                *problem = "damaged (" + damage + "); set aside as " + name + ", a factory-fresh one takes its place";
+            }
+            close();
+        }
+        make(path);
+        if (problem->empty()) return true;
     } catch (const StoreError& error) {
+        roll_back();
         if (problem->empty()) *problem = error.reason;
     }
     close();

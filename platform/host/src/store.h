@@ -165,7 +165,7 @@ public:
     // Opens the database in this folder, and makes it when there is none; a damaged one is set aside. Returns false,
     // and why, when it cannot be used now.
     bool open(const std::string& folder, std::string* problem);
-    void open_quietly(const std::string& path);  // an existing one, to read only; throws StoreError
+    void open_quietly(const std::string& path);  // one that is there, unchecked; throws StoreError
     void close();
     bool is_open() const
     {
@@ -199,7 +199,10 @@ public:
 
 private:
     void connect(const std::string& path, int flags);
-    bool make_or_check(std::string* damage);
+    bool is_fresh();
+    std::string look_for_damage();
+    void make_tables();
+    void make(const std::string& path);
     std::string set_aside(const std::string& folder);
     void begin(const char* sql);
 
