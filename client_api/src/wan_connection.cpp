@@ -1,0 +1,296 @@
+// WAN connection: state, connecting, modes, details and traffic counts of a profile.
+#include "session.h"
+
+#include <zr_nexa/wan_connection.h>
+
+#include <cstring>
+
+#include "field_text.h"
+
+namespace {
+
+constexpr auto kLogSource = zr_nexa::LogSource::kWanConnection;
+
+}  // namespace
+
+using zr_nexa::clamped;
+using zr_nexa::client;
+using zr_nexa::failed_step;
+using zr_nexa::FieldText;
+using zr_nexa::guard;
+using zr_nexa::pointer_word;
+using zr_nexa::result_of;
+using zr_nexa::select_profile;
+using zr_nexa::write_record;
+
+namespace {
+
+// The on/off modes of a profile differ in their platform methods and their texts only.
+using SetMode = bool (QCMAP_Client::*)(bool enable, qmi_error_type_v01* err);
+using GetMode = bool (QCMAP_Client::*)(unsigned char* enable, qmi_error_type_v01* err);
+
+struct SetModeTexts {
+    msg_const_type enable_failed;   // handle, error
+    msg_const_type disable_failed;  // handle, error
+    msg_const_type done;            // handle, mode, error
+};
+
+struct GetModeTexts {
+    msg_const_type failed;  // handle, error
+    msg_const_type done;    // handle, mode, error
+};
+
+uint32_t set_mode(const char* function, uint32_t wwan_handle, uint32_t enable, SetMode set, const SetModeTexts& texts)
+{
+    if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
+    if (wwan_handle == 0 || enable > 1) return ZR_NEXA_ERR_ARGUMENT;
+    qmi_error_type_v01 err = QMI_ERR_NONE_V01;
+    if (!select_profile(function, wwan_handle, &err)) return failed_step(1, err);
+    if (enable == 1) {
+        if (!(client->*set)(true, &err)) {
+            write_record(texts.enable_failed, function, wwan_handle, err);
+            return failed_step(2, err);
+        }
+    } else {
+        if (!(client->*set)(false, &err)) {
+            write_record(texts.disable_failed, function, wwan_handle, err);
+            return failed_step(3, err);
+        }
+    }
+    write_record(texts.done, function, wwan_handle, enable, err);
+    return result_of(err);
+}
+
+uint32_t get_mode(const char* function, uint32_t wwan_handle, uint8_t* enable, GetMode get, const GetModeTexts& texts)
+{
+    if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
+    if (wwan_handle == 0 || enable == nullptr) return ZR_NEXA_ERR_ARGUMENT;
+    qmi_error_type_v01 err = QMI_ERR_NONE_V01;
+    if (!select_profile(function, wwan_handle, &err)) return failed_step(1, err);
+    unsigned char state = 0;
+    if (!(client->*get)(&state, &err)) {
+        write_record(texts.failed, function, wwan_handle, err);
+        return failed_step(2, err);
+    }
+    *enable = state;
+    write_record(texts.done, function, wwan_handle, state, err);
+    return result_of(err);
+}
+
+uint32_t set_backhaul(const char* function, uint32_t wwan_handle, uint32_t connect,
+                      qcmap_msgr_wwan_call_type_v01 call_type, const msg_const_type& done)
+{
+    if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
+    if (wwan_handle == 0 || connect > 1) return ZR_NEXA_ERR_ARGUMENT;
+    qmi_error_type_v01 err = QMI_ERR_NONE_V01;
+    if (!select_profile(function, wwan_handle, &err)) return failed_step(1, err);
+    if (connect == 1) {
+        if (!client->ConnectBackHaul(call_type, &err)) {
+            LOG_ERROR_AS(function, "Connect BackHaul (wwan_handle=%d call_type=%d) error %d", wwan_handle, call_type,
+                         err);
+            return failed_step(2, err);
+        }
+    } else {
+        if (!client->DisconnectBackHaul(call_type, &err)) {
+            LOG_ERROR_AS(function, "Disconnect BackHaul (wwan_handle=%d call_type=%d) error %d", wwan_handle, call_type,
+                         err);
+            return failed_step(3, err);
+        }
+    }
+    write_record(done, function, wwan_handle, connect, err);
+    return result_of(err);
+}
+
+// The platform's word for a family, known or not.
+qcmap_msgr_ip_family_enum_v01 family_word(uint32_t ip_family)
+{
+    return static_cast<qcmap_msgr_ip_family_enum_v01>(static_cast<int32_t>(ip_family));
+}
+
+bool is_known_family(uint32_t ip_family)
+{
+    return ip_family == ZR_NEXA_IP_V4 || ip_family == ZR_NEXA_IP_V6 || ip_family == ZR_NEXA_IP_V4V6 ||
+           ip_family == ZR_NEXA_WAN_IP_ANY;
+}
+
+}  // namespace
+
+uint32_t zr_nexa_wan_status_get_v1(uint32_t wwan_handle, uint32_t* v4_status, uint32_t* v6_status)
+{
+    if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
+    if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
+    qmi_error_type_v01 err = QMI_ERR_NONE_V01;
+    if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
+    auto v4 = static_cast<qcmap_msgr_wwan_status_enum_v01>(0);
+    auto v6 = static_cast<qcmap_msgr_wwan_status_enum_v01>(0);
+    if (!client->GetWWANStatus(&v4, &v6, &err)) {
+        LOG_ERROR("Get WWAN Status (wwan_handle=%d) error %d", wwan_handle, err);
+        return failed_step(2, err);
+    }
+    if (v4 == QCMAP_MSGR_WWAN_STATUS_CONNECTING_V01 || v4 == QCMAP_MSGR_WWAN_STATUS_CONNECTED_V01 ||
+        v4 == QCMAP_MSGR_WWAN_STATUS_DISCONNECTING_V01 || v4 == QCMAP_MSGR_WWAN_STATUS_DISCONNECTED_V01) {
+        *v4_status = static_cast<uint32_t>(v4);
+    }
+    if (v6 == QCMAP_MSGR_WWAN_STATUS_IPV6_CONNECTING_V01 || v6 == QCMAP_MSGR_WWAN_STATUS_IPV6_CONNECTED_V01 ||
+        v6 == QCMAP_MSGR_WWAN_STATUS_IPV6_DISCONNECTING_V01 || v6 == QCMAP_MSGR_WWAN_STATUS_IPV6_DISCONNECTED_V01) {
+        *v6_status = static_cast<uint32_t>(v6);
+    }
+    LOG_INFO("Get WWAN Status (wwan_handle=%d):wwan_v4_status=%d wwan_v6_status=%d", wwan_handle, v4, v6);
+    return result_of(err);
+}
+
+uint32_t zr_nexa_wan_connect_v4_set_v1(uint32_t wwan_handle, uint32_t connect)
+{
+    static constexpr msg_const_type done =
+        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 BackHaul (wwan_handle=%d v4_connect=%d) error %d");
+    return set_backhaul(__func__, wwan_handle, connect, QCMAP_MSGR_WWAN_CALL_TYPE_V4_V01, done);
+}
+
+uint32_t zr_nexa_wan_connect_v6_set_v1(uint32_t wwan_handle, uint32_t connect)
+{
+    static constexpr msg_const_type done =
+        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 BackHaul (wwan_handle=%d v6_connect=%d) error %d");
+    return set_backhaul(__func__, wwan_handle, connect, QCMAP_MSGR_WWAN_CALL_TYPE_V6_V01, done);
+}
+
+uint32_t zr_nexa_wan_reconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
+{
+    static constexpr SetModeTexts texts = {
+        LOG_RECORD(MSG_LEVEL_ERROR, "Enable Reconnect Mode (wwan_handle=%d) error %d"),
+        LOG_RECORD(MSG_LEVEL_ERROR, "Disable Reconnect Mode (wwan_handle=%d) error %d"),
+        LOG_RECORD(MSG_LEVEL_HIGH, "Set Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
+    };
+    return set_mode(__func__, wwan_handle, enable, &QCMAP_Client::SetReconnect, texts);
+}
+
+uint32_t zr_nexa_wan_reconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
+{
+    static constexpr GetModeTexts texts = {
+        LOG_RECORD(MSG_LEVEL_ERROR, "Get Reconnect Mode (wwan_handle=%d) error %d"),
+        LOG_RECORD(MSG_LEVEL_HIGH, "Get Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
+    };
+    return get_mode(__func__, wwan_handle, enable, &QCMAP_Client::GetReconnect, texts);
+}
+
+uint32_t zr_nexa_wan_autoconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
+{
+    static constexpr SetModeTexts texts = {
+        LOG_RECORD(MSG_LEVEL_ERROR, "Enable Autoconnect Mode (wwan_handle=%d) error %d"),
+        LOG_RECORD(MSG_LEVEL_ERROR, "Disable Autoconnect Mode (wwan_handle=%d) error %d"),
+        LOG_RECORD(MSG_LEVEL_HIGH, "Set Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
+    };
+    return set_mode(__func__, wwan_handle, enable, &QCMAP_Client::SetAutoconnect, texts);
+}
+
+uint32_t zr_nexa_wan_autoconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
+{
+    static constexpr GetModeTexts texts = {
+        LOG_RECORD(MSG_LEVEL_ERROR, "Get Autoconnect Mode (wwan_handle=%d) error %d"),
+        LOG_RECORD(MSG_LEVEL_HIGH, "Get Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
+    };
+    return get_mode(__func__, wwan_handle, enable, &QCMAP_Client::GetAutoconnect, texts);
+}
+
+uint32_t zr_nexa_wan_roaming_set_v1(uint32_t wwan_handle, uint32_t enable)
+{
+    static constexpr SetModeTexts texts = {
+        LOG_RECORD(MSG_LEVEL_ERROR, "Enable NEXA roaming cfg (wwan_handle=%d) error %d"),
+        LOG_RECORD(MSG_LEVEL_ERROR, "Disable NEXA roaming cfg (wwan_handle=%d) error %d"),
+        LOG_RECORD(MSG_LEVEL_HIGH, "Set Roaming Mode (wwan_handle=%d) Status %d, error %d"),
+    };
+    return set_mode(__func__, wwan_handle, enable, &QCMAP_Client::SetRoaming, texts);
+}
+
+uint32_t zr_nexa_wan_roaming_get_v1(uint32_t wwan_handle, uint8_t* enable)
+{
+    static constexpr GetModeTexts texts = {
+        LOG_RECORD(MSG_LEVEL_ERROR, "Get NEXA roaming cfg (wwan_handle=%d) error %d"),
+        LOG_RECORD(MSG_LEVEL_HIGH, "Get Roaming Mode (wwan_handle=%d) Status %d, error %d"),
+    };
+    return get_mode(__func__, wwan_handle, enable, &QCMAP_Client::GetRoaming, texts);
+}
+
+uint32_t zr_nexa_wan_info_get_v1(uint32_t wwan_handle, zr_nexa_wan_info_t* info)
+{
+    if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
+    qcmap_connected_wwan_info pdns[QCMAP_MAX_WWAN_PROFILES];
+    std::memset(pdns, 0, sizeof(pdns));
+    unsigned char pdn_count = 0;
+    std::memset(info, 0, sizeof(*info));
+    if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
+    qmi_error_type_v01 err = QMI_ERR_NONE_V01;
+    if (!client->GetAllConnectedPDNEx(&pdn_count, pdns, &err)) {
+        LOG_ERROR("Get All Connected PDN (wwan_handle=%d) error %d", wwan_handle, err);
+        return failed_step(1, err);
+    }
+    // Every entry of the handle is taken, so that the last one holds.
+    for (uint32_t i = 0; i < clamped(pdn_count, QCMAP_MAX_WWAN_PROFILES); ++i) {
+        const qcmap_connected_wwan_info& pdn = pdns[i];
+        if (pdn.profile_handle != wwan_handle) continue;
+        info->connected = 1;
+        std::memcpy(info->iface_name, pdn.iface_name, sizeof(info->iface_name));
+        info->v4_addr = pdn.v4_addr;
+        info->v4_gw_addr = pdn.v4_gw_addr;
+        info->v4_netmask = pdn.v4_netmask;
+        info->v4_pri_dns_addr = pdn.v4_pri_dns_addr;
+        info->v4_sec_dns_addr = pdn.v4_sec_dns_addr;
+        info->v4_mtu = pdn.v4_mtu;
+        info->v6_prefix = pdn.v6_prefix;
+        std::memcpy(info->v6_addr, pdn.v6_addr, sizeof(info->v6_addr));
+        std::memcpy(info->v6_gw_addr, pdn.v6_gw_addr, sizeof(info->v6_gw_addr));
+        std::memcpy(info->v6_pri_dns_addr, pdn.v6_pri_dns_addr, sizeof(info->v6_pri_dns_addr));
+        std::memcpy(info->v6_sec_dns_addr, pdn.v6_sec_dns_addr, sizeof(info->v6_sec_dns_addr));
+        info->v6_mtu = pdn.v6_mtu;
+        // The IPv6 addresses are shown as they always were: one as its location, three as if they were texts.
+        LOG_INFO("wwan_handle=%d iface_name=%s v4_addr=%d v4_netmask=%d", wwan_handle,
+                 FieldText(info->iface_name).c_str(), info->v4_addr, info->v4_netmask);
+        LOG_INFO("wwan_handle=%d v4_gw_addr=%d v4_pri_dns_addr=%d v4_sec_dns_addr=%d", wwan_handle, info->v4_gw_addr,
+                 info->v4_pri_dns_addr, info->v4_sec_dns_addr);
+        LOG_INFO("wwan_handle=%d v4_mtu=%d v6_prefix=%d v6_addr=%d", wwan_handle, info->v4_mtu, info->v6_prefix,
+                 pointer_word(info->v6_addr));
+        LOG_INFO("wwan_handle=%d v6_gw_addr=%s v6_pri_dns_addr=%s v6_sec_dns_addr=%s", wwan_handle,
+                 FieldText(info->v6_gw_addr).c_str(), FieldText(info->v6_pri_dns_addr).c_str(),
+                 FieldText(info->v6_sec_dns_addr).c_str());
+        LOG_INFO("wwan_handle=%d v6_mtu=%d", wwan_handle, info->v6_mtu);
+    }
+    return result_of(err);
+}
+
+uint32_t zr_nexa_wan_statistics_get_v1(uint32_t wwan_handle, uint32_t ip_family,
+                                       qcmap_msgr_wwan_statistics_type_v01* statistics)
+{
+    if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
+    std::memset(statistics, 0, sizeof(*statistics));
+    if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
+    qmi_error_type_v01 err = QMI_ERR_NONE_V01;
+    if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
+    if (!is_known_family(ip_family)) LOG_ERROR("invalid ip family %d", ip_family);
+    qcmap_msgr_wwan_statistics_type_v01 counts = {};
+    if (!client->GetWWANStatistics(family_word(ip_family), &counts, &err)) {
+        LOG_ERROR("Get WWAN Statistics (wwan_handle=%d, ip_family=%d) error %d", wwan_handle, ip_family, err);
+        return failed_step(2, err);
+    }
+    *statistics = counts;
+    LOG_INFO("Get WWAN Statistics (wwan_handle=%d, ip_family=%d) success.", wwan_handle, ip_family);
+    return result_of(err);
+}
+
+uint32_t zr_nexa_wan_statistics_reset_v1(uint32_t wwan_handle, uint32_t ip_family)
+{
+    if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
+    if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
+    qmi_error_type_v01 err = QMI_ERR_NONE_V01;
+    if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
+    if (!is_known_family(ip_family)) LOG_ERROR("invalid ip family %d", ip_family);
+    if (!client->ResetWWANStatistics(family_word(ip_family), &err)) {
+        LOG_ERROR("Reset WWAN Statistics (wwan_handle=%d, ip_family=%d) error %d", wwan_handle, ip_family, err);
+        return failed_step(2, err);
+    }
+    LOG_INFO("Reset WWAN Statistics (wwan_handle=%d, ip_family=%d) success.", wwan_handle, ip_family);
+    return result_of(err);
+}
+
+uint32_t zr_nexa_wan_radvd_restart_v1()
+{
+    return ZR_NEXA_WAN_ERR_NOT_AVAILABLE;
+}

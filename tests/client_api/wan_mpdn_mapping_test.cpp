@@ -1,0 +1,257 @@
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <memory>
+
+#include "api_test.h"
+
+namespace {
+
+class WanMpdnMappingTest : public ApiTest {
+protected:
+    // The platform's list, as the double gives it.
+    std::unique_ptr<qcmap_msgr_pdn_to_vlan_mapping_ex_v01> mappings_ =
+        std::make_unique<qcmap_msgr_pdn_to_vlan_mapping_ex_v01>();
+    // The caller's, in zero pages of its own.
+    zr_nexa_wan_mpdnmapping_list_t* list_ = static_cast<zr_nexa_wan_mpdnmapping_list_t*>(
+        mmap(nullptr, sizeof(*list_), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+
+    ~WanMpdnMappingTest() override
+    {
+        munmap(list_, sizeof(*list_));
+    }
+    void map(int at, uint32_t handle, const std::vector<int>& vlan_ids)
+    {
+        qcmap_pdn_to_vlan_mapping& mapping = mappings_->mapping[at];
+        mapping.profile_handle = handle;
+        mapping.vlan_count = static_cast<int32_t>(vlan_ids.size());
+        for (size_t i = 0; i < vlan_ids.size(); ++i) {
+            mapping.vlan_id[i] = static_cast<int16_t>(vlan_ids[i]);
+        }
+    }
+    void platform_lists(int count)
+    {
+        platform.on("GetPDNtoVLANMappingsEx").succeeds().gives("count", count).gives("mapping", *mappings_);
+    }
+    std::vector<std::pair<uint32_t, uint32_t>> pairs() const
+    {
+        std::vector<std::pair<uint32_t, uint32_t>> all;
+        for (uint32_t i = 0; i < list_->count; ++i) {
+            all.emplace_back(list_->profile_handle[i], list_->vlan_id[i]);
+        }
+        return all;
+    }
+    size_t touched_pages() const
+    {
+        const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+        std::vector<unsigned char> pages((sizeof(*list_) + page - 1) / page);
+        EXPECT_EQ(mincore(list_, sizeof(*list_), pages.data()), 0);
+        size_t touched = 0;
+        for (const unsigned char state : pages) {
+            touched += state & 1u;
+        }
+        return touched;
+    }
+};
+
+using Pairs = std::vector<std::pair<uint32_t, uint32_t>>;
+
+TEST_F(WanMpdnMappingTest, AddSelectsProfileThenBridge)
+{
+    EXPECT_EQ(zr_nexa_wan_mpdnmapping_add_v1(3, 100), 0u);
+    expect_row("zr_nexa_wan_mpdnmapping_add_v1",
+               {"SetWWANProfileHandlePreference(3)", "SelectLANBridge(100)",
+                "AddPDNToVLANMapping(vlan_id=100 profile_handle=3)"},
+               {info("entry"), info("Add PDN 3 To VLAN 100 Mapping success")});
+}
+
+TEST_F(WanMpdnMappingTest, DelSelectsProfileThenBridge)
+{
+    EXPECT_EQ(zr_nexa_wan_mpdnmapping_del_v1(3, 100), 0u);
+    expect_row("zr_nexa_wan_mpdnmapping_del_v1",
+               {"SetWWANProfileHandlePreference(3)", "SelectLANBridge(100)",
+                "DeletePDNToVLANMapping(vlan_id=100 profile_handle=3)"},
+               {info("entry"), info("Delete PDN 3 To 100 VLAN Mapping success")});
+}
+
+TEST_F(WanMpdnMappingTest, TheHandleIsCheckedBeforeTheVlan)
+{
+    const struct {
+        const char* name;
+        uint32_t (*function)(uint32_t, uint16_t);
+    } rows[] = {{"zr_nexa_wan_mpdnmapping_add_v1", zr_nexa_wan_mpdnmapping_add_v1},
+                {"zr_nexa_wan_mpdnmapping_del_v1", zr_nexa_wan_mpdnmapping_del_v1}};
+    for (const auto& row : rows) {
+        for (const int vlan_id : {0, 100, 4095}) {
+            EXPECT_EQ(row.function(0, static_cast<uint16_t>(vlan_id)), 4u);
+            expect_row(row.name, {}, {info("entry")});
+        }
+        for (const int vlan_id : {0, 4095, 4096, 32768, 65535}) {
+            EXPECT_EQ(row.function(3, static_cast<uint16_t>(vlan_id)), 6u) << vlan_id;
+            expect_row(row.name, {}, {info("entry")});
+        }
+        for (const int vlan_id : {1, 4094}) {
+            EXPECT_EQ(row.function(0xFFFFFFFF, static_cast<uint16_t>(vlan_id)), 0u) << vlan_id;
+            EXPECT_EQ(platform.journal.size(), 3u);
+            EXPECT_EQ(platform.journal[1], "SelectLANBridge(" + std::to_string(vlan_id) + ")");
+            platform.forget();
+        }
+    }
+}
+
+TEST_F(WanMpdnMappingTest, EachFailurePointIsTagged)
+{
+    const struct {
+        const char* name;
+        uint32_t (*function)(uint32_t, uint16_t);
+        const char* method;
+        const char* failed;
+    } rows[] = {{"zr_nexa_wan_mpdnmapping_add_v1", zr_nexa_wan_mpdnmapping_add_v1, "AddPDNToVLANMapping",
+                 "Add PDN 3 To VLAN 4094 Mapping error "},
+                {"zr_nexa_wan_mpdnmapping_del_v1", zr_nexa_wan_mpdnmapping_del_v1, "DeletePDNToVLANMapping",
+                 "Delete PDN 3 To 4094 VLAN Mapping error "}};
+    for (const auto& row : rows) {
+        const std::string last_call = std::string(row.method) + "(vlan_id=4094 profile_handle=3)";
+        for (const uint32_t err : kErrorWords) {
+            SCOPED_TRACE(std::string(row.name) + " error " + std::to_string(err));
+            const std::string shown = std::to_string(err);
+            platform.reset();
+            platform.on("SetWWANProfileHandlePreference").fails(err);
+            EXPECT_EQ(row.function(3, 4094), err | 0x1000);
+            expect_row(row.name, {"SetWWANProfileHandlePreference(3)"},
+                       {info("entry"), error("Set WWAN Profile Handle Preference (wwan_handle=3) error " + shown)});
+            platform.reset();
+            platform.on("SelectLANBridge").fails(err);
+            EXPECT_EQ(row.function(3, 4094), err | 0x2000);
+            expect_row(row.name, {"SetWWANProfileHandlePreference(3)", "SelectLANBridge(4094)"},
+                       {info("entry"), error("Select LAN Bridge (LAN_ID=4094) error " + shown)});
+            platform.reset();
+            platform.on(row.method).fails(err);
+            EXPECT_EQ(row.function(3, 4094), err | 0x3000);
+            expect_row(row.name, {"SetWWANProfileHandlePreference(3)", "SelectLANBridge(4094)", last_call},
+                       {info("entry"), error(row.failed + shown)});
+            platform.reset();
+            platform.on(row.method).succeeds(err);
+            EXPECT_EQ(row.function(3, 4094), err);
+        }
+    }
+}
+
+TEST_F(WanMpdnMappingTest, GetFlattensInThePlatformsOrder)
+{
+    map(0, 7, {10, 20});
+    map(1, 9, {});
+    map(2, 1, {30});
+    map(3, 8, {40});  // beyond the count
+    platform_lists(3);
+    EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+    EXPECT_EQ(pairs(), (Pairs{{7, 10}, {7, 20}, {1, 30}}));
+    expect_row("zr_nexa_wan_mpdnmapping_get_v1", {"GetPDNtoVLANMappingsEx()"}, {info("entry")});
+}
+
+TEST_F(WanMpdnMappingTest, GetWritesOnlyThePairsAndTheCount)
+{
+    map(0, 7, {10, -1});
+    platform_lists(1);
+    std::memset(list_, 0xA5, sizeof(*list_));
+    EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+    EXPECT_EQ(pairs(), (Pairs{{7, 10}, {7, 65535}}));
+    EXPECT_EQ(list_->profile_handle[2], 0xA5A5A5A5u);
+    EXPECT_EQ(list_->vlan_id[2], 0xA5A5u);
+    EXPECT_EQ(list_->vlan_id[204699], 0xA5A5u);
+}
+
+TEST_F(WanMpdnMappingTest, AnEmptyListIsCount0)
+{
+    for (const int count : {0, -1, -2147483647}) {
+        map(0, 7, {10});
+        platform_lists(count);
+        list_->count = 5;
+        EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+        EXPECT_EQ(list_->count, 0u);
+    }
+}
+
+TEST_F(WanMpdnMappingTest, GetFailuresLeaveTheListAlone)
+{
+    EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(nullptr), 4u);
+    expect_row("zr_nexa_wan_mpdnmapping_get_v1", {}, {info("entry")});
+    map(0, 7, {10});
+    for (const uint32_t err : kErrorWords) {
+        platform_lists(1);
+        platform.on("GetPDNtoVLANMappingsEx").fails(err);
+        list_->count = 5;
+        EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), err | 0x1000);
+        EXPECT_EQ(list_->count, 5u);
+        EXPECT_EQ(list_->profile_handle[0], 0u);
+        expect_row("zr_nexa_wan_mpdnmapping_get_v1", {"GetPDNtoVLANMappingsEx()"},
+                   {info("entry"), error("Get PDN to VLAN Mappings List error " + std::to_string(err))});
+    }
+}
+
+TEST_F(WanMpdnMappingTest, TheLargestListIsGivenWhole)
+{
+    std::vector<int> all_ids;
+    for (int id = 1; id <= 4094; ++id) {
+        all_ids.push_back(id);
+    }
+    for (int i = 0; i < 50; ++i) {
+        map(i, static_cast<uint32_t>(i + 1), all_ids);
+    }
+    platform_lists(50);
+    EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+    ASSERT_EQ(list_->count, 204700u);
+    for (uint32_t i = 0; i < 204700; ++i) {
+        ASSERT_EQ(list_->profile_handle[i], i / 4094 + 1);
+        ASSERT_EQ(list_->vlan_id[i], i % 4094 + 1);
+    }
+}
+
+TEST_F(WanMpdnMappingTest, CountsBeyondTheRecordAreCut)
+{
+    for (int i = 0; i < 50; ++i) {
+        map(i, static_cast<uint32_t>(i + 1), {i + 1});
+    }
+    mappings_->mapping[0].vlan_count = 4095;
+    mappings_->mapping[1].vlan_count = 2147483647;
+    mappings_->mapping[2].vlan_count = -1;
+    for (const int count : {51, 2147483647}) {
+        platform_lists(count);
+        EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+        ASSERT_EQ(list_->count, 2 * 4094u + 47);
+        EXPECT_EQ(list_->profile_handle[0], 1u);
+        EXPECT_EQ(list_->profile_handle[4093], 1u);
+        EXPECT_EQ(list_->profile_handle[4094], 2u);
+        EXPECT_EQ(list_->profile_handle[8187], 2u);
+        EXPECT_EQ(list_->profile_handle[8188], 4u);
+        EXPECT_EQ(list_->vlan_id[8188], 4u);
+        EXPECT_EQ(list_->profile_handle[8234], 50u);
+    }
+}
+
+// The double complains when the list it is handed is not clear.
+TEST_F(WanMpdnMappingTest, ThePlatformsListIsClearEveryTime)
+{
+    std::memset(mappings_.get(), 0xA5, sizeof(*mappings_));
+    for (auto& mapping : mappings_->mapping) {
+        mapping.vlan_count = 1;
+    }
+    for (const int count : {0, 1, 50}) {
+        platform_lists(count);
+        EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+        platform.on("GetPDNtoVLANMappingsEx").fails(3);
+        EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0x1003u);
+    }
+    EXPECT_THAT(platform.complaints, testing::IsEmpty());
+}
+
+TEST_F(WanMpdnMappingTest, AShortListTouchesLittleMemory)
+{
+    map(0, 7, {10, 20, 30});
+    platform_lists(1);
+    ASSERT_EQ(touched_pages(), 0u);
+    EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+    EXPECT_EQ(touched_pages(), 2u);  // count and handles, VLAN ids
+}
+
+}  // namespace
