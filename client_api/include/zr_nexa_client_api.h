@@ -36,9 +36,11 @@
 #include <zr_nexa/base.h>
 #include <zr_nexa/firewall.h>
 #include <zr_nexa/general.h>
+#include <zr_nexa/gre.h>
 #include <zr_nexa/indications.h>
 #include <zr_nexa/lan_addressing.h>
 #include <zr_nexa/vpn_passthrough.h>
+#include <zr_nexa/alg.h>
 #include <zr_nexa/lan_passthrough.h>
 #include <zr_nexa/lan_services.h>
 #include <zr_nexa/lan_vlan.h>
