@@ -16,6 +16,11 @@ int general_sfe(int argc, char** argv);
 int lan_gwurl(int argc, char** argv);
 int lan_dhcp(int argc, char** argv);
 int lan_default_dhcp_enable(int argc, char** argv);
+int lan_vlan(int argc, char** argv);
+int lan_ipptnat(int argc, char** argv);
+int lan_ipptnatpdn(int argc, char** argv);
+int lan_ippt(int argc, char** argv);
+int lan_ipptgwfilter(int argc, char** argv);
 
 // wan.cpp
 int wan_wwanconfig(int argc, char** argv);

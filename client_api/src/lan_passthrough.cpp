@@ -5,6 +5,7 @@
 #include <arpa/inet.h>
 #include <string.h>
 
+#include "field_text.h"
 #include "session.h"
 
 namespace {
@@ -26,18 +27,6 @@ constexpr uint32_t kPlatformNoPorts = 4;
 static_assert(ZR_NEXA_LAN_IPPTGWFILTER_MAX == QCMAP_MAX_SW_PATH_FILTERS);
 static_assert(ZR_NEXA_LAN_SWPATHFILTER_MAX == QCMAP_MAX_SW_PATH_FILTERS);
 static_assert(ZR_NEXA_LAN_IPPT_NAME_SIZE == sizeof(qcmap_msgr_ip_passthrough_config_v01::host_name));
-
-// A text of a fixed-size field with a zero behind it, for a record.
-template <size_t size>
-struct Terminated {
-    char text[size + 1];
-
-    explicit Terminated(const char (&field)[size])
-    {
-        memcpy(text, field, size);
-        text[size] = '\0';
-    }
-};
 
 bool is_vlan(uint32_t lan_id)
 {
@@ -96,6 +85,7 @@ void read_device_type(uint32_t device_type, uint8_t* ippt_mode)
 using zr_nexa::clamped;
 using zr_nexa::client;
 using zr_nexa::failed_step;
+using zr_nexa::FieldText;
 using zr_nexa::guard;
 using zr_nexa::result_of;
 using zr_nexa::select_bridge;
@@ -207,12 +197,12 @@ uint32_t zr_nexa_lan_ippt_set_v1(const zr_nexa_lan_ippt_t* rec)
     if (rec->ippt_mode > kModeMax) return ZR_NEXA_LAN_IPPT_ERR_MODE;
     if (rec->lan_id != 0 && rec->ippt_mode == ZR_NEXA_LAN_IPPT_WLAN) return ZR_NEXA_LAN_IPPT_ERR_WLAN_ON_VLAN;
 
-    const Terminated host_mac(rec->host_mac);
-    const Terminated host_name(rec->host_name);
+    const FieldText host_mac(rec->host_mac);
+    const FieldText host_name(rec->host_name);
     LOG_INFO("Set IP Passthrough Config (LAN_ID=%d):ippt_adaptive=%d ippt_mode=%d", rec->lan_id, rec->ippt_adaptive,
              rec->ippt_mode);
-    LOG_INFO("Set IP Passthrough Config (LAN_ID=%d):host_mac=%s host_name=%s", rec->lan_id, host_mac.text,
-             host_name.text);
+    LOG_INFO("Set IP Passthrough Config (LAN_ID=%d):host_mac=%s host_name=%s", rec->lan_id, host_mac.c_str(),
+             host_name.c_str());
 
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SelectLANBridge(static_cast<short>(rec->lan_id), &err)) return failed_step(1, err);
