@@ -9,10 +9,12 @@ namespace mobile_ap {
 
 extern const char* const kGeneralSchema;
 extern const char* const kLanAddressingSchema;
+extern const char* const kLanServicesSchema;
 
 inline constexpr const char* const* kAreaSchemas[] = {
     &kGeneralSchema,
     &kLanAddressingSchema,
+    &kLanServicesSchema,
 };
 
 }  // namespace mobile_ap

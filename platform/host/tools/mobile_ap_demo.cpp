@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "indications.h"
 #include "signals.h"
@@ -53,6 +54,37 @@ void add_report(CLI::App& app)
     });
 }
 
+void add_device(CLI::App& app)
+{
+    CLI::App* device = app.add_subcommand("device", "Devices on the LAN");
+    device->require_subcommand(1);
+
+    static std::string mac, ipv4, host_name;
+    static std::vector<std::string> ipv6;
+    static uint32_t type = 4;
+    static int64_t rx_bytes = 0, tx_bytes = 0;
+    CLI::App* add = device->add_subcommand("add", "Put a device on the LAN, or change the one with this MAC address");
+    add->add_option("mac", mac, "MAC address")->required();
+    add->add_option("ipv4", ipv4, "IPv4 address")->required();
+    add->add_option("name", host_name, "Host name, at most 100 bytes")->required();
+    add->add_option("--ipv6", ipv6, "IPv6 addresses, at most 6");
+    add->add_option("--type", type, "Device type: 3 USB, 4 Ethernet, 8 WLAN, 16 second Ethernet");
+    add->add_option("--rx", rx_bytes, "Bytes received from it");
+    add->add_option("--tx", tx_bytes, "Bytes sent to it");
+    add->callback([] {
+        change_state([](Store& db) {
+            db.run("DELETE FROM connected_device WHERE mac = ?", mac);
+            db.run("INSERT INTO connected_device VALUES (?, ?, ?, ?, ?, ?)", mac, type, ipv4, host_name, rx_bytes,
+                   tx_bytes);
+            for (const std::string& address : ipv6)
+                db.run("INSERT INTO connected_device_ipv6 VALUES (?, ?)", mac, address);
+        });
+    });
+
+    CLI::App* clear = device->add_subcommand("clear", "Take all devices off the LAN");
+    clear->callback([] { change_state([](Store& db) { db.run("DELETE FROM connected_device"); }); });
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -60,6 +92,7 @@ int main(int argc, char** argv)
     CLI::App app("What happens around the host platform, on demand");
     app.require_subcommand(1);
     add_report(app);
+    add_device(app);
     CLI11_PARSE(app, argc, argv);
     return 0;
 }
