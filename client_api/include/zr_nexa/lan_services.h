@@ -181,8 +181,7 @@ ZR_NEXA_API uint32_t zr_nexa_lan_packetstats_reset_v1(void);
  *
  * Returns 13 no session; 4 devices or count null; e | 0x1000 the service refused with error e; 0.
  */
-ZR_NEXA_API uint32_t zr_nexa_lan_connected_device_info_get_v1(zr_nexa_lan_connected_device_t* devices,
-                                                              uint32_t* count);
+ZR_NEXA_API uint32_t zr_nexa_lan_connected_device_info_get_v1(zr_nexa_lan_connected_device_t* devices, uint32_t* count);
 
 /*
  * Switches unmanaged L2TP on one LAN.

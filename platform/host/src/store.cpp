@@ -263,7 +263,7 @@ void Store::connect(const std::string& path, int flags)
     int keep_log = 1;
     sqlite3_file_control(connection_, "main", SQLITE_FCNTL_PERSIST_WAL, &keep_log);
     // A damaged file fails here already; what is wrong with it is for the first real statement to say.
-    sqlite3_exec(connection_, "PRAGMA journal_size_limit = 0; PRAGMA synchronous = NORMAL", nullptr, nullptr, nullptr);
+    sqlite3_exec(connection_, "PRAGMA journal_size_limit = 0; PRAGMA synchronous = NORMAL; PRAGMA foreign_keys = ON", nullptr, nullptr, nullptr);
 }
 
 void Store::open_quietly(const std::string& path)
