@@ -9,11 +9,13 @@ namespace mobile_ap {
 
 extern const char* const kGeneralSchema;
 extern const char* const kLanAddressingSchema;
+extern const char* const kAlgSchema;
 extern const char* const kLanServicesSchema;
 
 inline constexpr const char* const* kAreaSchemas[] = {
     &kGeneralSchema,
     &kLanAddressingSchema,
+    &kAlgSchema,
     &kLanServicesSchema,
 };
 

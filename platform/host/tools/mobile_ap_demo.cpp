@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "alg.h"
 #include "indications.h"
 #include "signals.h"
 #include "state_place.h"
@@ -85,6 +86,28 @@ void add_device(CLI::App& app)
     clear->callback([] { change_state([](Store& db) { db.run("DELETE FROM connected_device"); }); });
 }
 
+void add_sip(CLI::App& app)
+{
+    static int bridge = 0;
+    static uint32_t family = 4;
+    static std::string address;
+    static std::string fqdn;
+    CLI::App* command = app.add_subcommand("sip", "SIP servers that the network assigns to a LAN bridge");
+    command->require_subcommand(1);
+    CLI::App* add = command->add_subcommand("add", "Assign one more server");
+    add->add_option("--bridge", bridge, "LAN id")->capture_default_str();
+    add->add_option("--family", family, "4 or 6")->capture_default_str();
+    CLI::Option_group* name = add->add_option_group("server", "How it is named");
+    name->add_option("--address", address, "By its address");
+    name->add_option("--fqdn", fqdn, "By its name");
+    name->require_option(1);
+    add->callback(
+        [] { change_state([](Store& db) { mobile_ap::add_network_sip_server(db, bridge, family, address, fqdn); }); });
+    CLI::App* clear = command->add_subcommand("clear", "Take all servers of a bridge away");
+    clear->add_option("--bridge", bridge, "LAN id")->capture_default_str();
+    clear->callback([] { change_state([](Store& db) { mobile_ap::clear_network_sip_servers(db, bridge); }); });
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -92,6 +115,7 @@ int main(int argc, char** argv)
     CLI::App app("What happens around the host platform, on demand");
     app.require_subcommand(1);
     add_report(app);
+    add_sip(app);
     add_device(app);
     CLI11_PARSE(app, argc, argv);
     return 0;
