@@ -9,12 +9,18 @@ namespace mobile_ap {
 
 extern const char* const kGeneralSchema;
 extern const char* const kLanAddressingSchema;
+extern const char* const kWanProfileSchema;
+extern const char* const kWanConnectionSchema;
+extern const char* const kWanMpdnMappingSchema;
 extern const char* const kAlgSchema;
 extern const char* const kLanServicesSchema;
 
 inline constexpr const char* const* kAreaSchemas[] = {
     &kGeneralSchema,
     &kLanAddressingSchema,
+    &kWanProfileSchema,
+    &kWanConnectionSchema,
+    &kWanMpdnMappingSchema,
     &kAlgSchema,
     &kLanServicesSchema,
 };
