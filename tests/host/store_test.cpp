@@ -71,7 +71,8 @@ protected:
     {
         for (const auto& entry : fs::directory_iterator(folder)) {
             const std::string name = entry.path().string();
-            if (name.find(".corrupt-") != std::string::npos && name.find("-journal") == std::string::npos && name.find("-wal") == std::string::npos)
+            if (name.find(".corrupt-") != std::string::npos && name.find("-journal") == std::string::npos &&
+                name.find("-wal") == std::string::npos)
                 return name;
         }
         return "";
@@ -177,10 +178,10 @@ TEST_F(StoreHostTest, FullFileSystem)
 {
     const pid_t child = start_child([&] {
         if (!enter_private_mounts()) return 77;
-        if (mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=256k") != 0) return 77;
+        if (mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=8m") != 0) return 77;
         if (!works()) return 1;
         const std::string before = read_file(database());
-        std::ofstream(folder + "/filler") << std::string(1 << 20, 'f');
+        std::ofstream(folder + "/filler") << std::string(16 << 20, 'f');
         const std::string told = refused();
         if (told != not_ready_line(folder, "No space left on device")) return 2;
         if (read_file(database()) != before) return 3;
@@ -369,6 +370,27 @@ TEST_F(StoreHostTest, ValuesOfEveryKind)
                     EXPECT_EQ(db.one<int>("SELECT 1 FROM t WHERE a = 3"), std::nullopt);
                     return QMI_ERR_NO_EFFECT_V01;
                 }) == false);
+}
+
+TEST_F(StoreHostTest, RestoreWithRowsThatPointAtOthers)
+{
+    Session session(nullptr, nullptr);
+    EXPECT_TRUE(method(&session, "Test", &err, [](Store& db) {
+        db.run("CREATE TABLE a_child (parent INTEGER REFERENCES lan_bridge(id))");
+        db.run("INSERT INTO a_child VALUES (0)");
+        db.run("CREATE TABLE z_parent (id INTEGER PRIMARY KEY)");
+        db.run("CREATE TABLE b_child (parent INTEGER REFERENCES z_parent(id))");
+        db.run("INSERT INTO z_parent VALUES (1)");
+        db.run("INSERT INTO b_child VALUES (1)");
+        return QMI_ERR_NONE_V01;
+    }));
+    OpenClient client;
+    EXPECT_TRUE(client.RestoreFactoryConfig(&err)) << err;
+    EXPECT_TRUE(read_method(&session, "Test", &err, [](Store& db) {
+        EXPECT_EQ(db.one<int>("SELECT count(*) FROM sqlite_schema WHERE name LIKE '%_child'"), 0);
+        EXPECT_EQ(db.one<int>("SELECT count(*) FROM lan_bridge"), 1);
+        return QMI_ERR_NONE_V01;
+    }));
 }
 
 TEST_F(StoreHostTest, BridgesOfVlans)

@@ -60,8 +60,8 @@ std::string field_text(const char* field, size_t size)
 
 void set_field_text(char* field, size_t size, const std::string& text)
 {
-    memset(field, 0, size);
-    memcpy(field, text.data(), std::min(size, text.size()));
+    std::fill_n(field, size, '\0');
+    std::copy_n(text.data(), std::min(size, text.size()), field);
 }
 
 }  // namespace mobile_ap

@@ -50,7 +50,7 @@ extern "C" bool ds_mac_addr_pton(const char* text, uint8_t* mac)
 {
     if (text == nullptr || mac == nullptr || strnlen(text, 18) != 17) return false;
     uint8_t bytes[6];
-    for (int i = 0; i < 6; ++i) {
+    for (size_t i = 0; i < 6; ++i) {
         const int high = digit(text[3 * i]);
         const int low = digit(text[3 * i + 1]);
         if (high < 0 || low < 0 || (i < 5 && text[3 * i + 2] != ':')) return false;
@@ -63,7 +63,7 @@ extern "C" bool ds_mac_addr_pton(const char* text, uint8_t* mac)
 extern "C" void ds_mac_addr_ntop(const uint8_t* mac, char* text)
 {
     constexpr char kDigits[] = "0123456789abcdef";
-    for (int i = 0; i < 6; ++i) {
+    for (size_t i = 0; i < 6; ++i) {
         text[3 * i] = kDigits[mac[i] >> 4];
         text[3 * i + 1] = kDigits[mac[i] & 15];
         text[3 * i + 2] = i < 5 ? ':' : '\0';

@@ -11,7 +11,7 @@
 namespace mobile_ap {
 namespace {
 
-constexpr off_t kRoomNeeded = 64 * 1024;
+constexpr off_t kRoomNeeded = 65536;
 
 std::string errno_text(int error)
 {

@@ -215,7 +215,7 @@ void Store::restore_factory()
     {
         Query q = query(
             "SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite_%'"
-            " AND name NOT IN ('mobile_ap', 'indication')");
+            " AND name NOT IN ('mobile_ap', 'indication') ORDER BY rowid DESC");
         while (q.next())
             tables.push_back(q.get<std::string>(0));
     }
@@ -252,9 +252,9 @@ void Store::connect(const std::string& path, int flags)
     if (code != SQLITE_OK) {
         const int reason = connection_ == nullptr ? 0 : sqlite3_system_errno(connection_);
         char text[128] = "";
-        const StoreError error{code, reason != 0 ? strerror_r(reason, text, sizeof text) : sqlite3_errstr(code)};
+        const char* words = reason != 0 ? strerror_r(reason, text, sizeof text) : sqlite3_errstr(code);
         close();
-        throw error;
+        throw StoreError{code, words};
     }
     sqlite3_extended_result_codes(connection_, 1);
     sqlite3_busy_handler(connection_, wait_for_lock, this);
@@ -263,7 +263,8 @@ void Store::connect(const std::string& path, int flags)
     int keep_log = 1;
     sqlite3_file_control(connection_, "main", SQLITE_FCNTL_PERSIST_WAL, &keep_log);
     // A damaged file fails here already; what is wrong with it is for the first real statement to say.
-    sqlite3_exec(connection_, "PRAGMA journal_size_limit = 0; PRAGMA synchronous = NORMAL; PRAGMA foreign_keys = ON", nullptr, nullptr, nullptr);
+    sqlite3_exec(connection_, "PRAGMA journal_size_limit = 0; PRAGMA synchronous = NORMAL; PRAGMA foreign_keys = ON",
+                 nullptr, nullptr, nullptr);
 }
 
 void Store::open_quietly(const std::string& path)
@@ -289,7 +290,7 @@ std::string Store::look_for_damage()
 {
     try {
         if (sqlite3_db_readonly(connection_, "main") == 1) throw StoreError{SQLITE_READONLY, "Permission denied"};
-        const std::string verdict = one<std::string>("PRAGMA quick_check(1)").value_or("no answer");
+        std::string verdict = one<std::string>("PRAGMA quick_check(1)").value_or("no answer");
         if (verdict != "ok") return verdict;
         if (!is_fresh() && one<int>("PRAGMA user_version").value_or(0) != schema_version())
             return "its tables are of another version";
