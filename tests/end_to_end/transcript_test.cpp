@@ -1,0 +1,156 @@
+// The documented sessions, run as they stand: every fenced block of docs/ and of the README that is marked "console".
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "run_tool.h"
+
+namespace {
+
+struct Step {
+    std::string line;                    // as documented, without "$ "
+    std::vector<std::string> variables;  // NAME=value words in front
+    std::vector<std::string> words;
+    std::string output;
+};
+
+struct Session {
+    std::string file;
+    int line = 0;
+    std::vector<Step> steps;
+};
+
+void PrintTo(const Session& session, std::ostream* out)
+{
+    *out << session.file << ":" << session.line;
+}
+
+std::vector<std::string> shell_words(const std::string& line)
+{
+    std::vector<std::string> words;
+    std::string word;
+    bool begun = false;
+    char quote = '\0';
+    for (const char c : line + " ") {
+        if (quote != '\0') {
+            if (c == quote) {
+                quote = '\0';
+            } else {
+                word += c;
+            }
+        } else if (c == '\'' || c == '"') {
+            quote = c;
+            begun = true;
+        } else if (c == ' ') {
+            if (begun) words.push_back(word);
+            word.clear();
+            begun = false;
+        } else {
+            word += c;
+            begun = true;
+        }
+    }
+    return words;
+}
+
+Step step_of(const std::string& line)
+{
+    Step step{line, {}, shell_words(line), ""};
+    while (!step.words.empty() && step.words[0].find('=') != std::string::npos) {
+        step.variables.push_back(step.words[0]);
+        step.words.erase(step.words.begin());
+    }
+    if (step.words.empty() || (step.words[0] != "zr_nexa" && step.words[0] != "scripts/run")) {
+        step.words.assign({"(not a command of the tool)"});
+    } else {
+        step.words.erase(step.words.begin());
+    }
+    return step;
+}
+
+// Every line ends in carriage return and line feed but those of a connected WAN Info, which end in line feed.
+std::string as_printed(const std::vector<std::string>& lines)
+{
+    std::string output;
+    bool info = false;
+    for (const auto& line : lines) {
+        if (line == "CMD OK") info = false;
+        output += line + (info ? "\n" : "\r\n");
+        if (line == "WAN Info: connected") info = true;
+    }
+    return output;
+}
+
+std::vector<Session> documented_sessions()
+{
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(ZR_NEXA_DOCS_DIR)) {
+        if (entry.path().extension() == ".md") files.push_back(entry.path());
+    }
+    files.push_back(std::filesystem::path(ZR_NEXA_DOCS_DIR) / "../README.md");
+    std::sort(files.begin(), files.end());
+
+    std::vector<Session> sessions;
+    for (const auto& file : files) {
+        std::ifstream text(file);
+        std::vector<std::string> printed;
+        bool inside = false;
+        int number = 0;
+        for (std::string line; std::getline(text, line);) {
+            ++number;
+            if (!inside && line == "```console") {
+                inside = true;
+                sessions.push_back({file.filename().string(), number, {}});
+                continue;
+            }
+            if (!inside) continue;
+            auto& steps = sessions.back().steps;
+            const bool ends = line == "```";
+            const bool command = line.rfind("$ ", 0) == 0;
+            if ((ends || command) && !steps.empty()) {
+                steps.back().output = as_printed(printed);
+                printed.clear();
+            }
+            if (ends) {
+                inside = false;
+            } else if (command) {
+                steps.push_back(step_of(line.substr(2)));
+            } else {
+                printed.push_back(line);
+            }
+        }
+    }
+    return sessions;
+}
+
+class TranscriptTest : public testing::TestWithParam<Session> {};
+
+TEST_P(TranscriptTest, IsWhatTheToolPrints)
+{
+    const TempFolder state;
+    ASSERT_FALSE(GetParam().steps.empty());
+    for (const Step& step : GetParam().steps) {
+        SCOPED_TRACE("$ " + step.line);
+        ToolOptions options{state.path()};
+        options.variables = step.variables;
+        const ToolRun seen = run_tool(step.words, options);
+        EXPECT_EQ(seen.out, step.output);
+        EXPECT_EQ(seen.err, "");
+        EXPECT_EQ(seen.status, 0);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Docs, TranscriptTest, testing::ValuesIn(documented_sessions()), [](const auto& info) {
+    std::string name = info.param.file.substr(0, info.param.file.rfind('.'));
+    for (char& c : name) {
+        if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
+    }
+    return name + "_" + std::to_string(info.param.line);
+});
+
+TEST(Transcripts, AreThere)
+{
+    EXPECT_GE(documented_sessions().size(), 2u);
+}
+
+}  // namespace
