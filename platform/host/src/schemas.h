@@ -12,8 +12,11 @@ extern const char* const kLanAddressingSchema;
 extern const char* const kWanProfileSchema;
 extern const char* const kWanConnectionSchema;
 extern const char* const kWanMpdnMappingSchema;
+extern const char* const kVpnPassthroughSchema;
 extern const char* const kAlgSchema;
 extern const char* const kLanServicesSchema;
+extern const char* const kLanVlanSchema;
+extern const char* const kLanPassthroughSchema;
 
 inline constexpr const char* const* kAreaSchemas[] = {
     &kGeneralSchema,
@@ -21,8 +24,11 @@ inline constexpr const char* const* kAreaSchemas[] = {
     &kWanProfileSchema,
     &kWanConnectionSchema,
     &kWanMpdnMappingSchema,
+    &kVpnPassthroughSchema,
     &kAlgSchema,
     &kLanServicesSchema,
+    &kLanVlanSchema,
+    &kLanPassthroughSchema,
 };
 
 }  // namespace mobile_ap
