@@ -20,6 +20,7 @@ target_compile_options(zr_nexa_lean_options INTERFACE
   -fvisibility=hidden -Wmissing-declarations)
 if(ZR_NEXA_LEAN)
   set(ZR_NEXA_LINKER_LANGUAGE C)
+  set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "")  # else C++ sources linked as C are given the runtime by name
 else()
   set(ZR_NEXA_LINKER_LANGUAGE CXX)
 endif()
