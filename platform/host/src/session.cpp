@@ -150,7 +150,8 @@ Session::Outcome Session::perform(Access access, const Body& body, unsigned int 
         store_.commit();
     else
         store_.roll_back();
-    return {error == QMI_ERR_NONE_V01, error};
+    if (error == QMI_ERR_NONE_V01) return {true, store_.success_word()};
+    return {false, error};
 }
 
 bool Session::is_ready()

@@ -378,6 +378,7 @@ bool Store::open(const std::string& folder, std::string* problem)
 void Store::begin(const char* sql)
 {
     keep_changes_ = false;
+    success_word_ = QMI_ERR_NONE_V01;
     rings_ = false;
     wait_until_ms_ = now_ms() + patience_ms_;
     run_script(connection_, sql);

@@ -157,6 +157,13 @@ public:
         keep_changes_ = true;
     }
 
+    // The method succeeds and writes this error word all the same: return db.succeed_with(QMI_ERR_EMPTY_LIST_V01);
+    qmi_error_type_v01 succeed_with(qmi_error_type_v01 word)
+    {
+        success_word_ = word;
+        return QMI_ERR_NONE_V01;
+    }
+
     // Every table of every area as it was on the first day. Sessions and their indications stay.
     void restore_factory();
 
@@ -190,6 +197,10 @@ public:
     {
         return keep_changes_;
     }
+    qmi_error_type_v01 success_word() const
+    {
+        return success_word_;
+    }
 
     // Indications queued by the transaction under way, see indications.h.
     void queued_indication()
@@ -213,6 +224,7 @@ private:
     uint32_t selected_profile_ = 1;
     int selected_bridge_ = 0;
     bool keep_changes_ = false;
+    qmi_error_type_v01 success_word_ = QMI_ERR_NONE_V01;
     bool rings_ = false;
 
     static int wait_for_lock(void* store, int attempt);
