@@ -3,11 +3,11 @@
  *
  * Conventions of all functions
  *
- *  1. Every function returns a 32-bit unsigned result code and writes results only through pointer arguments.
- *     0 is success. The small codes are named in <zr_nexa/base.h> and in the area's header. A failed request to the
- *     service gives the service's error word ORed with 0x1000 times the function's step: 0x2003 reads as second step,
- *     error 3. The OR is literal, so an error word that has those bits itself hides the step. A request that succeeds
- *     although the service wrote an error word returns that word bare.
+ *  1. Every function returns a 32-bit result code and writes results only through pointer arguments. It is unsigned, but
+ *     for the two GRE file functions. 0 is success. The small codes are named in <zr_nexa/base.h> and in the area's
+ *     header. A failed request to the service gives the service's error word ORed with 0x1000 times the function's step:
+ *     0x2003 reads as second step, error 3. The OR is literal, so an error word that has those bits itself hides the
+ *     step. A request that succeeds although the service wrote an error word returns that word bare.
  *  2. Checks are made in this order: session (13), null pointers the function refuses (4), then the arguments as the
  *     function lists them, then the service is asked step by step. The first that fails ends the function; what earlier
  *     steps did stays done.
@@ -33,19 +33,19 @@
 #ifndef ZR_NEXA_CLIENT_API_H
 #define ZR_NEXA_CLIENT_API_H
 
+#include <zr_nexa/alg.h>
 #include <zr_nexa/base.h>
 #include <zr_nexa/firewall.h>
 #include <zr_nexa/general.h>
 #include <zr_nexa/gre.h>
 #include <zr_nexa/indications.h>
 #include <zr_nexa/lan_addressing.h>
-#include <zr_nexa/vpn_passthrough.h>
-#include <zr_nexa/alg.h>
 #include <zr_nexa/lan_passthrough.h>
 #include <zr_nexa/lan_services.h>
 #include <zr_nexa/lan_vlan.h>
 #include <zr_nexa/nat.h>
 #include <zr_nexa/upnp.h>
+#include <zr_nexa/vpn_passthrough.h>
 #include <zr_nexa/wan_connection.h>
 #include <zr_nexa/wan_mpdn_mapping.h>
 #include <zr_nexa/wan_profile.h>

@@ -45,7 +45,7 @@ std::string content_below(const std::filesystem::path& folder, const std::string
 
 Names declared()
 {
-    return all_matches(content_below(ZR_NEXA_INCLUDE_DIR, ".h"), "ZR_NEXA_API uint32_t (zr_nexa_\\w+)\\(");
+    return all_matches(content_below(ZR_NEXA_INCLUDE_DIR, ".h"), "ZR_NEXA_API u?int32_t (zr_nexa_\\w+)\\(");
 }
 
 Names exported()

@@ -7,6 +7,7 @@ std::vector<SweepRow> wan_connection_sweep_rows();
 std::vector<SweepRow> wan_mpdn_mapping_sweep_rows();
 std::vector<SweepRow> firewall_sweep_rows();
 std::vector<SweepRow> upnp_sweep_rows();
+std::vector<SweepRow> gre_sweep_rows();
 std::vector<SweepRow> lan_addressing_sweep_rows();
 std::vector<SweepRow> vpn_passthrough_sweep_rows();
 std::vector<SweepRow> alg_sweep_rows();
@@ -26,6 +27,7 @@ std::vector<SweepRow> all_sweep_rows()
              nat_sweep_rows,
              firewall_sweep_rows,
              upnp_sweep_rows,
+             gre_sweep_rows,
              lan_addressing_sweep_rows,
              vpn_passthrough_sweep_rows,
              alg_sweep_rows,

@@ -1,0 +1,83 @@
+// GRE offload in the IPA connection manager's configuration file.
+#include <zr_nexa/gre.h>
+
+#include <arpa/inet.h>
+#include <dlfcn.h>
+
+#include <cstring>
+
+#include "ipacm_cfg.h"
+#include "log.h"
+
+namespace {
+
+constexpr auto kLogSource = zr_nexa::LogSource::kGre;
+
+// Loads the library that does the work when it is first asked for; it stays.
+int32_t get_set_ipacm_config(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg)
+{
+    static decltype(&ZR_GetSetIpacmConfigFromXML) work = nullptr;
+    if (work == nullptr) {
+        void* const library = dlopen(ZR_NEXA_IPACM_CFG_LIBRARY, RTLD_NOW);
+        if (library != nullptr) work = reinterpret_cast<decltype(work)>(dlsym(library, "ZR_GetSetIpacmConfigFromXML"));
+    }
+    return work != nullptr ? work(is_set, cfg) : ZR_NEXA_GRE_ERR_NO_LIBRARY;
+}
+
+}  // namespace
+
+int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t* cfg)
+{
+    LOG_INFO("entry");
+    if (cfg == nullptr) {
+        LOG_ERROR("gre_ipacfg is null");
+        return ZR_NEXA_ERR_ARGUMENT;
+    }
+    if (cfg->num_of_server_addrs > ZR_NEXA_GRE_MAX_SERVERS) {
+        LOG_ERROR("num_of_server_addrs greater than %d", ZR_NEXA_GRE_MAX_SERVERS);
+        if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_MAX_SUBNETS) {
+            LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_MAX_SUBNETS);
+        }
+        return ZR_NEXA_ERR_ARGUMENT;
+    }
+    if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_MAX_SUBNETS) {
+        LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_MAX_SUBNETS);
+        return ZR_NEXA_ERR_ARGUMENT;
+    }
+    zr_nexa_wan_gre_ipacfg_t local = *cfg;
+    char text[INET_ADDRSTRLEN];
+    for (uint32_t i = 0; i < local.num_of_server_addrs; ++i) {
+        inet_ntop(AF_INET, &local.server_ipv4_addr[i], text, sizeof(text));
+        LOG_INFO("gre_config.server_ipv4_addr[%d]:%s", i, text);
+    }
+    for (uint32_t i = 0; i < local.num_of_subnet_masks; ++i) {
+        inet_ntop(AF_INET, &local.subnet_mask[i], text, sizeof(text));
+        LOG_INFO("gre_config.subnet_mask[%d]:%s", i, text);
+    }
+    // Both texts below name the function without its area word: log readers know them so.
+    const int32_t result = get_set_ipacm_config(1, &local);
+    if (result != 0) {
+        LOG_ERROR("zr_nexa_gre_ipacfg_set_v1 failed, ret:%d", result);
+        return result;
+    }
+    LOG_INFO("zr_nexa_gre_ipacfg_set_v1 success");
+    return ZR_NEXA_OK;
+}
+
+int32_t zr_nexa_wan_gre_ipacfg_get_v1(zr_nexa_wan_gre_ipacfg_t* cfg)
+{
+    LOG_INFO("entry");
+    if (cfg == nullptr) {
+        LOG_ERROR("gre_ipacfg is null!");
+        return ZR_NEXA_ERR_ARGUMENT;
+    }
+    zr_nexa_wan_gre_ipacfg_t local = {};
+    const int32_t result = get_set_ipacm_config(0, &local);
+    if (result != 0) {
+        LOG_ERROR("zr_nexa_gre_ipacfg_get_v1 failed, ret:%d", result);
+        return result;
+    }
+    LOG_INFO("zr_nexa_gre_ipacfg_get_v1 success");
+    std::memcpy(cfg, &local, sizeof(local));  // padding included
+    return ZR_NEXA_OK;
+}
