@@ -197,7 +197,7 @@ TEST_F(WordCountsTest, WithoutAnOptionEverySettingPrintsItsDocumentedUsage)
 {
     platform.reset();
     std::set<std::string> documented;
-    for (const FencedBlock& block : fenced_blocks(ZR_NEXA_DOCS_DIR "/commands.md")) {
+    for (const FencedBlock& block : fenced_blocks(ZR_NEXA_DOCS_DIR "/usage.md")) {
         const size_t blank = block.heading.find(' ');
         ASSERT_NE(blank, std::string::npos) << block.heading;
         std::string usage;
