@@ -3,11 +3,11 @@
  *
  * Conventions of all functions
  *
- *  1. Every function returns a 32-bit result code, unsigned but for the two GRE file functions, and writes results only
- *     through pointer arguments. 0 is success. The small codes are named in <zr_nexa/base.h> and in the area's header. A
- *     failed request to the service gives the service's error word ORed with 0x1000 times the function's step: 0x2003
- *     reads as second step, error 3. The OR is literal, so an error word that has those bits itself hides the step. A
- *     request that succeeds although the service wrote an error word returns that word bare.
+ *  1. Every function returns a 32-bit result code, unsigned but for the two GRE file functions, and writes results
+ *     only through pointer arguments. 0 is success. The small codes are named in <zr_nexa/base.h> and in the area's
+ *     header. A failed request to the service gives the service's error word ORed with 0x1000 times the function's
+ *     step: 0x2003 reads as second step, error 3. The OR is literal, so an error word that has those bits itself hides
+ *     the step. A request that succeeds although the service wrote an error word returns that word bare.
  *  2. Checks are made in this order: session (13), null pointers the function refuses (4), then the arguments as the
  *     function lists them, then the service is asked step by step. The first that fails ends the function; what earlier
  *     steps did stays done.
