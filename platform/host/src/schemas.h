@@ -12,11 +12,14 @@ extern const char* const kLanAddressingSchema;
 extern const char* const kWanProfileSchema;
 extern const char* const kWanConnectionSchema;
 extern const char* const kWanMpdnMappingSchema;
+extern const char* const kNatSchema;
 extern const char* const kVpnPassthroughSchema;
 extern const char* const kAlgSchema;
 extern const char* const kLanServicesSchema;
 extern const char* const kLanVlanSchema;
 extern const char* const kLanPassthroughSchema;
+extern const char* const kFirewallSchema;
+extern const char* const kUpnpSchema;
 
 inline constexpr const char* const* kAreaSchemas[] = {
     &kGeneralSchema,
@@ -24,11 +27,14 @@ inline constexpr const char* const* kAreaSchemas[] = {
     &kWanProfileSchema,
     &kWanConnectionSchema,
     &kWanMpdnMappingSchema,
+    &kNatSchema,
     &kVpnPassthroughSchema,
     &kAlgSchema,
     &kLanServicesSchema,
     &kLanVlanSchema,
     &kLanPassthroughSchema,
+    &kFirewallSchema,
+    &kUpnpSchema,
 };
 
 }  // namespace mobile_ap
