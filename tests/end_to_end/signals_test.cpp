@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kBatches = 10;
+constexpr int kBatches = ZR_NEXA_SIGNAL_BATCHES;
 constexpr int kSignalsPerBatch = 200;
 constexpr int kAtATime = 4;
 
