@@ -2,6 +2,7 @@
 #include <map>
 
 #include "api_test.h"
+#include "firewall_entries.h"
 #include "scripted_firewall.h"
 
 namespace {
@@ -18,8 +19,6 @@ constexpr const char* kHwGet = "zr_nexa_firewall_hwfiltering_state_get_v1";
 
 constexpr const char* kSrc6 = "20010db8000000000000000000000001";
 constexpr const char* kDst6 = "fe8000000000000000000000000000ff";
-constexpr uint8_t kSrc6Bytes[16] = {0x20, 0x01, 0x0d, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x01};
-constexpr uint8_t kDst6Bytes[16] = {0xfe, 0x80, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff};
 
 // An AddFireWallEntry line: what is not named was sent as 0.
 std::string sent(const std::map<std::string, std::string>& named)
@@ -46,46 +45,6 @@ bool array_is_poisoned(const T (&array)[size])
 {
     const auto* const bytes = reinterpret_cast<const unsigned char*>(array);
     return std::all_of(bytes, bytes + sizeof(array), [](unsigned char byte) { return byte == 0xA5; });
-}
-
-// Every value set and every flag clear.
-zr_nexa_firewall_entry_t full_entry(uint32_t ip_version)
-{
-    zr_nexa_firewall_entry_t entry = {};
-    entry.direction = 1;
-    entry.ip_version = ip_version;
-    entry.ipv4_src_addr = 0xC0A8E101;
-    entry.ipv4_src_mask = 0xFFFFFF00;
-    entry.ipv4_dst_addr = 0x08080808;
-    entry.ipv4_dst_mask = 0xFFFFFFFF;
-    entry.ipv4_tos = 0x10;
-    entry.ipv4_tos_mask = 0xF0;
-    std::memcpy(entry.ipv6_src_addr, kSrc6Bytes, 16);
-    entry.ipv6_src_prefix_len = 64;
-    std::memcpy(entry.ipv6_dst_addr, kDst6Bytes, 16);
-    entry.ipv6_dst_prefix_len = 128;
-    entry.ipv6_nat_flag = 0x5A;
-    entry.ipv6_tc = 0x20;
-    entry.ipv6_tc_mask = 0xE0;
-    entry.protocol = 2;
-    entry.src_port = 1000;
-    entry.src_port_range = 10;
-    entry.dst_port = 80;
-    entry.dst_port_range = 20;
-    entry.icmp_type = 8;
-    entry.icmp_code = 3;
-    entry.esp_spi = 0xDEADBEEF;
-    return entry;
-}
-
-void set_all_flags(zr_nexa_firewall_entry_t* entry, uint8_t flag)
-{
-    for (uint8_t* valid :
-         {&entry->ipv4_src_valid, &entry->ipv4_dst_valid, &entry->ipv4_tos_valid, &entry->ipv6_src_valid,
-          &entry->ipv6_dst_valid, &entry->ipv6_tc_valid, &entry->proto_valid, &entry->src_port_valid,
-          &entry->dst_port_valid, &entry->icmp_type_valid, &entry->icmp_code_valid, &entry->esp_spi_valid}) {
-        *valid = flag;
-    }
 }
 
 class AddTest : public ApiTest {
@@ -141,7 +100,7 @@ TEST_F(AddTest, PortsMustStayBelow65536)
 TEST_F(AddTest, TheSourceIsCheckedFirstAndWhateverTheProtocol)
 {
     auto entry = full_entry(4);
-    set_all_flags(&entry, 1);
+    set_flags(&entry, 0xFFF);
     entry.protocol = 7;
     entry.src_port = entry.dst_port = 40000;
     entry.src_port_range = 30000;
@@ -188,7 +147,7 @@ TEST_F(AddTest, AnIpv6EntrySendsWhatIsValidAndItsNatFlagAlways)
 TEST_F(AddTest, EachFamilyIgnoresTheOthersFlags)
 {
     auto entry = full_entry(4);
-    set_all_flags(&entry, 1);
+    set_flags(&entry, 0xFFF);
     entry.proto_valid = 0;
     expect_added(entry, {{"direction", "1"},
                          {"ip", "4"},
@@ -446,7 +405,7 @@ TEST_F(GetTest, FailuresBeforeTheEntriesLeaveTheListUntouched)
 TEST_F(GetTest, EveryFlagIsWrittenAndNoValueWithoutOne)
 {
     auto expected = poisoned<zr_nexa_firewall_entry_t>();
-    set_all_flags(&expected, 0);
+    set_flags(&expected, 0);
     auto filter = poisoned<qcmap_firewall_filter>();
     filter.ip_field_mask = 0;
     filter.transport.field_mask = 0;
@@ -547,30 +506,15 @@ TEST_F(GetTest, HeaderFieldsAreReadByTheirBits)
 // Every combination of flags, family and protocol code comes back as it went in, as far as the platform can say it.
 TEST_F(GetTest, WhatWasAddedIsReadBack)
 {
-    const std::map<uint32_t, std::pair<uint32_t, uint32_t>> read_as = {{0, {1, 1}}, {1, {1, 1}}, {2, {2, 2}},
-                                                                       {3, {3, 3}}, {4, {4, 1}}, {5, {1, 5}},
-                                                                       {6, {6, 6}}, {7, {7, 7}}, {8, {1, 1}}};
     given_handles({1});
     auto& answer = platform.on("GetFireWallEntry");
     for (const uint32_t version : {4u, 6u}) {
-        for (const auto& [code, codes] : read_as) {
+        for (uint32_t code = 0; code <= 8; ++code) {
             for (uint32_t flags = 0; flags < 4096; ++flags) {
                 auto entry = full_entry(version);
-                entry.direction = 1 + (flags & 1);
+                entry.direction = flags % 4;
                 entry.protocol = code;
-                const auto flag = [flags](uint32_t bit) { return static_cast<uint8_t>((flags >> bit) & 1); };
-                entry.ipv4_src_valid = flag(0);
-                entry.ipv4_dst_valid = flag(1);
-                entry.ipv4_tos_valid = flag(2);
-                entry.ipv6_src_valid = flag(3);
-                entry.ipv6_dst_valid = flag(4);
-                entry.ipv6_tc_valid = flag(5);
-                entry.proto_valid = flag(6);
-                entry.src_port_valid = flag(7);
-                entry.dst_port_valid = flag(8);
-                entry.icmp_type_valid = flag(9);
-                entry.icmp_code_valid = flag(10);
-                entry.esp_spi_valid = flag(11);
+                set_flags(&entry, flags);
                 ASSERT_EQ(zr_nexa_firewall_entry_add_v1(1, &entry), 0u);
 
                 answer.gives("filter", scripted::added_firewall_entry.filter)
@@ -578,72 +522,7 @@ TEST_F(GetTest, WhatWasAddedIsReadBack)
                 std::memset(&list, 0, sizeof(list));
                 ASSERT_EQ(zr_nexa_firewall_entry_get_v1(1, version, &list), 0u);
                 platform.forget();
-
-                // What the platform was not told is not there.
-                zr_nexa_firewall_entry_t expected = {};
-                expected.direction = entry.direction;
-                expected.ip_version = version;
-                if (version == 4) {
-                    if (entry.ipv4_src_valid != 0) {
-                        expected.ipv4_src_valid = 1;
-                        expected.ipv4_src_addr = entry.ipv4_src_addr;
-                        expected.ipv4_src_mask = entry.ipv4_src_mask;
-                    }
-                    if (entry.ipv4_dst_valid != 0) {
-                        expected.ipv4_dst_valid = 1;
-                        expected.ipv4_dst_addr = entry.ipv4_dst_addr;
-                        expected.ipv4_dst_mask = entry.ipv4_dst_mask;
-                    }
-                    if (entry.ipv4_tos_valid != 0) {
-                        expected.ipv4_tos_valid = 1;
-                        expected.ipv4_tos = entry.ipv4_tos;
-                        expected.ipv4_tos_mask = entry.ipv4_tos_mask;
-                    }
-                } else {
-                    expected.ipv6_nat_flag = entry.ipv6_nat_flag;
-                    if (entry.ipv6_src_valid != 0) {
-                        expected.ipv6_src_valid = 1;
-                        std::memcpy(expected.ipv6_src_addr, entry.ipv6_src_addr, 16);
-                        expected.ipv6_src_prefix_len = entry.ipv6_src_prefix_len;
-                    }
-                    if (entry.ipv6_dst_valid != 0) {
-                        expected.ipv6_dst_valid = 1;
-                        std::memcpy(expected.ipv6_dst_addr, entry.ipv6_dst_addr, 16);
-                        expected.ipv6_dst_prefix_len = entry.ipv6_dst_prefix_len;
-                    }
-                    if (entry.ipv6_tc_valid != 0) {
-                        expected.ipv6_tc_valid = 1;
-                        expected.ipv6_tc = entry.ipv6_tc;
-                        expected.ipv6_tc_mask = entry.ipv6_tc_mask;
-                    }
-                }
-                if (entry.proto_valid != 0) {
-                    expected.proto_valid = 1;
-                    expected.protocol = version == 4 ? codes.first : codes.second;
-                    const uint32_t told = expected.protocol;
-                    if ((told == 2 || told == 3 || told == 6) && entry.src_port_valid != 0) {
-                        expected.src_port_valid = 1;
-                        expected.src_port = entry.src_port;
-                        expected.src_port_range = entry.src_port_range;
-                    }
-                    if ((told == 2 || told == 3 || told == 6) && entry.dst_port_valid != 0) {
-                        expected.dst_port_valid = 1;
-                        expected.dst_port = entry.dst_port;
-                        expected.dst_port_range = entry.dst_port_range;
-                    }
-                    if ((told == 4 || told == 5) && entry.icmp_type_valid != 0) {
-                        expected.icmp_type_valid = 1;
-                        expected.icmp_type = entry.icmp_type;
-                    }
-                    if ((told == 4 || told == 5) && entry.icmp_code_valid != 0) {
-                        expected.icmp_code_valid = 1;
-                        expected.icmp_code = entry.icmp_code;
-                    }
-                    if (told == 7 && entry.esp_spi_valid != 0) {
-                        expected.esp_spi_valid = 1;
-                        expected.esp_spi = entry.esp_spi;
-                    }
-                }
+                const auto expected = read_back_of(entry);
                 ASSERT_EQ(std::memcmp(&list.entry[0], &expected, sizeof(expected)), 0)
                     << "version " << version << " code " << code << " flags " << flags;
             }
