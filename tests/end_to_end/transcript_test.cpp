@@ -1,7 +1,9 @@
 // The documented sessions, run as they stand: every fenced block of docs/ and of the README that is marked "console".
+// One marked "console continued" goes on with the session before it.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "run_tool.h"
 
@@ -93,16 +95,18 @@ std::vector<Session> documented_sessions()
         int number = 0;
         for (std::string line; std::getline(text, line);) {
             ++number;
-            if (!inside && line == "```console") {
+            const bool continued = line == "```console continued";
+            if (!inside && (continued || line == "```console")) {
                 inside = true;
-                sessions.push_back({file.filename().string(), number, {}});
+                const bool goes_on = continued && !sessions.empty() && sessions.back().file == file.filename();
+                if (!goes_on) sessions.push_back({file.filename().string(), number, {}});
                 continue;
             }
             if (!inside) continue;
             auto& steps = sessions.back().steps;
             const bool ends = line == "```";
             const bool command = line.rfind("$ ", 0) == 0;
-            if ((ends || command) && !steps.empty()) {
+            if ((ends || command) && !steps.empty() && !printed.empty()) {
                 steps.back().output = as_printed(printed);
                 printed.clear();
             }
@@ -136,6 +140,26 @@ TEST(Transcripts, AreWhatTheToolPrints)
             EXPECT_EQ(seen.status, 0);
         }
     }
+}
+
+TEST(Transcripts, TheWalkThroughShowsEverySettingAtWork)
+{
+    const std::vector<Session> sessions = documented_sessions();
+    std::set<std::string> shown;
+    for (const Session& session : sessions) {
+        if (session.file != "walkthrough.md") continue;
+        for (const Step& step : session.steps) {
+            if (step.words.size() > 2) shown.insert(step.words[0] + " " + step.words[1]);
+        }
+    }
+    const std::set<std::string> all = {
+        "General Restore",  "General SFE",           "LAN GWURL",        "LAN DHCP",
+        "LAN VLAN",         "LAN IPPTNAT",           "LAN IPPTNATPDN",   "LAN IPPT",
+        "LAN IPPTGWFilter", "LAN DefaultDHCPEnable", "WAN WWANConfig",   "WAN APWWAN",
+        "WAN Status",       "WAN Connect",           "WAN ReConnect",    "WAN AutoConnect",
+        "WAN Info",         "WAN MPDNMapping",       "WAN RestartRadvd", "NAT Type",
+        "NAT IPV4DMZ",      "NAT IPV4PortMapping",   "NAT RoutingBH"};
+    EXPECT_EQ(shown, all);
 }
 
 }  // namespace
