@@ -124,6 +124,20 @@ TEST_F(CommandTest, TheDiagnosticLogStaysOutOfTheOutput)
     EXPECT_NE(run.err.find("zr_nexa_client_uninit"), std::string::npos) << run.err;
 }
 
+TEST_F(CommandTest, AnIndicationInTheMiddleChangesNothing)
+{
+    ToolOptions slow = options();
+    slow.variables = {"MOBILE_AP_FAULTS=SetGatewayUrl=delay:1000", "MOBILE_AP_LOG=stderr"};
+    StartedTool listener({"LAN", "GWURL", "set", "my.module"}, slow);
+    ASSERT_TRUE(listener.wait_for_handlers());
+    usleep(300000);
+    expect({"WAN", "Connect", "connect", "1", "4"}, "WAN Connect connect v4 set success\r\nCMD OK\r\n");
+    const ToolRun run = listener.wait();
+    EXPECT_EQ(run.out, "CMD OK\r\n");
+    EXPECT_NE(run.err.find("zr_nexa_inds_cb"), std::string::npos) << run.err;
+    EXPECT_EQ(run.status, 0);
+}
+
 struct UrlRow {
     size_t length;
     const char* verdict;
