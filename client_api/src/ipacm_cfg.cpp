@@ -21,9 +21,10 @@ constexpr const char* kTemporaryFile = "/var/run/data/zr_IPACM_cfg.tmp";
 constexpr useconds_t kRetryInterval = 50000;  // microseconds
 constexpr size_t kCommandSize = 200;
 
-void remove_all_children(pugi::xml_node parent)
+// Those of one name; null: all of them, texts included.
+void remove_children(pugi::xml_node parent, const char* name)
 {
-    while (const pugi::xml_node child = parent.first_child()) {
+    while (const pugi::xml_node child = name == nullptr ? parent.first_child() : parent.child(name)) {
         parent.remove_child(child);
     }
 }
@@ -82,13 +83,11 @@ int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* c
 
     if (is_set != 0) {
         LOG_INFO("SET gre ipa option");
-        remove_all_children(gre_flag);
+        remove_children(gre_flag, nullptr);
         const pugi::xml_node enabled = append_text_element(gre_flag, "GREEnabled", "0");
         // Nothing of these is left; the second look costs nothing.
-        while (gre_flag.remove_child("GREServer")) {
-        }
-        while (gre_flag.remove_child("GREServerSubnet")) {
-        }
+        remove_children(gre_flag, "GREServer");
+        remove_children(gre_flag, "GREServerSubnet");
         if (cfg->gre_enabled == 1) {
             enabled.first_child().set_value("1");
             LOG_INFO("GRE ipa enable, num_of_server_addrs:%d, num_of_subnet_masks:%d", cfg->num_of_server_addrs,
@@ -112,7 +111,7 @@ int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* c
     std::memset(cfg, 0, sizeof(*cfg));
     if (std::strcmp(gre_flag.child("GREEnabled").child_value(), "0") == 0) {
         // In memory only: addresses of a disabled offload do not count.
-        remove_all_children(gre_flag);
+        remove_children(gre_flag, nullptr);
         append_text_element(gre_flag, "GREEnabled", "0");
     } else {
         cfg->gre_enabled = 1;

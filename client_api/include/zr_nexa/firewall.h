@@ -157,8 +157,8 @@ ZR_NEXA_API uint32_t zr_nexa_firewall_entry_del_v1(uint32_t wwan_handle, int32_t
  *
  * wwan_handle:     the profile; not checked for 0.
  * enable_firewall: 0 off, 1 on.
- * pkts_allowed:    packets that no entry matches: 0 dropped, 1 let through. With the firewall off any value is taken and
- *                  handed on whole.
+ * pkts_allowed:    packets that no entry matches: 0 dropped, 1 let through. With the firewall off any value is taken
+ *                  and handed on whole.
  *
  * Returns 13 no session; 4 enable_firewall above 1, or it is 1 and pkts_allowed above 1; e | 0x1000 the profile could
  * not be selected; e | 0x2000 the service refused with error e; 0.
