@@ -300,6 +300,11 @@ TEST_F(WanConnectionHostTest, StatisticsMoveWhileConnectedAndStayAfterwards)
     ASSERT_TRUE(client.ConnectBackHaul(kV6, &err));
     wait_ms(30);
     EXPECT_GE(statistics(client, 12).bytes_rx, last.bytes_rx + 30u * 125);
+    // Another call adds to what the one before it counted.
+    ASSERT_TRUE(client.ConnectBackHaul(kV4, &err));
+    wait_ms(30);
+    ASSERT_TRUE(client.DisconnectBackHaul(kV4, &err));
+    EXPECT_GE(statistics(client, 4).bytes_rx, last.bytes_rx + 30u * 125);
 }
 
 TEST_F(WanConnectionHostTest, StatisticsAreResetByFamily)
