@@ -54,6 +54,12 @@ bool inside(const Library& library, const void* pointer)
     return false;
 }
 
+// The scan passes over whatever lies between the library's variables, also where a sanitizer keeps its own marks.
+[[gnu::no_sanitize("address", "undefined")]] Record read_at(uintptr_t address)
+{
+    return *reinterpret_cast<const Record*>(address);
+}
+
 // Records hold pointers, so the loader keeps them in the writable segment it relocates.
 std::vector<Record> records_of(const Library& library)
 {
@@ -61,8 +67,7 @@ std::vector<Record> records_of(const Library& library)
     for (const auto& range : library.loaded) {
         if (!range.writable) continue;
         for (uintptr_t at = range.begin; at + sizeof(Record) <= range.end; at += alignof(Record)) {
-            Record record;
-            std::memcpy(&record, reinterpret_cast<const void*>(at), sizeof(record));
+            const Record record = read_at(at);
             const bool plausible = record.subsystem == 65 && (record.level == 4 || record.level == 8) &&
                                    inside(library, record.format) && inside(library, record.source);
             if (!plausible || std::strcmp(record.source, "zr_nexa_client_api") != 0) continue;
