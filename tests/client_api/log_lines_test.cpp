@@ -55,7 +55,7 @@ bool inside(const Library& library, const void* pointer)
 }
 
 // The scan passes over whatever lies between the library's variables, also where a sanitizer keeps its own marks.
-[[gnu::no_sanitize("address", "undefined")]] Record read_at(uintptr_t address)
+__attribute__((no_sanitize("address"), no_sanitize("undefined"))) Record read_at(uintptr_t address)
 {
     return *reinterpret_cast<const Record*>(address);
 }
