@@ -41,6 +41,31 @@ TEST_F(DispatchTest, TheTablesHoldTheirRowsInOrder)
     EXPECT_STREQ(cli::kCategories[6].description, "NW Tethering related configuration items");
 
     expect_settings("General", {{1, "Restore", true}, {1, "SFE", true}, {0, "GRE", false}});
+    expect_settings("LAN", {{1, "GWURL", true},
+                            {1, "DHCP", true},
+                            {0, "MACBind", false},
+                            {1, "VLAN", true},
+                            {1, "IPPTNAT", true},
+                            {1, "IPPTNATPDN", true},
+                            {1, "IPPT", true},
+                            {1, "IPPTGWFilter", true},
+                            {0, "L2TP", false},
+                            {0, "DefaultDHCPEnable", true}});
+    expect_settings("WAN", {{1, "WWANConfig", true},
+                            {1, "APWWAN", true},
+                            {1, "Status", true},
+                            {0, "Connect", true},
+                            {0, "ReConnect", true},
+                            {1, "AutoConnect", true},
+                            {1, "Info", true},
+                            {1, "MPDNMapping", true},
+                            {1, "RestartRadvd", true}});
+    expect_settings("NAT", {{1, "Type", true},
+                            {1, "IPV4DMZ", true},
+                            {1, "IPV4PortMapping", true},
+                            {1, "RoutingBH", true},
+                            {0, "IPV6NAT", false},
+                            {0, "IPV6DNS", false}});
     expect_settings("WLAN", {{0, "", false}});
     expect_settings("Firewall", {{0, "", false}});
     expect_settings("Tethering", {{0, "", false}});

@@ -138,7 +138,8 @@ TEST(MenuText, WhatDoesNotFitIsCutOff)
 
     cli::MenuText long_piece;
     long_piece.append(std::string(5000, 'b').c_str());
-    for (int i = 0; i < 3; ++i) long_piece.append("more");
+    for (int i = 0; i < 3; ++i)
+        long_piece.append("more");
     EXPECT_EQ(std::string(long_piece.text()), std::string(2047, 'b'));
 }
 
