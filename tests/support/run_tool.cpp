@@ -89,9 +89,12 @@ int exit_status(pid_t pid)
 bool enter_private_mounts()
 {
     const std::string user = std::to_string(getuid());
+    const std::string group = std::to_string(getgid());
     if (unshare(CLONE_NEWNS) != 0) {
         if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
         std::ofstream("/proc/self/uid_map") << "0 " << user << " 1\n";
+        std::ofstream("/proc/self/setgroups") << "deny\n";
+        std::ofstream("/proc/self/gid_map") << "0 " << group << " 1\n";
     }
     return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
@@ -214,7 +217,11 @@ bool in_private_mounts(const std::function<void()>& work)
     const pid_t child = fork();
     if (child == 0) {
         if (!enter_private_mounts()) _exit(kNotAllowed);
-        work();
+        try {
+            work();
+        } catch (const std::exception& exception) {
+            ADD_FAILURE() << exception.what();
+        }
         std::fflush(nullptr);
         _exit(testing::Test::HasFailure() ? 1 : 0);
     }
