@@ -256,6 +256,39 @@ TEST_F(StoreHostTest, TablesOfAnotherVersionAreSetAside)
     EXPECT_TRUE(works());
 }
 
+// Tables are there to be read and changed by hand: what no function would have stored must not overrun a caller.
+TEST_F(StoreHostTest, ValuesWrittenByHandAreCutToWhatACallerHolds)
+{
+    OpenClient client;
+    qcmap_msgr_l2tp_config_v01 tunnel = {};
+    for (tunnel.tunnel_id = 1; tunnel.tunnel_id <= 2; ++tunnel.tunnel_id)
+        ASSERT_TRUE(client.SetL2TPConfig(QCMAP_MSGR_L2TP_MODE_UNMANAGED_V01, tunnel, &err));
+    std::string sql = "UPDATE lan_service SET gateway_url = '" + std::string(300, 'w') + "';";
+    for (int position = 0; position < 12; ++position)
+        sql += "INSERT INTO l2tp_session VALUES (0, 1, " + std::to_string(position) + ", 77, 78);";
+    sqlite3* connection = nullptr;
+    ASSERT_EQ(sqlite3_open(database().c_str(), &connection), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(connection);
+    sqlite3_close(connection);
+
+    unsigned char url[512];
+    memset(url, 0xa5, sizeof url);
+    unsigned int len = 0;
+    ASSERT_TRUE(client.GetGatewayUrl(url, &len, &err));
+    EXPECT_EQ(len, 127u);
+    EXPECT_EQ(std::string(url, url + 128), std::string(127, 'w') + '\0');
+    EXPECT_EQ(url[128], 0xa5);
+
+    static qcmap_msgr_l2tp_conf_t config;
+    ASSERT_TRUE(client.GetL2TPConfig(&config, &err));
+    ASSERT_EQ(config.tunnel_count, 2u);
+    EXPECT_EQ(config.tunnel[0].session_count, 8u);
+    EXPECT_EQ(config.tunnel[0].session[7].local_session_id, 77u);
+    EXPECT_EQ(config.tunnel[1].tunnel_id, 2u);
+    EXPECT_EQ(config.tunnel[1].session_count, 0u);
+}
+
 TEST_F(StoreHostTest, ManyThatFindDamageSetOneFileAside)
 {
     for (int round = 0; round < 5; ++round) {

@@ -84,8 +84,10 @@ bool QCMAP_Client::SetGatewayUrl(unsigned char* url, unsigned int len, qmi_error
 bool QCMAP_Client::GetGatewayUrl(unsigned char* url, unsigned int* len, qmi_error_type_v01* err)
 {
     return read_method(session_, __func__, err, [&](Store& db) {
-        const std::string text = db.one<std::string>("SELECT gateway_url FROM lan_service").value_or("");
-        memcpy(url, text.c_str(), text.size() + 1);  // the caller's buffer holds the longest URL and its end
+        // The caller's buffer holds the longest URL and its end, whatever a hand wrote into the state.
+        const std::string text =
+            db.one<std::string>("SELECT gateway_url FROM lan_service").value_or("").substr(0, kMaxGatewayUrlLen);
+        memcpy(url, text.c_str(), text.size() + 1);
         *len = static_cast<unsigned int>(text.size());
         return QMI_ERR_NONE_V01;
     });

@@ -125,9 +125,9 @@ void read_device_ipv6(Store& db, const std::string& mac, qcmap_connected_device*
 void read_sessions(Store& db, int bridge, qcmap_msgr_l2tp_config_v01* tunnel)
 {
     Query q = db.query(
-        "SELECT local_session_id, peer_session_id FROM l2tp_session WHERE bridge = ? AND tunnel_id = ? ORDER BY "
-        "position",
-        bridge, tunnel->tunnel_id);
+        "SELECT local_session_id, peer_session_id FROM l2tp_session WHERE bridge = ? AND tunnel_id = ?"
+        " ORDER BY position LIMIT ?",
+        bridge, tunnel->tunnel_id, QCMAP_MAX_L2TP_SESSIONS);
     while (q.next())
         tunnel->session[tunnel->session_count++] = {q.get<uint32_t>(0), q.get<uint32_t>(1)};
 }
