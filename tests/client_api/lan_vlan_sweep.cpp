@@ -4,7 +4,7 @@
 std::vector<SweepRow> lan_vlan_sweep_rows()
 {
     static zr_nexa_lan_vlan_list_t list;
-    return {
+    std::vector<SweepRow> rows = {
         {"zr_nexa_lan_vlan_add_v1", [] { return zr_nexa_lan_vlan_add_v1(100, 1, 1); }, {{"CreateVLANConfig", 1}}},
         {"zr_nexa_lan_vlan_get_v1",
          [] {
@@ -16,4 +16,7 @@ std::vector<SweepRow> lan_vlan_sweep_rows()
          [] { return is_poisoned(list); }},
         {"zr_nexa_lan_vlan_del_v1", [] { return zr_nexa_lan_vlan_del_v1(100, 1); }, {{"DeleteVLANConfig", 1}}},
     };
+    rows[0].bare_word_step = 2;
+    rows[1].bare_word_step = 2;
+    return rows;
 }

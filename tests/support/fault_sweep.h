@@ -30,6 +30,8 @@ struct SweepRow {
     std::function<bool()> outputs_untouched = nullptr;
     bool needs_session = true;
     uint32_t clean_result = 0;
+    // The step that an error word of a last call that succeeded comes back with. 0: the word comes back bare.
+    uint32_t bare_word_step = 0;
 };
 
 // One function per area, in tests/client_api/<area>_sweep.cpp.
