@@ -139,6 +139,13 @@ TEST_F(LanAddressingTest, GatewayUrlGetFails)
         expect_row(kGwurlGet, {"GetGatewayUrl()"},
                    {info("entry"), error("Get gateway url error " + word(err) + ", gwurl:before gwurl_len=99")});
     }
+    // The service has the caller's own buffer and length, so what it leaves in them stays.
+    platform.on("GetGatewayUrl").gives_array("url", "half", 5).gives("len", 0x80000001u).fails(3);
+    EXPECT_EQ(zr_nexa_lan_gwurl_get_v1(url, &len), 0x1003u);
+    EXPECT_STREQ(url, "half");
+    EXPECT_EQ(len, 0x80000001u);
+    expect_row(kGwurlGet, {"GetGatewayUrl()"},
+               {info("entry"), error("Get gateway url error 3, gwurl:half gwurl_len=-2147483647")});
 }
 
 // ---- DHCP server switch ----

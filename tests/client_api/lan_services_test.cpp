@@ -303,6 +303,10 @@ TEST_F(LanServicesTest, DevicesNeedBothOutputs)
     EXPECT_EQ(zr_nexa_lan_connected_device_info_get_v1(devices, &count), 0x100Cu);
     EXPECT_EQ(count, 0xA5u);
     expect_row(function, {"GetConnectedDevicesInfo()"}, {info("entry"), error("GetConnectedDevicesInfo failed(12)")});
+    // The service has the caller's own count; it is not clamped on a failure.
+    platform.on("GetConnectedDevicesInfo").gives("count", 51u);
+    EXPECT_EQ(zr_nexa_lan_connected_device_info_get_v1(devices, &count), 0x100Cu);
+    EXPECT_EQ(count, 51u);
 }
 
 // ---- L2TP ----

@@ -200,8 +200,8 @@ ZR_NEXA_API uint32_t zr_nexa_lan_unmanaged_l2tp_state_set_v1(uint32_t lan_id,
  * Reads the L2TP configuration of one LAN.
  *
  * lan_id: as above.
- * config: receives the switch and as many tunnels as tunnel_count says; tunnels behind them stay as they were.
- *         Untouched on failure.
+ * config: receives the switch and as many tunnels as tunnel_count says, each with as many sessions as its
+ *         session_count says; tunnels and sessions behind them stay as they were. Untouched on failure.
  *
  * Returns 13 no session; 4 config null; 6 lan_id above 4094; e | 0x1000 the LAN could not be selected; e | 0x2000 the
  * service refused with error e; 0.
