@@ -1,3 +1,4 @@
+#include "session.h"
 #include "api_test.h"
 
 namespace {
@@ -22,6 +23,30 @@ TEST_F(SessionTest, ASecondOpeningIsRefusedAndChangesNothing)
     EXPECT_EQ(zr_nexa_client_init(a_callback), 13u);
     expect_row("zr_nexa_client_init", {}, {info("entry"), error("assertion (QcMapClient == NULL) failed!")});
     EXPECT_EQ(zr_nexa_general_restore_nexa_v1(), 0u);
+}
+
+TEST_F(SessionTest, TheCallbackStaysUntilTheSessionIsClosed)
+{
+    using zr_nexa::user_callback;
+    ASSERT_EQ(zr_nexa_client_init(nullptr), 0u);
+    const auto built_in = user_callback;
+    EXPECT_NE(built_in, nullptr);
+    built_in(35, 0, nullptr);
+    EXPECT_EQ(zr_nexa_client_init(a_callback), 13u);
+    EXPECT_EQ(user_callback, built_in) << "a refused opening changed it";
+    EXPECT_EQ(zr_nexa_client_uninit(), 0u);
+    EXPECT_EQ(user_callback, nullptr);
+
+    platform.on("EnableMobileAP_Ext", 2).fails(3);
+    EXPECT_EQ(zr_nexa_client_init(a_callback), 0x2003u);
+    EXPECT_EQ(user_callback, a_callback) << "a failed opening forgot it";
+    EXPECT_EQ(zr_nexa_client_uninit(), 0u);
+    EXPECT_EQ(user_callback, nullptr);
+
+    platform.on("IsReady", 3).fails(0);
+    platform.on("DisableMobileAP", 3).fails(5);
+    EXPECT_EQ(zr_nexa_client_init(a_callback), 0x1005u);
+    EXPECT_EQ(user_callback, a_callback);
 }
 
 TEST_F(SessionTest, OpeningSucceedsWhateverTheErrorWordHolds)
