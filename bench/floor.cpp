@@ -1,5 +1,6 @@
-// The floor: a request's platform calls and nothing else. It loads the same libraries as the command, opens the service,
-// makes the two calls of "NAT Type set 1 2", closes it, prints one verdict line and pauses as the command must.
+// The floor: a request's platform calls and nothing else. It loads the same libraries as the command, opens the
+// service, makes the two calls of "NAT Type set 1 2", closes it, prints one verdict line and pauses as the command
+// must.
 #include <qcmap_client.h>
 #include <unistd.h>
 

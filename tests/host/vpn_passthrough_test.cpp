@@ -38,7 +38,7 @@ protected:
         memset(&policy, 0, sizeof policy);
         policy.ip_family = 4;
         policy.profile_index_3gpp = 2;
-    policy.profile_index_3gpp2 = 2;
+        policy.profile_index_3gpp2 = 2;
         unsigned int handle = 0;
         EXPECT_TRUE(client.CreateWWANPolicyEx(policy, &handle, &err)) << err;
         return handle;

@@ -22,18 +22,9 @@ extern const char* const kFirewallSchema;
 extern const char* const kUpnpSchema;
 
 inline constexpr const char* const* kAreaSchemas[] = {
-    &kGeneralSchema,
-    &kLanAddressingSchema,
-    &kWanProfileSchema,
-    &kWanConnectionSchema,
-    &kWanMpdnMappingSchema,
-    &kNatSchema,
-    &kVpnPassthroughSchema,
-    &kAlgSchema,
-    &kLanServicesSchema,
-    &kLanVlanSchema,
-    &kLanPassthroughSchema,
-    &kFirewallSchema,
+    &kGeneralSchema,        &kLanAddressingSchema, &kWanProfileSchema,     &kWanConnectionSchema,
+    &kWanMpdnMappingSchema, &kNatSchema,           &kVpnPassthroughSchema, &kAlgSchema,
+    &kLanServicesSchema,    &kLanVlanSchema,       &kLanPassthroughSchema, &kFirewallSchema,
     &kUpnpSchema,
 };
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <functional>
 #include <string>
 #include <vector>
@@ -111,7 +112,7 @@ void add_sip(CLI::App& app)
 }  // namespace
 
 int main(int argc, char** argv)
-{
+try {
     CLI::App app("What happens around the host platform, on demand");
     app.require_subcommand(1);
     add_report(app);
@@ -119,4 +120,7 @@ int main(int argc, char** argv)
     add_device(app);
     CLI11_PARSE(app, argc, argv);
     return 0;
+} catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
 }
