@@ -269,6 +269,7 @@ bool QCMAP_Client::ConnectBackHaul(qcmap_msgr_wwan_call_type_v01 call_type, qmi_
         db.run("UPDATE wwan_call SET up = 1, calls = calls + 1, counted_from = ? WHERE profile = ? AND family = ?",
                now_ms(), profile, family.number);
         tell_brought_up(db, profile, family.connected);
+        tell_status(db, profile, family.connected);
         return QMI_ERR_NONE_V01;
     });
 }
