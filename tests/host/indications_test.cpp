@@ -112,6 +112,24 @@ TEST_F(IndicationsHostTest, OnlyBetweenEnablingAndDisabling)
     EXPECT_EQ(heard.wait_for(3), (std::vector<uint32_t>{5, 6, 8}));
 }
 
+TEST_F(IndicationsHostTest, ADisablingThatFailsEndsTheDeliveryToo)
+{
+    for (const char* fault : {"DisableMobileAP=fail:5", "DisableMobileAP=ok:5"}) {
+        setenv("MOBILE_AP_FAULTS", fault, 1);
+        Heard heard;
+        OpenClient client(Heard::callback, &heard);
+        unsetenv("MOBILE_AP_FAULTS");
+        Session sender(nullptr, nullptr);
+        EXPECT_TRUE(send(sender, 1, 1));
+        EXPECT_EQ(heard.wait_for(1), range(1, 1));
+        client.DisableMobileAP(&err);
+        EXPECT_EQ(err, static_cast<qmi_error_type_v01>(5));
+        EXPECT_TRUE(send(sender, 2, 2));
+        settle();
+        EXPECT_EQ(heard.numbers(), range(1, 1));
+    }
+}
+
 TEST_F(IndicationsHostTest, AnUndoneMethodTellsNothing)
 {
     Heard heard;

@@ -181,15 +181,18 @@ bool Session::enable(qmi_error_type_v01* err)
     });
 }
 
-// Also true for a session that was never enabled, or never ready: there is nothing left to do then.
+// Also true for a session that was never enabled, or never ready: there is nothing left to do then. Made to fail, it
+// ends the delivery all the same: whoever closes a session goes on to give up what the callback reads.
 bool Session::disable(qmi_error_type_v01* err)
 {
-    return with_faults("DisableMobileAP", err, [&](const Misbehaviour& fault) -> Outcome {
+    const SignalsHeld held;
+    const bool good = with_faults("DisableMobileAP", err, [&](const Misbehaviour& fault) -> Outcome {
         if (listener_.is_this_thread()) return {false, QMI_ERR_INTERNAL_V01};
         sleep_ms(fault.hold_ms);
-        listener_.stop();
         return {true, QMI_ERR_NONE_V01};
     });
+    if (!listener_.is_this_thread()) listener_.stop();
+    return good;
 }
 
 }  // namespace mobile_ap
