@@ -154,4 +154,22 @@ TEST_F(WanMpdnMappingHostTest, TheLargestListIsGivenWhole)
     }
 }
 
+TEST_F(WanMpdnMappingHostTest, MoreIdsThanThereAreVlansAreCut)
+{
+    OpenClient client;
+    ASSERT_TRUE(client.open);
+    run_sql(
+        "WITH RECURSIVE v(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM v WHERE n < 4094)"
+        " INSERT INTO pdn_vlan_mapping SELECT 1, n FROM v;"
+        "INSERT INTO pdn_vlan_mapping VALUES (1, 1.5), (1, 4093.5), (2, 7)");
+    int count = 0;
+    const auto all = list(client, &count);
+    ASSERT_EQ(count, 2);
+    EXPECT_EQ(all->mapping[0].profile_handle, 1u);
+    EXPECT_EQ(all->mapping[0].vlan_count, 4094);
+    EXPECT_EQ(all->mapping[1].profile_handle, 2u);
+    EXPECT_EQ(all->mapping[1].vlan_count, 1);
+    EXPECT_EQ(all->mapping[1].vlan_id[0], 7);
+}
+
 }  // namespace

@@ -59,7 +59,9 @@ bool QCMAP_Client::GetPDNtoVLANMappingsEx(qcmap_msgr_pdn_to_vlan_mapping_ex_v01*
                 mapping->profile_handle = profile;
                 mapping->vlan_count = 0;
             }
-            mapping->vlan_id[mapping->vlan_count++] = q.get<int16_t>(1);  // 4094 at most: a pair stands once
+            // Ids are whole numbers that stand once, so there is room; not so when the table was changed by hand.
+            if (mapping->vlan_count == QCMAP_MAX_VLANS_PER_PDN) continue;
+            mapping->vlan_id[mapping->vlan_count++] = q.get<int16_t>(1);
         }
         *count = profiles;
         return QMI_ERR_NONE_V01;
