@@ -74,8 +74,7 @@ uint32_t zr_nexa_lan_vlan_get_v1(zr_nexa_lan_vlan_list_t* list)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (list == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    qcmap_msgr_vlan_conf_t vlans;  // 24 KB: only what the platform fills is touched
-    vlans.count = 0;
+    qcmap_msgr_vlan_conf_t vlans = {};  // cleared: a count may promise more entries than were filled in
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetVLANConfig(&vlans, &err)) {
         LOG_ERROR("Get VLAN List Config error %d", err);

@@ -197,6 +197,21 @@ TEST_F(LanVlanTest, GetFillsTheWholeListAndNothingBehindIt)
     }
 }
 
+TEST_F(LanVlanTest, GetGivesZerosForEntriesThatThePlatformCountsAndDoesNotFill)
+{
+    const auto entry = vlan(2, 9, 1);
+    platform.on("GetVLANConfig").gives("count", int32_t{2000}).gives_array("vlan", &entry, 1);
+    auto list = poisoned<zr_nexa_lan_vlan_list_t>();
+    EXPECT_EQ(zr_nexa_lan_vlan_get_v1(&list), 0u);
+    EXPECT_EQ(list.count, 2000);
+    EXPECT_EQ(list.vlan_id[0], 9);
+    for (int i = 1; i < 2000; ++i) {
+        ASSERT_EQ(list.vlan_id[i], 0) << i;
+        ASSERT_EQ(list.is_accelerated[i], 0) << i;
+        ASSERT_EQ(list.phy_iface_type[i], 0xA5) << i;
+    }
+}
+
 TEST_F(LanVlanTest, GetRefusesNull)
 {
     EXPECT_EQ(zr_nexa_lan_vlan_get_v1(nullptr), 4u);
