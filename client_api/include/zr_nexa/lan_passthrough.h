@@ -226,7 +226,9 @@ ZR_NEXA_API uint32_t zr_nexa_lan_ipptgwfilter_add_v1(uint32_t lan_id, uint32_t p
  *
  * lan_id: 0..4094.
  * list:   not checked for null. Cleared as soon as there is a session, whatever comes after. A filter whose protocol
- * has no number here leaves its entry 0.
+ *         has no number here leaves its entry 0.
+ *
+ * A count that the service reports above 5 is taken as 5; so it is when a filter is added or deleted.
  *
  * Returns, in order of the checks:
  *   13          no session
@@ -276,7 +278,8 @@ ZR_NEXA_API uint32_t zr_nexa_lan_swpathfilter_del_v1(uint32_t ipv4_address);
 /*
  * Reads the addresses that are kept off the hardware path.
  *
- * list: receives count, 0..5, and as many addresses; the others stay as they were. Not written on a failure.
+ * list: receives count and as many addresses; the others stay as they were. Not written on a failure. A count that the
+ *       service reports outside 0..5 is taken as 0 or 5.
  *
  * Returns 13 no session; 4 list null; e | 0x1000 the service refused with error e; 0.
  */

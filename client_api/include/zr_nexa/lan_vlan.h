@@ -57,7 +57,7 @@ ZR_NEXA_API uint32_t zr_nexa_lan_vlan_add_v1(uint16_t vlan_id, uint8_t phy_iface
  *
  * list: receives count and the first count entries of each array, in the service's order; the other entries stay as
  *       they were, and so does the phy_iface_type of a VLAN on an interface that has no number here: preset it. Not
- *       written when the service refuses.
+ *       written when the service refuses. A count that the service reports outside 0..2000 is taken as 0 or 2000.
  *
  * The service's error 50 of a request that succeeded counts as no error.
  *
