@@ -182,6 +182,9 @@ TEST_F(NatTest, DmzGetWithoutAHostGivesZeros)
     EXPECT_EQ(zr_nexa_nat_ipv4dmz_get_v1(1, &enable, &dmz_ip), 0u);
     EXPECT_EQ(enable, 0);
     EXPECT_EQ(dmz_ip, 0u);
+    expect_row("zr_nexa_nat_ipv4dmz_get_v1", {"SetWWANProfileHandlePreference(1)", "GetDMZ()"},
+               {info("entry"),
+                info("Get DMZ IP success : wwan_handle=1 dmz_enable=" + where(&enable) + " dmz_ip=" + where(&dmz_ip))});
 }
 
 TEST_F(NatTest, DmzGetRefusesHandleZeroAndNulls)
