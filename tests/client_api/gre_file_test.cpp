@@ -5,6 +5,8 @@
 #include <zr_nexa_client_api.h>
 
 #include <cstring>
+#include <thread>
+#include <vector>
 
 #include "private_ipacm.h"
 
@@ -64,6 +66,22 @@ TEST_F(GreFileTest, TheFileWorkIsLoadedOnFirstUse)
     EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&cfg), 0);
     EXPECT_TRUE(is_loaded("libzr_nexa_ipacm_cfg"));
     EXPECT_TRUE(is_loaded("libpugixml"));
+}
+
+TEST_F(GreFileTest, ThreadsMayComeFirstTogether)
+{
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            zr_nexa_wan_gre_ipacfg_t cfg;
+            std::memset(&cfg, 0xA5, sizeof(cfg));
+            EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&cfg), 0);
+            EXPECT_EQ(cfg.gre_enabled, 0);
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
 }
 
 TEST_F(GreFileTest, WhatIsSetIsReadBack)

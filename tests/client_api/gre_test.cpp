@@ -1,9 +1,12 @@
 // The GRE functions with the real file work, on the scripted double's shell: what would be copied over the file stands
 // in the temporary file.
 #include <arpa/inet.h>
+#include <pthread.h>
 
 #include <atomic>
 #include <chrono>
+#include <new>
+#include <pugixml.hpp>
 #include <thread>
 
 #include "api_test.h"
@@ -223,10 +226,17 @@ TEST_F(GreSetTest, WithoutTheElementTheFileIsSavedAsItWas)
     for (const std::string& content : {file_with(""), std::string("<?xml version=\"1.0\"?>\n<system />\n"),
                                        std::string("<?xml version=\"1.0\"?>\n<GREFlag />\n")}) {
         write_file(kConfigFile, content);
-        const auto cfg = record(1, 2, 2);
+        const auto cfg = record(1, 1, 1);
         EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
         EXPECT_EQ(content_of(kTemporaryFile), content);
-        platform.forget();
+        expect_row(kSaveCommands, {{kSet, info("entry")},
+                                   {kSet, info("gre_config.server_ipv4_addr[0]:10.0.0.1")},
+                                   {kSet, info("gre_config.subnet_mask[0]:255.255.0.0")},
+                                   {kWork, info("SET gre ipa option")},
+                                   {kWork, info("GRE ipa enable, num_of_server_addrs:1, num_of_subnet_masks:1")},
+                                   {kWork, info("serverIP[0]:10.0.0.1")},
+                                   {kWork, info("subnetIP[0]:255.255.0.0")},
+                                   {kSet, info("zr_nexa_gre_ipacfg_set_v1 success")}});
     }
 }
 
@@ -411,6 +421,107 @@ TEST_F(GreTest, TheWorkItselfAlwaysGives0)
     }
 }
 
+TEST_F(GreTest, SavingWritesTheDocumentAndRunsTheCommands)
+{
+    pugi::xml_document document;
+    document.append_child("a").append_child("b");
+    zr_nexa_ipacm_cfg_save(document);
+    EXPECT_EQ(content_of(kTemporaryFile), "<?xml version=\"1.0\"?>\n<a>\n\t<b />\n</a>\n");
+    expect_row(kSaveCommands, {});
+}
+
+// Deeper than a stack of 8 MiB, if it took a frame a level.
+TEST_F(GreTest, AnElementMayNestToAnyDepth)
+{
+    std::string deep;
+    for (int i = 0; i < 500000; ++i) {
+        deep += "<a>";
+    }
+    for (int i = 0; i < 500000; ++i) {
+        deep += "</a>";
+    }
+    const auto cfg = read("<GREEnabled>0</GREEnabled>" + deep);
+    EXPECT_EQ(cfg.gre_enabled, 0);
+    const auto off = record(0, 0, 0);
+    EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&off), 0);
+    EXPECT_EQ(content_of(kTemporaryFile),
+              file_with("\t\t<GREFlag>\n\t\t\t<GREEnabled>0</GREEnabled>\n\t\t</GREFlag>\n"));
+}
+
+// The parser's memory: one request of a run is refused, or ends its thread.
+class GreMemoryTest : public GreTest {
+protected:
+    static inline int requests = 0;
+    static inline int refused = 0;    // counted from 1
+    static inline int cancelled = 0;  // the thread that makes this one
+    static inline bool by_exception = false;
+
+    static void* allocate(size_t size)
+    {
+        ++requests;
+        if (requests == cancelled) {
+            pthread_cancel(pthread_self());
+            pthread_testcancel();
+        }
+        if (requests != refused) return std::malloc(size);
+        if (by_exception) throw std::bad_alloc();
+        return nullptr;
+    }
+    void SetUp() override
+    {
+        GreTest::SetUp();
+        pugi::set_memory_management_functions(allocate, std::free);
+    }
+    void TearDown() override
+    {
+        pugi::set_memory_management_functions(std::malloc, std::free);
+        GreTest::TearDown();
+    }
+};
+
+TEST_F(GreMemoryTest, AWriteIsWholeOrIsNotDone)
+{
+    int not_done = 0;
+    const auto cfg = record(1, 10, 2);
+    // The parser asks for memory in large pieces: files of many sizes, so that the new elements need another one.
+    for (int padding = 0; padding < 500; padding += 2) {
+        std::string elements;
+        for (int i = 0; i < padding; ++i) {
+            elements += "<x/>";
+        }
+        write_file(kConfigFile, file_with("<GREFlag/><Padding>" + elements + "</Padding>"));
+        refused = 0;
+        requests = 0;
+        ASSERT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
+        const std::string whole = content_of(kTemporaryFile);
+        const int asked = requests;
+        pugi::xml_document document;
+        requests = 0;
+        ASSERT_TRUE(document.load_file(kConfigFile));
+        const int to_load = requests;
+        // A refusal while the file is loaded is tried again 50 ms later: once is enough to see.
+        for (refused = padding == 0 ? 1 : to_load + 1; refused <= asked; ++refused) {
+            for (const bool throws : {false, true}) {
+                SCOPED_TRACE(std::to_string(padding) + " elements, request " + std::to_string(refused));
+                by_exception = throws;
+                requests = 0;
+                std::filesystem::remove(kTemporaryFile);
+                platform.forget();
+                ASSERT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
+                if (refused <= to_load) {
+                    EXPECT_EQ(content_of(kTemporaryFile), whole);
+                    EXPECT_THAT(platform.journal, testing::ElementsAreArray(kSaveCommands));
+                } else {
+                    EXPECT_FALSE(std::filesystem::exists(kTemporaryFile));
+                    EXPECT_THAT(platform.journal, testing::IsEmpty());
+                    ++not_done;
+                }
+            }
+        }
+    }
+    EXPECT_GT(not_done, 0) << "no file was of the size that matters";
+}
+
 // Both functions wait for a file that can be parsed, however long.
 TEST_F(GreTest, WaitsUntilTheFileCanBeParsed)
 {
@@ -440,6 +551,35 @@ TEST_F(GreTest, WaitsUntilTheFileCanBeParsed)
             }
             platform.forget();
         }
+    }
+}
+
+// The wait has no end of its own, so a thread in it can be cancelled: while it sleeps, and while it looks.
+TEST_F(GreMemoryTest, AWaitingThreadCanBeCancelled)
+{
+    for (const bool while_it_looks : {false, true}) {
+        if (while_it_looks) write_file(kConfigFile, "<system>");
+        requests = 0;
+        refused = 0;
+        cancelled = while_it_looks ? 2 : 0;
+        pthread_t caller;
+        ASSERT_EQ(pthread_create(
+                      &caller, nullptr,
+                      [](void*) -> void* {
+                          zr_nexa_wan_gre_ipacfg_t cfg;
+                          zr_nexa_wan_gre_ipacfg_get_v1(&cfg);
+                          return nullptr;
+                      },
+                      nullptr),
+                  0);
+        std::this_thread::sleep_for(std::chrono::milliseconds(120));
+        if (!while_it_looks) {
+            EXPECT_EQ(pthread_cancel(caller), 0);
+        }
+        void* result = nullptr;
+        EXPECT_EQ(pthread_join(caller, &result), 0);
+        EXPECT_EQ(result, PTHREAD_CANCELED);
+        platform.forget();
     }
 }
 

@@ -34,8 +34,9 @@ ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, subnet_mask) == 48, "th
 
 /*
  * Writes the settings into the file. All that the file's GREFlag element held is replaced; with gre_enabled other than
- * 1 the addresses are dropped. The other elements stay as they are, comments are not kept. The file is replaced by a
- * copy of /var/run/data/zr_IPACM_cfg.tmp; a failure (a folder missing, read-only or full) is not reported.
+ * 1 the addresses are dropped. The other elements stay as they are; comments, processing instructions and a document
+ * type are not kept. The file is replaced by a copy of /var/run/data/zr_IPACM_cfg.tmp; a failure (a folder missing,
+ * read-only or full, no memory) is not reported.
  *
  * Waits without limit, trying every 50 ms, while the file is missing or cannot be parsed.
  *
