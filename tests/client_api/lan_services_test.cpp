@@ -247,7 +247,9 @@ TEST_F(LanServicesTest, DevicesAreCopiedAndLogged)
     platform.on("GetConnectedDevicesInfo").gives_array("device", given, 2).gives("count", 2u);
 
     zr_nexa_lan_connected_device_t devices[ZR_NEXA_LAN_CONNECTED_DEVICES_MAX];
-    devices[2] = poisoned<zr_nexa_lan_connected_device_t>();
+    for (auto& device : devices) {
+        device = poisoned<zr_nexa_lan_connected_device_t>();
+    }
     uint32_t count = 0xA5;
     EXPECT_EQ(zr_nexa_lan_connected_device_info_get_v1(devices, &count), 0u);
     EXPECT_EQ(count, 2u);
@@ -255,6 +257,8 @@ TEST_F(LanServicesTest, DevicesAreCopiedAndLogged)
     EXPECT_EQ(devices[0].ipv4_addr, network("192.168.225.21"));
     EXPECT_EQ(devices[0].mac[0], 0xAA);
     EXPECT_EQ(std::string(devices[0].host_name, 100), std::string(100, 'h'));
+    EXPECT_EQ(devices[0].reserved[0], 0);
+    EXPECT_EQ(devices[0].reserved[1], 0);
     EXPECT_EQ(devices[0].ipv6_count, 1u);
     EXPECT_EQ(devices[0].ipv6_addr[0][15], 7);
     EXPECT_EQ(devices[0].rx_bytes, 0x1FFFFFFFFull);
@@ -398,6 +402,27 @@ TEST_F(LanServicesTest, L2tpSetRefusesABadTunnelBeforeAnyPlatformCall)
         platform.forget();
     }
     EXPECT_EQ(zr_nexa_lan_l2tp_set_v1(4095, nullptr), 4u);
+}
+
+TEST_F(LanServicesTest, L2tpSetTakesEightSessionsAndNoMore)
+{
+    struct {
+        zr_nexa_lan_l2tp_cfg_t config;
+        zr_nexa_lan_l2tp_session_t behind;  // looks like a good session to whoever reads on
+    } block = {a_tunnel(), {1, 2}};
+    for (auto& session : block.config.tunnel.session) {
+        session = {21, 22};
+    }
+    block.config.tunnel.session_count = 8;
+    EXPECT_EQ(zr_nexa_lan_l2tp_set_v1(0, &block.config), 0u);
+    EXPECT_THAT(platform.journal.back(), testing::HasSubstr("session_count=8 local=21 peer=22"));
+    EXPECT_THAT(platform.journal.back(), testing::EndsWith("local=21 peer=22)"));
+    for (const uint32_t count : {9u, 256u, 0xFFFFFFFFu}) {
+        platform.forget();
+        block.config.tunnel.session_count = count;
+        EXPECT_EQ(zr_nexa_lan_l2tp_set_v1(0, &block.config), 9u);
+        EXPECT_THAT(platform.journal, testing::IsEmpty());
+    }
 }
 
 TEST_F(LanServicesTest, L2tpSetAcceptsWhatIsNotUsed)
