@@ -554,6 +554,7 @@ TEST_F(GreTest, WaitsUntilTheFileCanBeParsed)
     }
 }
 
+#ifndef ZR_NEXA_NO_CANCELLING
 // The wait has no end of its own, so a thread in it can be cancelled: while it sleeps, and while it looks.
 TEST_F(GreMemoryTest, AWaitingThreadCanBeCancelled)
 {
@@ -582,6 +583,7 @@ TEST_F(GreMemoryTest, AWaitingThreadCanBeCancelled)
         platform.forget();
     }
 }
+#endif
 
 // ---- random files ----
 
