@@ -884,6 +884,7 @@ TEST_F(WanCliTest, MappingRefuses)
 TEST_F(WanCliTest, RestartingRadvdIsNotAvailable)
 {
     expect_run({"WAN", "RestartRadvd", "restart", "1"}, "CMD Error#0x3\r\n");
+    expect_run({"WAN", "RestartRadvd", "restart", "65536"}, "CMD Error#0x3\r\n");
     EXPECT_EQ(run({"WAN", "RestartRadvd", "restart", "-1"}), "CMD Error#0x3\r\n");
     EXPECT_THAT(platform.journal, testing::IsEmpty());
     EXPECT_THAT(platform.log, testing::IsEmpty());

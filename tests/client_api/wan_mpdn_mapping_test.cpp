@@ -1,6 +1,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <fstream>
 #include <memory>
 
 #include "api_test.h"
@@ -55,6 +56,29 @@ protected:
 };
 
 using Pairs = std::vector<std::pair<uint32_t, uint32_t>>;
+
+// Of this process, in KiB: pages that hold something of their own, which a page that was only read does not.
+long touched_memory()
+{
+    std::ifstream rollup("/proc/self/smaps_rollup");
+    for (std::string line; std::getline(rollup, line);) {
+        if (line.rfind("Anonymous:", 0) == 0) return std::stol(line.substr(10));
+    }
+    return -1;
+}
+
+// The first of the tests, because no other has filled the interface's own 400 KiB yet.
+TEST_F(WanMpdnMappingTest, AShortListTouchesNoMoreMemoryWhenItIsReadAgain)
+{
+    map(0, 7, {10, 20, 30});
+    platform.on("GetPDNtoVLANMappingsEx").gives("count", 1).gives_array("mapping", mappings_->mapping, 1);
+    EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+    const long before = touched_memory();
+    ASSERT_GE(before, 0);
+    EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+    EXPECT_LT(touched_memory() - before, 200);
+    EXPECT_EQ(pairs(), (Pairs{{7, 10}, {7, 20}, {7, 30}}));
+}
 
 TEST_F(WanMpdnMappingTest, AddSelectsProfileThenBridge)
 {
@@ -241,6 +265,14 @@ TEST_F(WanMpdnMappingTest, ThePlatformsListIsClearEveryTime)
         EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
         platform.on("GetPDNtoVLANMappingsEx").fails(3);
         EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0x1003u);
+    }
+    // A single byte that was left, wherever it stands.
+    for (const size_t offset : {size_t{0}, size_t{1}, size_t{4}, size_t{5}, sizeof(qcmap_pdn_to_vlan_mapping) - 1}) {
+        std::memset(mappings_.get(), 0, sizeof(*mappings_));
+        reinterpret_cast<unsigned char*>(&mappings_->mapping[49])[offset] = 1;
+        platform_lists(0);
+        EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
+        EXPECT_EQ(zr_nexa_wan_mpdnmapping_get_v1(list_), 0u);
     }
     EXPECT_THAT(platform.complaints, testing::IsEmpty());
 }
