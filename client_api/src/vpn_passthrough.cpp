@@ -30,8 +30,8 @@ struct GetRecords {
     const msg_const_type& done;    // handle, flag, error word
 };
 
-uint32_t set_passthrough(const char* function, uint32_t wwan_handle, uint32_t enable, SetMethod set,
-                         const SetRecords& records)
+template <SetMethod set>
+uint32_t set_passthrough(const char* function, uint32_t wwan_handle, uint32_t enable, const SetRecords& records)
 {
     if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
     if (wwan_handle == 0 || enable > 1) return ZR_NEXA_ERR_ARGUMENT;
@@ -46,8 +46,8 @@ uint32_t set_passthrough(const char* function, uint32_t wwan_handle, uint32_t en
     return result_of(err);
 }
 
-uint32_t get_passthrough(const char* function, uint32_t wwan_handle, uint8_t* enable, GetMethod get,
-                         const GetRecords& records)
+template <GetMethod get>
+uint32_t get_passthrough(const char* function, uint32_t wwan_handle, uint8_t* enable, const GetRecords& records)
 {
     if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
     if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
@@ -72,8 +72,8 @@ uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32
     static constexpr msg_const_type failed = LOG_RECORD(MSG_LEVEL_ERROR, "PPTP VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::SetPPTPVpnPassthrough,
-                           {backhaul_down, failed, done});
+    return set_passthrough<&QCMAP_Client::SetPPTPVpnPassthrough>(__func__, wwan_handle, enable,
+                                                                 {backhaul_down, failed, done});
 }
 
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_t* enable)
@@ -82,7 +82,7 @@ uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_
         LOG_RECORD(MSG_LEVEL_ERROR, "Get PPTP VPN passthrough flag failed. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::GetPPTPVpnPassthrough, {failed, done});
+    return get_passthrough<&QCMAP_Client::GetPPTPVpnPassthrough>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32_t enable)
@@ -93,8 +93,8 @@ uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32
         LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 PPTP VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::SetPPTPVpnPassthrough_Ipv6,
-                           {backhaul_down, failed, done});
+    return set_passthrough<&QCMAP_Client::SetPPTPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable,
+                                                                      {backhaul_down, failed, done});
 }
 
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_t* enable)
@@ -103,7 +103,7 @@ uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_
         LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 PPTP VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::GetPPTPVpnPassthrough_Ipv6, {failed, done});
+    return get_passthrough<&QCMAP_Client::GetPPTPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32_t enable)
@@ -114,8 +114,8 @@ uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint3
         LOG_RECORD(MSG_LEVEL_ERROR, "IPSec VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::SetIPSECVpnPassthrough,
-                           {backhaul_down, failed, done});
+    return set_passthrough<&QCMAP_Client::SetIPSECVpnPassthrough>(__func__, wwan_handle, enable,
+                                                                  {backhaul_down, failed, done});
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_t* enable)
@@ -124,7 +124,7 @@ uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8
         LOG_RECORD(MSG_LEVEL_ERROR, "IPSec VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::GetIPSECVpnPassthrough, {failed, done});
+    return get_passthrough<&QCMAP_Client::GetIPSECVpnPassthrough>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32_t enable)
@@ -135,8 +135,8 @@ uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint3
         LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 IPSec VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::SetIPSECVpnPassthrough_Ipv6,
-                           {backhaul_down, failed, done});
+    return set_passthrough<&QCMAP_Client::SetIPSECVpnPassthrough_Ipv6>(__func__, wwan_handle, enable,
+                                                                       {backhaul_down, failed, done});
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_t* enable)
@@ -145,7 +145,7 @@ uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8
         LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 IPSec VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::GetIPSECVpnPassthrough_Ipv6, {failed, done});
+    return get_passthrough<&QCMAP_Client::GetIPSECVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32_t enable)
@@ -155,8 +155,8 @@ uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32
     static constexpr msg_const_type failed = LOG_RECORD(MSG_LEVEL_ERROR, "L2TP VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::SetL2TPVpnPassthrough,
-                           {backhaul_down, failed, done});
+    return set_passthrough<&QCMAP_Client::SetL2TPVpnPassthrough>(__func__, wwan_handle, enable,
+                                                                 {backhaul_down, failed, done});
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_t* enable)
@@ -164,7 +164,7 @@ uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_
     static constexpr msg_const_type failed = LOG_RECORD(MSG_LEVEL_ERROR, "L2TP VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::GetL2TPVpnPassthrough, {failed, done});
+    return get_passthrough<&QCMAP_Client::GetL2TPVpnPassthrough>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32_t enable)
@@ -175,8 +175,8 @@ uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32
         LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 L2TP VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::SetL2TPVpnPassthrough_Ipv6,
-                           {backhaul_down, failed, done});
+    return set_passthrough<&QCMAP_Client::SetL2TPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable,
+                                                                      {backhaul_down, failed, done});
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_t* enable)
@@ -185,5 +185,5 @@ uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_
         LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 L2TP VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
         LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough(__func__, wwan_handle, enable, &QCMAP_Client::GetL2TPVpnPassthrough_Ipv6, {failed, done});
+    return get_passthrough<&QCMAP_Client::GetL2TPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, {failed, done});
 }

@@ -40,7 +40,8 @@ struct GetModeTexts {
     msg_const_type done;    // handle, mode, error
 };
 
-uint32_t set_mode(const char* function, uint32_t wwan_handle, uint32_t enable, SetMode set, const SetModeTexts& texts)
+template <SetMode set>
+uint32_t set_mode(const char* function, uint32_t wwan_handle, uint32_t enable, const SetModeTexts& texts)
 {
     if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
     if (wwan_handle == 0 || enable > 1) return ZR_NEXA_ERR_ARGUMENT;
@@ -61,7 +62,8 @@ uint32_t set_mode(const char* function, uint32_t wwan_handle, uint32_t enable, S
     return result_of(err);
 }
 
-uint32_t get_mode(const char* function, uint32_t wwan_handle, uint8_t* enable, GetMode get, const GetModeTexts& texts)
+template <GetMode get>
+uint32_t get_mode(const char* function, uint32_t wwan_handle, uint8_t* enable, const GetModeTexts& texts)
 {
     if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
     if (wwan_handle == 0 || enable == nullptr) return ZR_NEXA_ERR_ARGUMENT;
@@ -160,7 +162,7 @@ uint32_t zr_nexa_wan_reconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
         LOG_RECORD(MSG_LEVEL_ERROR, "Disable Reconnect Mode (wwan_handle=%d) error %d"),
         LOG_RECORD(MSG_LEVEL_HIGH, "Set Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return set_mode(__func__, wwan_handle, enable, &QCMAP_Client::SetReconnect, texts);
+    return set_mode<&QCMAP_Client::SetReconnect>(__func__, wwan_handle, enable, texts);
 }
 
 uint32_t zr_nexa_wan_reconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
@@ -169,7 +171,7 @@ uint32_t zr_nexa_wan_reconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
         LOG_RECORD(MSG_LEVEL_ERROR, "Get Reconnect Mode (wwan_handle=%d) error %d"),
         LOG_RECORD(MSG_LEVEL_HIGH, "Get Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return get_mode(__func__, wwan_handle, enable, &QCMAP_Client::GetReconnect, texts);
+    return get_mode<&QCMAP_Client::GetReconnect>(__func__, wwan_handle, enable, texts);
 }
 
 uint32_t zr_nexa_wan_autoconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
@@ -179,7 +181,7 @@ uint32_t zr_nexa_wan_autoconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
         LOG_RECORD(MSG_LEVEL_ERROR, "Disable Autoconnect Mode (wwan_handle=%d) error %d"),
         LOG_RECORD(MSG_LEVEL_HIGH, "Set Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return set_mode(__func__, wwan_handle, enable, &QCMAP_Client::SetAutoconnect, texts);
+    return set_mode<&QCMAP_Client::SetAutoconnect>(__func__, wwan_handle, enable, texts);
 }
 
 uint32_t zr_nexa_wan_autoconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
@@ -188,7 +190,7 @@ uint32_t zr_nexa_wan_autoconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
         LOG_RECORD(MSG_LEVEL_ERROR, "Get Autoconnect Mode (wwan_handle=%d) error %d"),
         LOG_RECORD(MSG_LEVEL_HIGH, "Get Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return get_mode(__func__, wwan_handle, enable, &QCMAP_Client::GetAutoconnect, texts);
+    return get_mode<&QCMAP_Client::GetAutoconnect>(__func__, wwan_handle, enable, texts);
 }
 
 uint32_t zr_nexa_wan_roaming_set_v1(uint32_t wwan_handle, uint32_t enable)
@@ -198,7 +200,7 @@ uint32_t zr_nexa_wan_roaming_set_v1(uint32_t wwan_handle, uint32_t enable)
         LOG_RECORD(MSG_LEVEL_ERROR, "Disable NEXA roaming cfg (wwan_handle=%d) error %d"),
         LOG_RECORD(MSG_LEVEL_HIGH, "Set Roaming Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return set_mode(__func__, wwan_handle, enable, &QCMAP_Client::SetRoaming, texts);
+    return set_mode<&QCMAP_Client::SetRoaming>(__func__, wwan_handle, enable, texts);
 }
 
 uint32_t zr_nexa_wan_roaming_get_v1(uint32_t wwan_handle, uint8_t* enable)
@@ -207,7 +209,7 @@ uint32_t zr_nexa_wan_roaming_get_v1(uint32_t wwan_handle, uint8_t* enable)
         LOG_RECORD(MSG_LEVEL_ERROR, "Get NEXA roaming cfg (wwan_handle=%d) error %d"),
         LOG_RECORD(MSG_LEVEL_HIGH, "Get Roaming Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return get_mode(__func__, wwan_handle, enable, &QCMAP_Client::GetRoaming, texts);
+    return get_mode<&QCMAP_Client::GetRoaming>(__func__, wwan_handle, enable, texts);
 }
 
 uint32_t zr_nexa_wan_info_get_v1(uint32_t wwan_handle, zr_nexa_wan_info_t* info)

@@ -1,8 +1,12 @@
 // Runs of the whole tool: words in, bytes out, and what stays for the next process.
+#include <fcntl.h>
 #include <sys/mount.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -34,6 +38,40 @@ TEST_F(CommandTest, EveryRunEndsWithAPauseOfOneSecond)
         EXPECT_GE(run.seconds, 1.0);
         EXPECT_EQ(run.status, 0);
     }
+}
+
+TEST_F(CommandTest, ATerminalSeesTheLinesBeforeThePause)
+{
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(terminal, 0);
+    ASSERT_EQ(grantpt(terminal), 0);
+    ASSERT_EQ(unlockpt(terminal), 0);
+    const int tool_side = open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(tool_side, 0);
+    termios raw;
+    ASSERT_EQ(tcgetattr(tool_side, &raw), 0);
+    cfmakeraw(&raw);
+    ASSERT_EQ(tcsetattr(tool_side, TCSANOW, &raw), 0);
+
+    ToolOptions on_terminal = options();
+    on_terminal.pauses = true;
+    on_terminal.before_exec = [tool_side] { dup2(tool_side, STDOUT_FILENO); };
+    StartedTool tool({"General", "SFE", "get"}, on_terminal);
+    const std::string expected = "General SFE: enabled\r\nCMD OK\r\n";
+    std::string seen;
+    while (seen.size() < expected.size()) {
+        char bytes[64];
+        const ssize_t count = read(terminal, bytes, sizeof(bytes));
+        ASSERT_GT(count, 0);
+        seen.append(bytes, static_cast<size_t>(count));
+    }
+    EXPECT_EQ(seen, expected);
+    const auto printed = std::chrono::steady_clock::now();
+    EXPECT_EQ(tool.wait().status, 0);
+    EXPECT_GT(std::chrono::steady_clock::now() - printed, std::chrono::milliseconds(500))
+        << "only the end flushed them";
+    close(tool_side);
+    close(terminal);
 }
 
 TEST_F(CommandTest, MenusNeedNoService)
