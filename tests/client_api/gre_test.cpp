@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <new>
 #include <pugixml.hpp>
 #include <thread>
@@ -13,6 +14,19 @@
 #include "ipacm_cfg.h"
 #include "private_ipacm.h"
 #include "small_xml.h"
+
+// The waits of the file work. Without somebody to see them they are real.
+static std::function<void(useconds_t)> on_wait;
+
+extern "C" int usleep(useconds_t microseconds)
+{
+    if (on_wait) {
+        on_wait(microseconds);
+    } else {
+        std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
+    }
+    return 0;
+}
 
 namespace {
 
@@ -84,6 +98,7 @@ protected:
     }
     void TearDown() override
     {
+        on_wait = nullptr;
         EXPECT_THAT(platform.complaints, testing::IsEmpty());
         EXPECT_THAT(platform.unused_answers(), testing::IsEmpty());
         zr_nexa_client_uninit();
@@ -522,6 +537,24 @@ TEST_F(GreMemoryTest, AWriteIsWholeOrIsNotDone)
     EXPECT_GT(not_done, 0) << "no file was of the size that matters";
 }
 
+TEST_F(GreTest, LooksAgainEvery50Milliseconds)
+{
+    auto cfg = record(1, 0, 0);
+    for (const bool is_set : {false, true}) {
+        std::filesystem::remove(kConfigFile);
+        std::vector<useconds_t> waits;
+        on_wait = [&](useconds_t microseconds) {
+            waits.push_back(microseconds);
+            if (waits.size() == 200) write_file(kConfigFile, file_with("<GREFlag/>"));
+        };
+        EXPECT_EQ(is_set ? zr_nexa_wan_gre_ipacfg_set_v1(&cfg) : zr_nexa_wan_gre_ipacfg_get_v1(&cfg), 0);
+        EXPECT_EQ(waits, std::vector<useconds_t>(200, 50000));
+        // Nothing is said of the waiting.
+        EXPECT_EQ(platform.log.size(), 4u);
+        platform.forget();
+    }
+}
+
 // Both functions wait for a file that can be parsed, however long.
 TEST_F(GreTest, WaitsUntilTheFileCanBeParsed)
 {
@@ -693,6 +726,67 @@ TEST_F(GreTest, RandomFilesAreReadAndWrittenAsAnIndependentReaderSees)
     EXPECT_GT(with_flag, 1000);
     EXPECT_GT(off, 50);
     EXPECT_GT(full, 50);
+}
+
+// Files with bytes changed, left out and added: whatever they are, they are read, or waited for.
+TEST_F(GreTest, DamagedFilesAreReadOrWaitedFor)
+{
+    static const char bytes[] = {'<', '>', '/', '&', '\0', '"', '!', '[', '?', '\xff', '\xfe', '\x80', 'G', '0'};
+    int waited = 0;
+    int kept = 0;
+    bool mended = false;
+    on_wait = [&](useconds_t) {
+        write_file(kConfigFile, file_with("<GREFlag/>"));
+        mended = true;
+    };
+    for (uint32_t seed = 1; seed <= 3000; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        small_xml::Random random(seed);
+        std::string text = small_xml::random_file(random);
+        for (uint32_t i = 1 + random.below(4); i > 0 && !text.empty(); --i) {
+            const size_t at = random.below(static_cast<uint32_t>(text.size()));
+            const char byte = bytes[random.below(sizeof(bytes))];
+            switch (random.below(4)) {
+                case 0:
+                    text[at] = byte;
+                    break;
+                case 1:
+                    text.erase(at, 1 + random.below(8));
+                    break;
+                case 2:
+                    text.insert(at, 1, byte);
+                    break;
+                default:
+                    text.insert(0, random.chance(50) ? "\xff\xfe" : "\xef\xbb\xbf");
+            }
+        }
+        write_file(kConfigFile, text);
+        mended = false;
+        auto cfg = poisoned<zr_nexa_wan_gre_ipacfg_t>();
+        ASSERT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&cfg), 0);
+        ASSERT_LE(cfg.num_of_server_addrs, 10);
+        ASSERT_LE(cfg.num_of_subnet_masks, 2);
+        waited += mended ? 1 : 0;
+
+        // What is then written can be read, and holds what was set, if there is a place for it.
+        write_file(kConfigFile, text);
+        zr_nexa_wan_gre_ipacfg_t wanted = {};
+        wanted.gre_enabled = 1;
+        wanted.num_of_server_addrs = 1;
+        wanted.server_ipv4_addr[0] = htonl(0x0A000001);
+        ASSERT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&wanted), 0);
+        write_file(kConfigFile, content_of(kTemporaryFile));
+        mended = false;
+        ASSERT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&cfg), 0);
+        ASSERT_FALSE(mended) << "what was written cannot be read";
+        ASSERT_EQ(cfg.gre_enabled, 1);
+        if (cfg.num_of_server_addrs == 0) wanted = {1, 0, {}, 0, {}};
+        ASSERT_EQ(std::memcmp(&cfg, &wanted, sizeof(cfg)), 0);
+        kept += cfg.num_of_server_addrs;
+        platform.forget();
+    }
+    EXPECT_GT(waited, 300);
+    EXPECT_GT(kept, 300);
 }
 
 }  // namespace
