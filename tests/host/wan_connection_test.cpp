@@ -122,7 +122,8 @@ TEST_F(WanConnectionHostTest, FactoryState)
     EXPECT_EQ(status(client), "6 12");
     EXPECT_TRUE(connected(client).empty());
     const auto counts = statistics(client, 12);
-    EXPECT_EQ(counts.bytes_rx + counts.bytes_tx + counts.pkts_rx + counts.pkts_tx, 0u);
+    const qcmap_msgr_wwan_statistics_type_v01 nothing = {};
+    EXPECT_EQ(memcmp(&counts, &nothing, sizeof counts), 0);
     unsigned char mode = 0xa5;
     EXPECT_TRUE(client.GetReconnect(&mode, &err));
     EXPECT_EQ(mode, 0);
@@ -226,6 +227,10 @@ TEST_F(WanConnectionHostTest, ConnectedProfilesAreListedWithTheirAddresses)
     ASSERT_TRUE(client.ConnectBackHaul(kV4, &err));
     EXPECT_EQ(v4(connected(client)[0].v4_addr), "10.101.0.6");
     EXPECT_EQ(v4(connected(client)[0].v4_gw_addr), "10.101.0.5");
+    ASSERT_TRUE(client.DisconnectBackHaul(kV6, &err));
+    ASSERT_TRUE(client.ConnectBackHaul(kV6, &err));
+    EXPECT_EQ(v6(connected(client)[0].v6_addr), "2001:db8:1:1::2");
+    EXPECT_EQ(v6(connected(client)[0].v6_gw_addr), "2001:db8:1:1::1");
 }
 
 TEST_F(WanConnectionHostTest, FiftyProfilesAreConnectedAtOnce)

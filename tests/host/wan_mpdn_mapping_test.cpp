@@ -46,6 +46,7 @@ protected:
     std::unique_ptr<qcmap_msgr_pdn_to_vlan_mapping_ex_v01> list(QCMAP_Client& client, int* count)
     {
         auto all = std::make_unique<qcmap_msgr_pdn_to_vlan_mapping_ex_v01>();
+        memset(all.get(), 0xa5, sizeof *all);
         *count = -1;
         EXPECT_TRUE(client.GetPDNtoVLANMappingsEx(all.get(), count, &err));
         return all;
@@ -113,7 +114,9 @@ TEST_F(WanMpdnMappingHostTest, OnlyProfilesAndBridgesThatAreThere)
     EXPECT_TRUE(add(client, 100, 1));
     EXPECT_FALSE(add(client, 100, 1));
     EXPECT_EQ(err, QMI_ERR_ALREADY_THERE_V01);
-    EXPECT_EQ(pairs(client), "1: 100; ");
+    make_bridge(1);
+    EXPECT_TRUE(add(client, 1, 1));
+    EXPECT_EQ(pairs(client), "1: 1 100; ");
 }
 
 TEST_F(WanMpdnMappingHostTest, MappingsGoWithTheirProfileAndTheirBridge)

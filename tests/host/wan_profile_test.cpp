@@ -72,6 +72,22 @@ TEST_F(WanProfileHostTest, FactoryState)
     EXPECT_EQ(ap_handles(client), "1 1");
 }
 
+TEST_F(WanProfileHostTest, TheTwoIndicesAreKeptApart)
+{
+    OpenClient client;
+    auto info = policy(0, 10, 2);
+    info.profile_index_3gpp2 = 3;
+    ASSERT_EQ(create(client, info), 2u);
+    EXPECT_EQ(list(client).policy[1].profile_index_3gpp, 2);
+    EXPECT_EQ(list(client).policy[1].profile_index_3gpp2, 3);
+    info.profile_index_3gpp = 4;
+    info.profile_index_3gpp2 = 5;
+    ASSERT_TRUE(select(client, 2));
+    EXPECT_TRUE(client.UpdateWWANPolicyEx(QCMAP_MSGR_UPDATE_ALL_PROFILE_INDEX_V01, info, &err));
+    EXPECT_EQ(list(client).policy[1].profile_index_3gpp, 4);
+    EXPECT_EQ(list(client).policy[1].profile_index_3gpp2, 5);
+}
+
 TEST_F(WanProfileHostTest, AProfileIsKeptForTheNextSession)
 {
     const std::string fifty(50, 'a');
