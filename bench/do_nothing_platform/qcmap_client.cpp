@@ -4,6 +4,15 @@
 
 #include <cstdlib>
 
+// The one list that can be long: how many pairs it has.
+static int listed_pairs = 0;
+
+extern "C" void do_nothing_list_pairs(int pairs);  // for bench/interface.cpp
+void do_nothing_list_pairs(int pairs)
+{
+    listed_pairs = pairs;
+}
+
 // The command's client interface leaves the C++ runtime to the platform. This platform has none either, only this.
 void* operator new(std::size_t size)
 {
@@ -436,9 +445,19 @@ bool QCMAP_Client::DeletePDNToVLANMapping(short, unsigned int, qmi_error_type_v0
     return true;
 }
 
-bool QCMAP_Client::GetPDNtoVLANMappingsEx(qcmap_msgr_pdn_to_vlan_mapping_ex_v01*, int*, qmi_error_type_v01* err)
+bool QCMAP_Client::GetPDNtoVLANMappingsEx(qcmap_msgr_pdn_to_vlan_mapping_ex_v01* mappings, int* count,
+                                          qmi_error_type_v01* err)
 {
     *err = QMI_ERR_NONE_V01;
+    *count = 0;
+    for (int left = listed_pairs; left > 0; left -= QCMAP_MAX_VLANS_PER_PDN) {
+        qcmap_pdn_to_vlan_mapping& mapping = mappings->mapping[(*count)++];
+        mapping.profile_handle = static_cast<uint32_t>(*count);
+        mapping.vlan_count = left < QCMAP_MAX_VLANS_PER_PDN ? left : QCMAP_MAX_VLANS_PER_PDN;
+        for (int i = 0; i < mapping.vlan_count; ++i) {
+            mapping.vlan_id[i] = static_cast<int16_t>(i + 1);
+        }
+    }
     return true;
 }
 
