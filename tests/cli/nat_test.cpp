@@ -218,6 +218,10 @@ TEST_F(NatCliTest, DmzDisableIgnoresAFurtherWord)
                {kSelect1, "DeleteDMZ()"});
     expect_run({"NAT", "IPV4DMZ", "disable", "1", "not an address"}, "NAT IPV4DMZ disable success\r\nCMD OK\r\n",
                {kSelect1, "DeleteDMZ()"});
+    // The interface only logs the address, which is 0 whatever the word says.
+    EXPECT_EQ(run({"NAT", "IPV4DMZ", "disable", "1", "1.2.3.4"}), "NAT IPV4DMZ disable success\r\nCMD OK\r\n");
+    ASSERT_FALSE(platform.log.empty());
+    EXPECT_EQ(platform.log.back().text, "Delete DMZ IP success : wwan_handle=1 dmz_ip=0");
 }
 
 TEST_F(NatCliTest, DmzRefusesOtherWords)

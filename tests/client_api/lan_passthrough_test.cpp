@@ -403,6 +403,9 @@ TEST_F(LanPassthroughTest, IpptSetNamesADeviceByItsHostName)
     EXPECT_EQ(zr_nexa_lan_ippt_set_v1(&rec), 0u);
     expect_row(kIpptSet, {select_line(100), passthrough_line("3", 0, 0, kNoMac, "Korvane_PC")},
                ippt_set_log(100, 0, 3, "not looked at", "Korvane_PC"));
+    const zr_nexa_lan_ippt_t short_name = ippt(0, 3, "", "k");
+    EXPECT_EQ(zr_nexa_lan_ippt_set_v1(&short_name), 0u);
+    expect_row(kIpptSet, {select_line(0), passthrough_line("3", 0, 0, kNoMac, "k")}, ippt_set_log(0, 0, 3, "", "k"));
 }
 
 TEST_F(LanPassthroughTest, IpptSetDoesNothingForAnEmptyHost)
@@ -689,6 +692,9 @@ TEST_F(LanPassthroughTest, FilterGetClearsTheListInAnyCase)
 {
     const zr_nexa_lan_ipptgwfilter_list_t empty = {};
     auto list = poisoned<zr_nexa_lan_ipptgwfilter_list_t>();
+    EXPECT_EQ(zr_nexa_lan_ipptgwfilter_get_v1(4094, &list), 0u);
+    EXPECT_EQ(std::memcmp(&list, &empty, sizeof(list)), 0);
+    expect_row(kFilterGet, {"SelectLANBridge(4094)", kReadFilters}, {info("entry")});
     for (const uint32_t lan_id : {4095u, 65536u}) {
         list = poisoned<zr_nexa_lan_ipptgwfilter_list_t>();
         EXPECT_EQ(zr_nexa_lan_ipptgwfilter_get_v1(lan_id, &list), 6u);
