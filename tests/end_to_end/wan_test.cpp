@@ -204,6 +204,8 @@ TEST_F(WanTest, TheLongestListOfMappingsIsPrintedWhole)
         const rlimit limit = {512 * 1024, 512 * 1024};
         setrlimit(RLIMIT_STACK, &limit);
     };
+    // Long enough for the thread that listens for indications to look around, which has a stack of its own.
+    small_stack.variables = {"MOBILE_AP_FAULTS=GetPDNtoVLANMappingsEx=delay:500"};
     const ToolRun run = run_tool({"WAN", "MPDNMapping", "get"}, small_stack);
     EXPECT_TRUE(run.out == listed + kOk) << run.out.size() << " bytes";
     EXPECT_EQ(run.err, "");

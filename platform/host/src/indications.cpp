@@ -12,6 +12,7 @@
 namespace mobile_ap {
 namespace {
 
+constexpr size_t kListenerStackBytes = 2 * 1024 * 1024;
 constexpr int kRoundMs = 200;
 constexpr int kKept = 1000;
 constexpr int kBatch = 32;
@@ -58,7 +59,12 @@ bool Listener::start(const std::string& path, int64_t newest)
     sigset_t before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);  // the thread inherits it: handlers run on the program's own threads
-    running_ = pthread_create(&thread_, nullptr, run, this) == 0;
+    // Callbacks find the same room whatever the user's stack limit, from which a thread's stack is taken by default.
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, kListenerStackBytes);
+    running_ = pthread_create(&thread_, &attributes, run, this) == 0;
+    pthread_attr_destroy(&attributes);
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (!running_) {
         close(stop_event_);
