@@ -12,7 +12,7 @@
 namespace mobile_ap {
 namespace {
 
-constexpr size_t kListenerStackBytes = 2 * 1024 * 1024;
+constexpr size_t kListenerStackBytes = size_t{2} << 20;
 constexpr int kRoundMs = 200;
 constexpr int kKept = 1000;
 constexpr int kBatch = 32;
