@@ -1,13 +1,13 @@
 // GRE offload in the IPA connection manager's configuration file.
 #include <zr_nexa/gre.h>
 
-#include <arpa/inet.h>
 #include <dlfcn.h>
 
 #include <atomic>
 #include <cstring>
 
 #include "ipacm_cfg.h"
+#include "ipv4_text.h"
 #include "log.h"
 
 namespace {
@@ -30,6 +30,8 @@ int32_t get_set_ipacm_config(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg)
 
 }  // namespace
 
+using zr_nexa::Ipv4Text;
+
 int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t* cfg)
 {
     LOG_INFO("entry");
@@ -49,14 +51,11 @@ int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t* cfg)
         return ZR_NEXA_ERR_ARGUMENT;
     }
     zr_nexa_wan_gre_ipacfg_t local = *cfg;
-    char text[INET_ADDRSTRLEN];
     for (uint32_t i = 0; i < local.num_of_server_addrs; ++i) {
-        inet_ntop(AF_INET, &local.server_ipv4_addr[i], text, sizeof(text));
-        LOG_INFO("gre_config.server_ipv4_addr[%d]:%s", i, text);
+        LOG_INFO("gre_config.server_ipv4_addr[%d]:%s", i, Ipv4Text(local.server_ipv4_addr[i]).c_str());
     }
     for (uint32_t i = 0; i < local.num_of_subnet_masks; ++i) {
-        inet_ntop(AF_INET, &local.subnet_mask[i], text, sizeof(text));
-        LOG_INFO("gre_config.subnet_mask[%d]:%s", i, text);
+        LOG_INFO("gre_config.subnet_mask[%d]:%s", i, Ipv4Text(local.subnet_mask[i]).c_str());
     }
     // Both texts below name the function without its area word: log readers know them so.
     const int32_t result = get_set_ipacm_config(1, &local);

@@ -4,9 +4,13 @@
 
 #include <cstring>
 
+#include "field_text.h"
+#include "ipv4_text.h"
 #include "session.h"
 
 using zr_nexa::client;
+using zr_nexa::FieldText;
+using zr_nexa::Ipv4Text;
 using zr_nexa::user_callback;
 
 namespace {
@@ -169,16 +173,10 @@ void take_call(const qcmap_wwan_call_ind& call, const msg_const_type& text, zr_n
 
 void log_addresses(const qcmap_msgr_bring_up_wwan_ind_msg_v01& bring_up)
 {
-    char iface_name[sizeof(bring_up.iface_name) + 1] = {};
-    std::memcpy(iface_name, bring_up.iface_name, sizeof(bring_up.iface_name));
-    LOG_INFO_AS(kFunction, "Interface Name                 : %s", iface_name);
-    char v4[INET_ADDRSTRLEN];
-    inet_ntop(AF_INET, &bring_up.v4_addr, v4, sizeof(v4));
-    LOG_INFO_AS(kFunction, "Public IPv4 Address            : %s", v4);
-    inet_ntop(AF_INET, &bring_up.v4_pri_dns_addr, v4, sizeof(v4));
-    LOG_INFO_AS(kFunction, "Primary DNS IPv4 Address       : %s", v4);
-    inet_ntop(AF_INET, &bring_up.v4_sec_dns_addr, v4, sizeof(v4));
-    LOG_INFO_AS(kFunction, "Seccondary DNS IPv4 Address    : %s", v4);
+    LOG_INFO_AS(kFunction, "Interface Name                 : %s", FieldText(bring_up.iface_name).c_str());
+    LOG_INFO_AS(kFunction, "Public IPv4 Address            : %s", Ipv4Text(bring_up.v4_addr).c_str());
+    LOG_INFO_AS(kFunction, "Primary DNS IPv4 Address       : %s", Ipv4Text(bring_up.v4_pri_dns_addr).c_str());
+    LOG_INFO_AS(kFunction, "Seccondary DNS IPv4 Address    : %s", Ipv4Text(bring_up.v4_sec_dns_addr).c_str());
     char v6[INET6_ADDRSTRLEN];
     inet_ntop(AF_INET6, bring_up.v6_addr, v6, sizeof(v6));
     LOG_INFO_AS(kFunction, "Public IPv6 Address            : %s", v6);

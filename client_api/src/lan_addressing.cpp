@@ -3,21 +3,12 @@
 #include <string.h>
 #include <zr_nexa/lan_addressing.h>
 
+#include "ipv4_text.h"
 #include "session.h"
 
 namespace {
 
 constexpr auto kLogSource = zr_nexa::LogSource::kLanAddressing;
-
-// An address for a log record. Each value has its own, because a record may show several.
-struct DottedQuad {
-    explicit DottedQuad(uint32_t address)
-    {
-        const in_addr network_order = {htonl(address)};
-        inet_ntop(AF_INET, &network_order, text, sizeof(text));
-    }
-    char text[INET_ADDRSTRLEN];
-};
 
 // The gateway URL in a caller's buffer, which need not be terminated.
 struct BoundedUrl {
@@ -30,16 +21,19 @@ struct BoundedUrl {
     char text[ZR_NEXA_LAN_GWURL_SIZE + 1];
 };
 
+using zr_nexa::Ipv4Text;
+
 void log_dhcp_cfg(const char* function, uint32_t lan_id, const zr_nexa_lan_dhcp_cfg_t& cfg)
 {
-    LOG_INFO_AS(function, "LAN_ID=%d GatewayIP=%s", lan_id, DottedQuad(cfg.gateway_ip).text);
-    LOG_INFO_AS(function, "LAN_ID=%d Netmask=%s", lan_id, DottedQuad(cfg.netmask).text);
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPStartIP=%s", lan_id, DottedQuad(cfg.dhcp_start_ip).text);
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPEndIP=%s", lan_id, DottedQuad(cfg.dhcp_end_ip).text);
+    LOG_INFO_AS(function, "LAN_ID=%d GatewayIP=%s", lan_id, Ipv4Text(htonl(cfg.gateway_ip)).c_str());
+    LOG_INFO_AS(function, "LAN_ID=%d Netmask=%s", lan_id, Ipv4Text(htonl(cfg.netmask)).c_str());
+    LOG_INFO_AS(function, "LAN_ID=%d DHCPStartIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_start_ip)).c_str());
+    LOG_INFO_AS(function, "LAN_ID=%d DHCPEndIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_end_ip)).c_str());
     LOG_INFO_AS(function, "LAN_ID=%d DHCPLeaseTime=%d", lan_id, cfg.lease_time);
     LOG_INFO_AS(function, "LAN_ID=%d DHCPMTU=%d", lan_id, cfg.mtu);
-    LOG_INFO_AS(function, "LAN_ID=%d DNSMode=%d PriDNSAddr=%s", lan_id, cfg.dns_mode, DottedQuad(cfg.primary_dns).text);
-    LOG_INFO_AS(function, "LAN_ID=%d SecDNSAddr=%s", lan_id, DottedQuad(cfg.secondary_dns).text);
+    LOG_INFO_AS(function, "LAN_ID=%d DNSMode=%d PriDNSAddr=%s", lan_id, cfg.dns_mode,
+                Ipv4Text(htonl(cfg.primary_dns)).c_str());
+    LOG_INFO_AS(function, "LAN_ID=%d SecDNSAddr=%s", lan_id, Ipv4Text(htonl(cfg.secondary_dns)).c_str());
 }
 
 }  // namespace

@@ -2,10 +2,10 @@
 #include <zr_nexa/lan_passthrough.h>
 #include <zr_nexa/mac_text.h>
 
-#include <arpa/inet.h>
 #include <string.h>
 
 #include "field_text.h"
+#include "ipv4_text.h"
 #include "session.h"
 
 namespace {
@@ -87,6 +87,7 @@ using zr_nexa::client;
 using zr_nexa::failed_step;
 using zr_nexa::FieldText;
 using zr_nexa::guard;
+using zr_nexa::Ipv4Text;
 using zr_nexa::result_of;
 using zr_nexa::select_bridge;
 
@@ -393,9 +394,7 @@ uint32_t zr_nexa_lan_swpathfilter_add_v1(uint32_t ipv4_address)
         LOG_ERROR("Add SW Path Filter IP failure, ipv4_address:%d", ipv4_address);
         return failed_step(1, err);
     }
-    char text[INET_ADDRSTRLEN];
-    inet_ntop(AF_INET, &ipv4_address, text, sizeof(text));
-    LOG_INFO("Add SW Path Filter IP %s error %d", text, err);
+    LOG_INFO("Add SW Path Filter IP %s error %d", Ipv4Text(ipv4_address).c_str(), err);
     return result_of(err);
 }
 
@@ -407,9 +406,7 @@ uint32_t zr_nexa_lan_swpathfilter_del_v1(uint32_t ipv4_address)
         LOG_ERROR("Delete SW Path Filter IP failure, ipv4_address:%d", ipv4_address);
         return failed_step(1, err);
     }
-    char text[INET_ADDRSTRLEN];
-    inet_ntop(AF_INET, &ipv4_address, text, sizeof(text));
-    LOG_INFO("Delete SW Path Filter IP %s error %d", text, err);
+    LOG_INFO("Delete SW Path Filter IP %s error %d", Ipv4Text(ipv4_address).c_str(), err);
     return result_of(err);
 }
 

@@ -1,9 +1,10 @@
 // LAN services: DHCP reservations, packet statistics, connected devices, L2TP tunnels.
-#include <arpa/inet.h>
 #include <zr_nexa/lan_services.h>
 
 #include <cstring>
 
+#include "field_text.h"
+#include "ipv4_text.h"
 #include "session.h"
 
 namespace {
@@ -22,30 +23,11 @@ static_assert(sizeof(zr_nexa_lan_dhcp_reserv_record_t) == sizeof(qcmap_msgr_dhcp
                       offsetof(qcmap_msgr_dhcp_reservation_v01, enable),
               "the two reservations have one layout");
 
-// Texts for the records. An address is in network byte order.
-struct Ipv4Text {
-    char text[INET_ADDRSTRLEN];
-    explicit Ipv4Text(uint32_t address)
-    {
-        inet_ntop(AF_INET, &address, text, sizeof(text));
-    }
-};
-
 struct MacText {
     char text[18];
     explicit MacText(const uint8_t (&mac)[6])
     {
         ds_mac_addr_ntop(mac, text);
-    }
-};
-
-// A name that may fill its field without a zero.
-struct NameText {
-    char text[101];
-    explicit NameText(const char (&name)[100])
-    {
-        std::memcpy(text, name, sizeof(name));
-        text[100] = '\0';
     }
 };
 
@@ -149,7 +131,9 @@ uint32_t check_tunnel(const zr_nexa_lan_l2tp_cfg_t& config)
 using zr_nexa::clamped;
 using zr_nexa::client;
 using zr_nexa::failed_step;
+using zr_nexa::FieldText;
 using zr_nexa::guard;
+using zr_nexa::Ipv4Text;
 using zr_nexa::result_of;
 using zr_nexa::select_bridge;
 
@@ -160,8 +144,8 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_add_v1(const zr_nexa_lan_dhcp_reserv_rec
     qcmap_msgr_dhcp_reservation_v01 reservation = {};
     copy_reservation(&reservation, *record);
     LOG_INFO("Add a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
-             MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).text,
-             NameText(reservation.device_name).text, reservation.enable);
+             MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
+             FieldText(reservation.device_name).c_str(), reservation.enable);
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->AddDHCPReservRecord(&reservation, &err)) {
         LOG_ERROR("Failed to Add DHCP Reservation record. Error 0x%x.", err);
@@ -195,12 +179,12 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_edit_v1(uint32_t ip_address, const zr_ne
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (record == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).text);
+    LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());
     qcmap_msgr_dhcp_reservation_v01 reservation = {};
     copy_reservation(&reservation, *record);
     LOG_INFO("Edit a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
-             MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).text,
-             NameText(reservation.device_name).text, reservation.enable);
+             MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
+             FieldText(reservation.device_name).c_str(), reservation.enable);
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->EditDHCPReservRecord(&ip_address, &reservation, &err)) {
         LOG_ERROR("Failed to Edit DHCP Reservation record. Error 0x%x.", err);
@@ -213,7 +197,7 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_edit_v1(uint32_t ip_address, const zr_ne
 uint32_t zr_nexa_lan_dhcp_reserv_record_del_v1(uint32_t ip_address)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).text);  // a delete says "edit" too
+    LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());  // a delete says "edit" too
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->DeleteDHCPReservRecord(&ip_address, &err)) {
         LOG_ERROR("Failed to Delete DHCP Reservation record. Error 0x%x.", err);
@@ -289,8 +273,8 @@ uint32_t zr_nexa_lan_connected_device_info_get_v1(zr_nexa_lan_connected_device_t
     for (uint32_t i = 0; i < *count; ++i) {
         const qcmap_connected_device& device = list.device[i];
         copy_device(&devices[i], device);
-        LOG_INFO("[No %d]device type(%d), IP Addr(%s), MAC(%s)", i, device.device_type, Ipv4Text(device.ipv4_addr).text,
-                 MacText(device.mac).text);
+        LOG_INFO("[No %d]device type(%d), IP Addr(%s), MAC(%s)", i, device.device_type,
+                 Ipv4Text(device.ipv4_addr).c_str(), MacText(device.mac).text);
         // The record has room for 32 bits of each count.
         LOG_INFO("[No %d]RX bytes: %lu TX bytes: %lu", i,
                  static_cast<unsigned long>(static_cast<uint32_t>(device.rx_bytes)),

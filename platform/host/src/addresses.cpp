@@ -21,6 +21,16 @@ uint32_t ipv4_word(const std::string& text)
     return inet_pton(AF_INET, text.c_str(), &network) == 1 ? ntohl(network.s_addr) : 0;
 }
 
+std::string network_ipv4_text(uint32_t address)
+{
+    return ipv4_text(ntohl(address));
+}
+
+uint32_t network_ipv4_word(const std::string& text)
+{
+    return htonl(ipv4_word(text));
+}
+
 std::string ipv6_text(const uint8_t* bytes)
 {
     char text[INET6_ADDRSTRLEN] = "";

@@ -38,11 +38,11 @@ CREATE TABLE IF NOT EXISTS software_path_address (
 )";
 
 using mobile_ap::field_text;
-using mobile_ap::ipv4_text;
-using mobile_ap::ipv4_word;
 using mobile_ap::mac_bytes;
 using mobile_ap::mac_text;
 using mobile_ap::method;
+using mobile_ap::network_ipv4_text;
+using mobile_ap::network_ipv4_word;
 using mobile_ap::Query;
 using mobile_ap::read_method;
 using mobile_ap::set_field_text;
@@ -213,7 +213,7 @@ bool QCMAP_Client::ZR_AddIPToSWPathFilters(unsigned int ipv4_address, qmi_error_
     return method(session_, __func__, err, [&](Store& db) {
         if (ipv4_address == 0) return QMI_ERR_INVALID_ARG_V01;
         const int added =
-            db.run("INSERT OR IGNORE INTO software_path_address (address) VALUES (?)", ipv4_text(ntohl(ipv4_address)));
+            db.run("INSERT OR IGNORE INTO software_path_address (address) VALUES (?)", network_ipv4_text(ipv4_address));
         if (added == 0) return QMI_ERR_ALREADY_THERE_V01;
         const auto addresses = db.one<int>("SELECT count(*) FROM software_path_address");
         return addresses > QCMAP_MAX_SW_PATH_FILTERS ? QMI_ERR_LIMIT_V01 : QMI_ERR_NONE_V01;
@@ -224,7 +224,7 @@ bool QCMAP_Client::ZR_DeleteIPFromSWPathFilters(unsigned int ipv4_address, qmi_e
 {
     return method(session_, __func__, err, [&](Store& db) {
         const int deleted =
-            db.run("DELETE FROM software_path_address WHERE address = ?", ipv4_text(ntohl(ipv4_address)));
+            db.run("DELETE FROM software_path_address WHERE address = ?", network_ipv4_text(ipv4_address));
         return deleted == 0 ? QMI_ERR_NO_ENTRY_V01 : QMI_ERR_NONE_V01;
     });
 }
@@ -235,7 +235,7 @@ bool QCMAP_Client::ZR_GetIPFromSWPathFilters(qcmap_sw_path_filters_ex_ipv4_addr_
         *list = {};
         Query q = db.query("SELECT address FROM software_path_address ORDER BY number");
         while (list->count < QCMAP_MAX_SW_PATH_FILTERS && q.next()) {
-            list->address[list->count++] = htonl(ipv4_word(q.get<std::string>(0)));
+            list->address[list->count++] = network_ipv4_word(q.get<std::string>(0));
         }
         return QMI_ERR_NONE_V01;
     });

@@ -66,13 +66,13 @@ CREATE TABLE IF NOT EXISTS l2tp_session (
 )";
 
 using mobile_ap::field_text;
-using mobile_ap::ipv4_text;
-using mobile_ap::ipv4_word;
 using mobile_ap::ipv6_bytes;
 using mobile_ap::ipv6_text;
 using mobile_ap::mac_bytes;
 using mobile_ap::mac_text;
 using mobile_ap::method;
+using mobile_ap::network_ipv4_text;
+using mobile_ap::network_ipv4_word;
 using mobile_ap::Query;
 using mobile_ap::read_method;
 using mobile_ap::Refusal;
@@ -80,16 +80,6 @@ using mobile_ap::set_field_text;
 using mobile_ap::Store;
 
 namespace {
-
-std::string network_ipv4_text(uint32_t address)
-{
-    return ipv4_text(ntohl(address));
-}
-
-uint32_t network_ipv4_word(const std::string& text)
-{
-    return htonl(ipv4_word(text));
-}
 
 void check_reservation(const qcmap_msgr_dhcp_reservation_v01& record)
 {

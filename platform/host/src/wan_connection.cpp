@@ -36,10 +36,10 @@ END;
 
 using mobile_ap::indicate;
 using mobile_ap::ipv4_text;
-using mobile_ap::ipv4_word;
 using mobile_ap::ipv6_bytes;
 using mobile_ap::method;
 using mobile_ap::mobile_ap_handle;
+using mobile_ap::network_ipv4_word;
 using mobile_ap::Query;
 using mobile_ap::read_method;
 using mobile_ap::Refusal;
@@ -146,11 +146,11 @@ void fill_info(Store& db, uint32_t profile, qcmap_connected_wwan_info* info)
         info->profile_handle = profile;
         set_field_text(info->iface_name, sizeof info->iface_name, q.get<std::string>(1));
         if (q.get<int>(0) == 4) {
-            info->v4_addr = htonl(ipv4_word(q.get<std::string>(2)));
-            info->v4_netmask = htonl(ipv4_word(q.get<std::string>(3)));
-            info->v4_gw_addr = htonl(ipv4_word(q.get<std::string>(5)));
-            info->v4_pri_dns_addr = htonl(ipv4_word(q.get<std::string>(6)));
-            info->v4_sec_dns_addr = htonl(ipv4_word(q.get<std::string>(7)));
+            info->v4_addr = network_ipv4_word(q.get<std::string>(2));
+            info->v4_netmask = network_ipv4_word(q.get<std::string>(3));
+            info->v4_gw_addr = network_ipv4_word(q.get<std::string>(5));
+            info->v4_pri_dns_addr = network_ipv4_word(q.get<std::string>(6));
+            info->v4_sec_dns_addr = network_ipv4_word(q.get<std::string>(7));
             info->v4_mtu = q.get<uint32_t>(8);
         } else {
             ipv6_bytes(q.get<std::string>(2), info->v6_addr);
