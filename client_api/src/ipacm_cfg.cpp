@@ -51,7 +51,8 @@ void remove_children(pugi::xml_node parent)
 // Nothing is appended to a missing parent.
 void append_text_element(pugi::xml_node parent, const char* name, const char* text)
 {
-    const bool appended = parent.append_child(name).append_child(pugi::node_pcdata).set_value(text);
+    pugi::xml_node element = parent.append_child(pugi::node_element);
+    const bool appended = element.set_name(name) && element.append_child(pugi::node_pcdata).set_value(text);
     if (parent && !appended) throw std::bad_alloc();
 }
 
