@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "host_fixture.h"
+#include "program.h"
 #include "session.h"
 
 namespace {
@@ -299,7 +300,7 @@ TEST_F(IndicationsHostTest, SessionsOpenAndCloseWhileIndicationsFlow)
         PlainSession::client = new QCMAP_Client(PlainSession::callback, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
         EXPECT_TRUE(PlainSession::client->IsReady());
         EXPECT_TRUE(PlainSession::client->EnableMobileAP_Ext(&err, 65535));
-        std::this_thread::sleep_for(std::chrono::milliseconds(opened % 4));
+        std::this_thread::sleep_for(std::chrono::milliseconds(opened % 4 * (kEmulated ? 10 : 1)));
         EXPECT_TRUE(PlainSession::client->DisableMobileAP(&err));
         delete PlainSession::client;
         PlainSession::client = nullptr;
