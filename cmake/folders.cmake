@@ -21,13 +21,9 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${ZR_NEXA_BIN_FOLDER})
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${ZR_NEXA_LIB_FOLDER})
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${ZR_NEXA_LIB_FOLDER})
 
-# Run paths. CMake's own for a build folder are absolute, and filled up with an empty entry, which the loader takes for
-# the current folder: so the installed form is linked at once, unless the installed files are to have none.
-if(CMAKE_SKIP_INSTALL_RPATH)
-  set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-else()
-  set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
-endif()
+# CMake's own run paths for a build folder are absolute, and end in an empty entry, which the loader takes for the current
+# folder: so the installed form is linked at once. With CMAKE_SKIP_INSTALL_RPATH there is none, here and there.
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 file(RELATIVE_PATH ZR_NEXA_LIB_FROM_BIN /${ZR_NEXA_BIN_FOLDER} /${ZR_NEXA_LIB_FOLDER})
 set(ZR_NEXA_PROGRAM_RPATH "$ORIGIN/${ZR_NEXA_LIB_FROM_BIN}")
 set(ZR_NEXA_LIBRARY_RPATH "$ORIGIN")

@@ -1,5 +1,6 @@
 # zr_nexa_platform: the platform's headers and its four libraries, from a sysroot or from the host platform of this tree.
-# The link line is the same either way. zr_nexa_platform_headers: the headers alone.
+# The link line is the same either way. zr_nexa_platform_headers: the headers alone. The linker is told where the libraries
+# are also for what is linked with the client interface's library alone.
 add_library(zr_nexa_platform_headers INTERFACE)
 add_library(zr_nexa_platform INTERFACE)
 target_link_libraries(zr_nexa_platform INTERFACE zr_nexa_platform_headers)
@@ -11,6 +12,7 @@ endif()
 if(ZR_NEXA_HOST_PLATFORM)
   target_include_directories(zr_nexa_platform_headers INTERFACE ${PROJECT_SOURCE_DIR}/platform/include)
   target_link_libraries(zr_nexa_platform INTERFACE ${platform_libraries})
+  add_link_options(-Wl,-rpath-link,${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
   add_subdirectory(platform/host)
   return()
 endif()
@@ -66,7 +68,6 @@ if(missing)
     "Headers are looked for in its ${include_folders}, libraries in its ${lib_folders}. "
     "docs/module_build.md says what the sysroot must hold.")
 endif()
-# For what is linked with the client interface's library, which needs them in turn.
 list(REMOVE_DUPLICATES library_folders)
 foreach(folder ${library_folders})
   add_link_options(-Wl,-rpath-link,${folder})
