@@ -1,6 +1,8 @@
-// Exported symbols, version script, public headers, sweep rows and documentation name the same functions.
+// Exported symbols, version script, public headers, sweep rows and documentation name the same functions; public
+// headers and layouts the same records.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <zr_nexa/base.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -90,6 +92,20 @@ TEST(CompletenessTest, TheLibraryHoldsItsXmlParser)
     const std::string dynamic = output_of("readelf -d " ZR_NEXA_LIBRARY);
     EXPECT_THAT(dynamic, testing::HasSubstr("libqcmap_client.so"));
     EXPECT_THAT(dynamic, testing::Not(testing::HasSubstr("pugixml")));
+}
+
+TEST(CompletenessTest, EveryPublicRecordHasItsLayout)
+{
+    const Names records = all_matches(content_below(ZR_NEXA_INCLUDE_DIR, ".h"), "\\n\\} (\\w+);");
+    EXPECT_GT(records.size(), 4u);
+    EXPECT_EQ(all_matches(content_of(ZR_NEXA_LAYOUTS), "\\nSIZE\\((\\w+),"), records);
+}
+
+TEST(CompletenessTest, TheBuildHasTheHeadersVersion)
+{
+    EXPECT_EQ(std::to_string(ZR_NEXA_VERSION_MAJOR) + "." + std::to_string(ZR_NEXA_VERSION_MINOR) + "." +
+                  std::to_string(ZR_NEXA_VERSION_PATCH),
+              ZR_NEXA_VERSION);
 }
 
 TEST(CompletenessTest, EveryPublicFunctionStandsInTheSweep)

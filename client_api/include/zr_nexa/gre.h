@@ -7,7 +7,6 @@
 #ifndef ZR_NEXA_GRE_H
 #define ZR_NEXA_GRE_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -22,11 +21,6 @@ typedef struct zr_nexa_wan_gre_ipacfg_t {
     uint8_t num_of_subnet_masks;                        /* 0..2 */
     uint32_t subnet_mask[ZR_NEXA_GRE_MAX_SUBNETS];      /* network byte order */
 } zr_nexa_wan_gre_ipacfg_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_wan_gre_ipacfg_t) == 56, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, server_ipv4_addr) == 4, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, num_of_subnet_masks) == 44, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, subnet_mask) == 48, "the layout is fixed");
 
 /*
  * Writes the settings into the file. All that the file's GREFlag element held is replaced; with gre_enabled other than
