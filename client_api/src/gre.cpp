@@ -1,9 +1,6 @@
 // GRE offload in the IPA connection manager's configuration file.
 #include <zr_nexa/gre.h>
 
-#include <dlfcn.h>
-
-#include <atomic>
 #include <cstring>
 
 #include "ipacm_cfg.h"
@@ -13,20 +10,6 @@
 namespace {
 
 constexpr auto kLogSource = zr_nexa::LogSource::kGre;
-
-// Loads the library that does the work when it is first asked for; it stays.
-int32_t get_set_ipacm_config(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg)
-{
-    using Work = decltype(&ZR_GetSetIpacmConfigFromXML);
-    static std::atomic<Work> loaded = nullptr;  // threads that come together load it twice: that is the same library
-    Work work = loaded;
-    if (work == nullptr) {
-        void* const library = dlopen(ZR_NEXA_IPACM_CFG_LIBRARY, RTLD_NOW);
-        if (library != nullptr) work = reinterpret_cast<Work>(dlsym(library, "ZR_GetSetIpacmConfigFromXML"));
-        loaded = work;
-    }
-    return work != nullptr ? work(is_set, cfg) : ZR_NEXA_GRE_ERR_NO_LIBRARY;
-}
 
 }  // namespace
 
@@ -58,7 +41,7 @@ int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t* cfg)
         LOG_INFO("gre_config.subnet_mask[%d]:%s", i, Ipv4Text(local.subnet_mask[i]).c_str());
     }
     // Both texts below name the function without its area word: log readers know them so.
-    const int32_t result = get_set_ipacm_config(1, &local);
+    const int32_t result = ZR_GetSetIpacmConfigFromXML(1, &local);
     if (result != 0) {
         LOG_ERROR("zr_nexa_gre_ipacfg_set_v1 failed, ret:%d", result);
         return result;
@@ -75,7 +58,7 @@ int32_t zr_nexa_wan_gre_ipacfg_get_v1(zr_nexa_wan_gre_ipacfg_t* cfg)
         return ZR_NEXA_ERR_ARGUMENT;
     }
     zr_nexa_wan_gre_ipacfg_t local = {};
-    const int32_t result = get_set_ipacm_config(0, &local);
+    const int32_t result = ZR_GetSetIpacmConfigFromXML(0, &local);
     if (result != 0) {
         LOG_ERROR("zr_nexa_gre_ipacfg_get_v1 failed, ret:%d", result);
         return result;

@@ -1,6 +1,7 @@
 // LAN services: DHCP reservations, packet statistics, connected devices, L2TP tunnels.
 #include <zr_nexa/lan_services.h>
 
+#include <cstddef>
 #include <cstring>
 
 #include "field_text.h"

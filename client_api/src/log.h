@@ -27,7 +27,7 @@ enum class LogSource : uint16_t {
     kAlg,
     kFirewall,
     kUpnp,
-    kIpacmCfg,  // in a library of its own
+    kIpacmCfg,
 };
 
 constexpr int kLinesPerSource = 2000;

@@ -11,6 +11,9 @@ namespace {
 
 constexpr auto kLogSource = zr_nexa::LogSource::kWanConnection;
 
+// The platform's own record here.
+static_assert(sizeof(qcmap_msgr_wwan_statistics_type_v01) == 32, "callers receive these 32 bytes whole");
+
 }  // namespace
 
 using zr_nexa::clamped;
