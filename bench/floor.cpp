@@ -1,13 +1,14 @@
-// The floor: the platform calls of "NAT Type set 1 2" in their order, the verdict and the pause. Nothing here is the
-// command's own: neither its library and heap nor the C library's output.
+// The floor: the platform calls of "NAT Type set 1 2" in their order, on an object on the heap as the service's users have
+// it, the verdict through puts, and the pause. Nothing here is the command's own.
 #include <diag_msg.h>
 #include <qcmap_client.h>
 #include <unistd.h>
 
+#include <cstdio>
+
 namespace {
 
 constexpr msg_const_type kRecord = {1, 65, MSG_LEVEL_HIGH, "[%s]%s()", "floor"};
-constexpr char kVerdict[] = "CMD OK\r\n";
 
 void ignore_indication(qmi_client_type, unsigned int, void*, unsigned int, void*) {}
 
@@ -20,15 +21,17 @@ bool set_nat_type()
 {
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     write_record("init", 0, 0);
-    QCMAP_Client client(ignore_indication, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
-    if (!client.IsReady() || !client.EnableMobileAP_Ext(&err, 65535)) return false;
+    auto* const client = new QCMAP_Client(ignore_indication, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+    if (!client->IsReady() || !client->EnableMobileAP_Ext(&err, 65535)) return false;
     write_record("set", 0, 0);
-    if (!client.SetWWANProfileHandlePreference(1, &err)) return false;
-    if (!client.SetNatType(QCMAP_MSGR_NAT_FULL_CONE_V01, &err)) return false;
+    if (!client->SetWWANProfileHandlePreference(1, &err)) return false;
+    if (!client->SetNatType(QCMAP_MSGR_NAT_FULL_CONE_V01, &err)) return false;
     write_record("set", 1, 2);
-    if (write(STDOUT_FILENO, kVerdict, sizeof(kVerdict) - 1) < 0) return false;
+    puts("CMD OK\r");
     write_record("uninit", 0, 0);
-    return client.DisableMobileAP(&err);
+    const bool closed = client->DisableMobileAP(&err);
+    delete client;
+    return closed;
 }
 
 }  // namespace

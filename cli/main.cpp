@@ -15,13 +15,10 @@ namespace {
 char output_buffer[65536];
 
 // From here on the run ends by itself; a second end must not begin inside the first.
-void block_ending_signals()
+void ignore_ending_signals()
 {
-    sigset_t ending;
-    sigemptyset(&ending);
-    sigaddset(&ending, SIGTERM);
-    sigaddset(&ending, SIGINT);
-    sigprocmask(SIG_BLOCK, &ending, nullptr);
+    signal(SIGTERM, SIG_IGN);
+    signal(SIGINT, SIG_IGN);
 }
 
 void on_signal(int signo)
@@ -30,7 +27,7 @@ void on_signal(int signo)
         printf("Receiver unexpected signal %d\r\n", signo);  // GCOVR_EXCL_LINE
         return;                                              // GCOVR_EXCL_LINE
     }
-    block_ending_signals();
+    ignore_ending_signals();
     zr_nexa_client_uninit();
     exit(0);
 }
@@ -53,6 +50,6 @@ int main(int argc, char** argv)
         zr_nexa_print_menu(argc, argv);
     }
     const unsigned int unslept = sleep(1);
-    block_ending_signals();
+    ignore_ending_signals();
     return static_cast<int>(unslept);
 }
