@@ -25,14 +25,14 @@ constexpr uint32_t kReportKinds = 2;  // reports of kind 0 and 1 are handed on
 
 // The status lines. Each takes profile, subscription, call-end type and call-end code. Log readers look for them as
 // they are, the two spellings of the IP families and the missing "c" of the status changes included.
-constexpr msg_const_type kBringUpV4Connected = LOG_RECORD(
+constexpr msg_const_type kBringUpV4Connected = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH, "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV4 WWAN Connected (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kBringUpV6Connected = LOG_RECORD(
+constexpr msg_const_type kBringUpV6Connected = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH, "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV6 WWAN Connected (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kBringUpV4Failed = LOG_RECORD(
+constexpr msg_const_type kBringUpV4Failed = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH,
     "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV4 WWAN Connecting Failed (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kBringUpV6Failed = LOG_RECORD(
+constexpr msg_const_type kBringUpV6Failed = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH,
     "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV6 WWAN Connecting Failed (CallendType=%d CallendCode=%d)");
 
@@ -52,16 +52,16 @@ const msg_const_type* bring_up_text(uint32_t status)
     }
 }
 
-constexpr msg_const_type kTearDownV4Disconnected =
-    LOG_RECORD(MSG_LEVEL_HIGH,
-               "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV4 WWAN Disconnected (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kTearDownV4Failed = LOG_RECORD(
+constexpr msg_const_type kTearDownV4Disconnected = ZR_LOG_RECORD(
+    MSG_LEVEL_HIGH,
+    "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV4 WWAN Disconnected (CallendType=%d CallendCode=%d)");
+constexpr msg_const_type kTearDownV4Failed = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH,
     "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV4 WWAN Disconnecting Failed (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kTearDownV6Disconnected =
-    LOG_RECORD(MSG_LEVEL_HIGH,
-               "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV6 WWAN Disconnected (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kTearDownV6Failed = LOG_RECORD(
+constexpr msg_const_type kTearDownV6Disconnected = ZR_LOG_RECORD(
+    MSG_LEVEL_HIGH,
+    "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV6 WWAN Disconnected (CallendType=%d CallendCode=%d)");
+constexpr msg_const_type kTearDownV6Failed = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH,
     "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPV6 WWAN Disconnecting Failed (CallendType=%d CallendCode=%d)");
 
@@ -82,39 +82,39 @@ const msg_const_type* tear_down_text(uint32_t status)
 }
 
 constexpr msg_const_type kStatusV4Connecting =
-    LOG_RECORD(MSG_LEVEL_HIGH,
-               "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv4 WWAN Connecting (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kStatusV4ConnectingFail = LOG_RECORD(
+    ZR_LOG_RECORD(MSG_LEVEL_HIGH,
+                  "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv4 WWAN Connecting (CallendType=%d CallendCode=%d)");
+constexpr msg_const_type kStatusV4ConnectingFail = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH,
     "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv4 WWAN Connecting Fail (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kStatusV4Connected = LOG_RECORD(
+constexpr msg_const_type kStatusV4Connected = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH, "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv4 WWAN Connected (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kStatusV4Disconnecting =
-    LOG_RECORD(MSG_LEVEL_HIGH,
-               "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv4 WWAN Disonnecting (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kStatusV4DisconnectingFail = LOG_RECORD(
+constexpr msg_const_type kStatusV4Disconnecting = ZR_LOG_RECORD(
+    MSG_LEVEL_HIGH,
+    "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv4 WWAN Disonnecting (CallendType=%d CallendCode=%d)");
+constexpr msg_const_type kStatusV4DisconnectingFail = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH,
     "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv4 WWAN Disonnecting Fail (CallendType=%d CallendCode=%d)");
 constexpr msg_const_type kStatusV4Disconnected =
-    LOG_RECORD(MSG_LEVEL_HIGH,
-               "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv4 WWAN Disonnected (CallendType=%d CallendCode=%d)");
+    ZR_LOG_RECORD(MSG_LEVEL_HIGH,
+                  "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv4 WWAN Disonnected (CallendType=%d CallendCode=%d)");
 constexpr msg_const_type kStatusV6Connecting =
-    LOG_RECORD(MSG_LEVEL_HIGH,
-               "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv6 WWAN Connecting (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kStatusV6ConnectingFail = LOG_RECORD(
+    ZR_LOG_RECORD(MSG_LEVEL_HIGH,
+                  "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv6 WWAN Connecting (CallendType=%d CallendCode=%d)");
+constexpr msg_const_type kStatusV6ConnectingFail = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH,
     "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv6 WWAN Connecting Fail (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kStatusV6Connected = LOG_RECORD(
+constexpr msg_const_type kStatusV6Connected = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH, "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv6 WWAN Connected (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kStatusV6Disconnecting =
-    LOG_RECORD(MSG_LEVEL_HIGH,
-               "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv6 WWAN Disonnecting (CallendType=%d CallendCode=%d)");
-constexpr msg_const_type kStatusV6DisconnectingFail = LOG_RECORD(
+constexpr msg_const_type kStatusV6Disconnecting = ZR_LOG_RECORD(
+    MSG_LEVEL_HIGH,
+    "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv6 WWAN Disonnecting (CallendType=%d CallendCode=%d)");
+constexpr msg_const_type kStatusV6DisconnectingFail = ZR_LOG_RECORD(
     MSG_LEVEL_HIGH,
     "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv6 WWAN Disonnecting Fail (CallendType=%d CallendCode=%d)");
 constexpr msg_const_type kStatusV6Disconnected =
-    LOG_RECORD(MSG_LEVEL_HIGH,
-               "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv6 WWAN Disonnected (CallendType=%d CallendCode=%d)");
+    ZR_LOG_RECORD(MSG_LEVEL_HIGH,
+                  "zr_nexa_inds_cb: WWANProfile=%d (Subs_Id=%d) IPv6 WWAN Disonnected (CallendType=%d CallendCode=%d)");
 
 const msg_const_type* status_text(uint32_t status)
 {
@@ -155,7 +155,7 @@ bool decode(qmi_client_type user_handle, unsigned int msg_id, const void* ind_bu
     const int error =
         qmi_client_message_decode(user_handle, QMI_IDL_INDICATION, msg_id, ind_buf, ind_buf_len, record, record_len);
     if (error == QMI_NO_ERR) return true;
-    LOG_ERROR_AS(kFunction, "zr_nexa_inds_cb: qmi_client_message_decode error %d", error);
+    ZR_LOG_ERROR_AS(kFunction, "zr_nexa_inds_cb: qmi_client_message_decode error %d", error);
     return false;
 }
 
@@ -173,17 +173,17 @@ void take_call(const qcmap_wwan_call_ind& call, const msg_const_type& text, zr_n
 
 void log_addresses(const qcmap_msgr_bring_up_wwan_ind_msg_v01& bring_up)
 {
-    LOG_INFO_AS(kFunction, "Interface Name                 : %s", FieldText(bring_up.iface_name).c_str());
-    LOG_INFO_AS(kFunction, "Public IPv4 Address            : %s", Ipv4Text(bring_up.v4_addr).c_str());
-    LOG_INFO_AS(kFunction, "Primary DNS IPv4 Address       : %s", Ipv4Text(bring_up.v4_pri_dns_addr).c_str());
-    LOG_INFO_AS(kFunction, "Seccondary DNS IPv4 Address    : %s", Ipv4Text(bring_up.v4_sec_dns_addr).c_str());
+    ZR_LOG_INFO_AS(kFunction, "Interface Name                 : %s", FieldText(bring_up.iface_name).c_str());
+    ZR_LOG_INFO_AS(kFunction, "Public IPv4 Address            : %s", Ipv4Text(bring_up.v4_addr).c_str());
+    ZR_LOG_INFO_AS(kFunction, "Primary DNS IPv4 Address       : %s", Ipv4Text(bring_up.v4_pri_dns_addr).c_str());
+    ZR_LOG_INFO_AS(kFunction, "Seccondary DNS IPv4 Address    : %s", Ipv4Text(bring_up.v4_sec_dns_addr).c_str());
     char v6[INET6_ADDRSTRLEN];
     inet_ntop(AF_INET6, bring_up.v6_addr, v6, sizeof(v6));
-    LOG_INFO_AS(kFunction, "Public IPv6 Address            : %s", v6);
+    ZR_LOG_INFO_AS(kFunction, "Public IPv6 Address            : %s", v6);
     inet_ntop(AF_INET6, bring_up.v6_pri_dns_addr, v6, sizeof(v6));
-    LOG_INFO_AS(kFunction, "Primary DNS IPv6 Address       : %s", v6);
+    ZR_LOG_INFO_AS(kFunction, "Primary DNS IPv6 Address       : %s", v6);
     inet_ntop(AF_INET6, bring_up.v6_sec_dns_addr, v6, sizeof(v6));
-    LOG_INFO_AS(kFunction, "Seccondary DNS IPv6 Address    : %s", v6);
+    ZR_LOG_INFO_AS(kFunction, "Seccondary DNS IPv6 Address    : %s", v6);
 }
 
 void take_addresses(const qcmap_msgr_bring_up_wwan_ind_msg_v01& bring_up, zr_nexa_ind_call_event_t* event)
@@ -258,10 +258,10 @@ void zr_nexa_inds_cb(qmi_client_type user_handle, unsigned int msg_id, void* ind
                      void* /* ind_cb_data */)
 {
     if (client == nullptr) {
-        LOG_ERROR("qcmap client not Initialize!");
+        ZR_LOG_ERROR("qcmap client not Initialize!");
         return;
     }
-    LOG_INFO("zr_nexa_inds_cb: user_handle %p msg_id %d ind_buf_len %d.", user_handle, msg_id, ind_buf_len);
+    ZR_LOG_INFO("zr_nexa_inds_cb: user_handle %p msg_id %d ind_buf_len %d.", user_handle, msg_id, ind_buf_len);
     switch (msg_id) {
         case QCMAP_MSGR_BRING_UP_WWAN_IND_V01:
             on_bring_up(user_handle, msg_id, ind_buf, ind_buf_len);

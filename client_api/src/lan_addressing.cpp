@@ -25,15 +25,15 @@ using zr_nexa::Ipv4Text;
 
 void log_dhcp_cfg(const char* function, uint32_t lan_id, const zr_nexa_lan_dhcp_cfg_t& cfg)
 {
-    LOG_INFO_AS(function, "LAN_ID=%d GatewayIP=%s", lan_id, Ipv4Text(htonl(cfg.gateway_ip)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d Netmask=%s", lan_id, Ipv4Text(htonl(cfg.netmask)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPStartIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_start_ip)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPEndIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_end_ip)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPLeaseTime=%d", lan_id, cfg.lease_time);
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPMTU=%d", lan_id, cfg.mtu);
-    LOG_INFO_AS(function, "LAN_ID=%d DNSMode=%d PriDNSAddr=%s", lan_id, cfg.dns_mode,
-                Ipv4Text(htonl(cfg.primary_dns)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d SecDNSAddr=%s", lan_id, Ipv4Text(htonl(cfg.secondary_dns)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d GatewayIP=%s", lan_id, Ipv4Text(htonl(cfg.gateway_ip)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d Netmask=%s", lan_id, Ipv4Text(htonl(cfg.netmask)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DHCPStartIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_start_ip)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DHCPEndIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_end_ip)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DHCPLeaseTime=%d", lan_id, cfg.lease_time);
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DHCPMTU=%d", lan_id, cfg.mtu);
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DNSMode=%d PriDNSAddr=%s", lan_id, cfg.dns_mode,
+                   Ipv4Text(htonl(cfg.primary_dns)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d SecDNSAddr=%s", lan_id, Ipv4Text(htonl(cfg.secondary_dns)).c_str());
 }
 
 }  // namespace
@@ -52,10 +52,10 @@ uint32_t zr_nexa_lan_gwurl_set_v1(const char* url)
     // The service only reads the text, although it does not say so.
     auto* const text = reinterpret_cast<unsigned char*>(const_cast<char*>(url));
     if (!client->SetGatewayUrl(text, static_cast<unsigned int>(strlen(url)), &err)) {
-        LOG_ERROR("Set gateway url error %d, gwurl:%s", err, url);
+        ZR_LOG_ERROR("Set gateway url error %d, gwurl:%s", err, url);
         return failed_step(1, err);
     }
-    LOG_INFO("Set gateway url:%s, error %d", url, err);
+    ZR_LOG_INFO("Set gateway url:%s, error %d", url, err);
     return result_of(err);
 }
 
@@ -65,39 +65,39 @@ uint32_t zr_nexa_lan_gwurl_get_v1(char* url, uint32_t* len)
     if (url == nullptr || len == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetGatewayUrl(reinterpret_cast<unsigned char*>(url), len, &err)) {
-        LOG_ERROR("Get gateway url error %d, gwurl:%s gwurl_len=%d", err, BoundedUrl(url).text, *len);
+        ZR_LOG_ERROR("Get gateway url error %d, gwurl:%s gwurl_len=%d", err, BoundedUrl(url).text, *len);
         return failed_step(1, err);
     }
-    LOG_INFO("Get gateway url:%s gwurl_len=%d, error %d", BoundedUrl(url).text, *len, err);
+    ZR_LOG_INFO("Get gateway url:%s gwurl_len=%d, error %d", BoundedUrl(url).text, *len, err);
     return result_of(err);
 }
 
 uint32_t zr_nexa_lan_dhcp_srvctl_set_v1(uint32_t lan_id, int32_t enable)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    LOG_INFO("lan_id: %d", lan_id);
+    ZR_LOG_INFO("lan_id: %d", lan_id);
     if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SelectLANBridge(static_cast<short>(lan_id), &err)) {
         // No such bridge yet: the switch is kept as the default for bridges to come.
         if (!client->ZR_SetDefaultEnableDHCP(static_cast<qcmap_msgr_config_state_enum_v01>(enable & 1), &err)) {
-            LOG_ERROR("Set ZR DHCP Default Action failure");
+            ZR_LOG_ERROR("Set ZR DHCP Default Action failure");
             return failed_step(1, err);
         }
-        LOG_INFO("Set ZR DHCP Default Action successfully ");
+        ZR_LOG_INFO("Set ZR DHCP Default Action successfully ");
         return result_of(err);
     }
     qcmap_msgr_lan_config_v01 lan = {};
     if (!client->GetLANConfig(&lan, &err)) {
-        LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, enable, err);
+        ZR_LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, enable, err);
         return failed_step(2, err);
     }
     lan.enable_dhcp = static_cast<uint8_t>(enable);
     if (!client->SetLANConfig(lan, &err)) {
-        LOG_ERROR("Set LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, enable, err);
+        ZR_LOG_ERROR("Set LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, enable, err);
         return failed_step(3, err);
     }
-    LOG_INFO("Set LAN ID %d DHCP Server(enable_dhcp=%x) config successfully", lan_id, static_cast<uint32_t>(enable));
+    ZR_LOG_INFO("Set LAN ID %d DHCP Server(enable_dhcp=%x) config successfully", lan_id, static_cast<uint32_t>(enable));
     return result_of(err);
 }
 
@@ -109,16 +109,16 @@ uint32_t zr_nexa_lan_dhcp_srvctl_get_v1(uint32_t lan_id, uint32_t* enable)
     if (!client->SelectLANBridge(static_cast<short>(lan_id), &err)) {
         qcmap_msgr_config_state_enum_v01 state = QCMAP_MSGR_CONFIG_STATE_OFF_V01;
         if (!client->ZR_GetDefaultEnableDHCP(&state, &err)) {
-            LOG_ERROR("Get ZR DHCP Default Action failure");
+            ZR_LOG_ERROR("Get ZR DHCP Default Action failure");
             return failed_step(1, err);
         }
         *enable = state == QCMAP_MSGR_CONFIG_STATE_ON_V01 ? 1 : 0;
-        LOG_INFO("Get ZR DHCP Default Action successfully: %d", *enable);
+        ZR_LOG_INFO("Get ZR DHCP Default Action successfully: %d", *enable);
         return result_of(err);
     }
     qcmap_msgr_lan_config_v01 lan = {};
     if (!client->GetLANConfig(&lan, &err)) {
-        LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, lan.enable_dhcp, err);
+        ZR_LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, lan.enable_dhcp, err);
         return failed_step(2, err);
     }
     *enable = lan.enable_dhcp;
@@ -149,16 +149,16 @@ uint32_t zr_nexa_lan_dhcp_set_v1(uint32_t lan_id, const zr_nexa_lan_dhcp_cfg_t* 
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_lan_config_v01 current = {};
     if (!client->GetLANConfig(&current, &err)) {
-        LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, current.enable_dhcp, err);
+        ZR_LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, current.enable_dhcp, err);
         return failed_step(2, err);
     }
     lan.enable_dhcp = current.enable_dhcp;
     if (!client->SetLANConfig(lan, &err)) {
-        LOG_ERROR("Set LAN (LAN_ID=%d) config error %d", lan_id, err);
+        ZR_LOG_ERROR("Set LAN (LAN_ID=%d) config error %d", lan_id, err);
         return failed_step(3, err);
     }
     if (!client->ActivateLAN(&err)) {
-        LOG_ERROR("Activate LAN (LAN_ID=%d) error %d", lan_id, err);
+        ZR_LOG_ERROR("Activate LAN (LAN_ID=%d) error %d", lan_id, err);
         return failed_step(4, err);
     }
     return result_of(err);
@@ -173,7 +173,7 @@ uint32_t zr_nexa_lan_dhcp_get_v1(uint32_t lan_id, zr_nexa_lan_dhcp_cfg_t* cfg)
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_lan_config_v01 lan = {};
     if (!client->GetLANConfig(&lan, &err)) {
-        LOG_ERROR("Get LAN (LAN_ID=%d) config error %d", lan_id, err);
+        ZR_LOG_ERROR("Get LAN (LAN_ID=%d) config error %d", lan_id, err);
         return failed_step(2, err);
     }
     cfg->gateway_ip = lan.gateway_ip;
@@ -197,11 +197,11 @@ uint32_t zr_nexa_lan_dhcp_default_action_get_v1(uint8_t* enable)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     qcmap_msgr_config_state_enum_v01 state = QCMAP_MSGR_CONFIG_STATE_OFF_V01;
     if (!client->ZR_GetDefaultEnableDHCP(&state, &err)) {
-        LOG_ERROR("Get DHCP Default Action failure");
+        ZR_LOG_ERROR("Get DHCP Default Action failure");
         return failed_step(1, err);
     }
     *enable = state == QCMAP_MSGR_CONFIG_STATE_ON_V01 ? 1 : 0;
-    LOG_INFO("Get DHCP Default Action successfully: %d", *enable);
+    ZR_LOG_INFO("Get DHCP Default Action successfully: %d", *enable);
     return result_of(err);
 }
 
@@ -210,10 +210,10 @@ uint32_t zr_nexa_lan_dhcp_default_action_set_v1(uint32_t state)
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->ZR_SetDefaultEnableDHCP(static_cast<qcmap_msgr_config_state_enum_v01>(state), &err)) {
-        LOG_ERROR("Set DHCP Default Action failure");
+        ZR_LOG_ERROR("Set DHCP Default Action failure");
         return failed_step(1, err);
     }
-    LOG_INFO("Set DHCP Default Action successfully ");
+    ZR_LOG_INFO("Set DHCP Default Action successfully ");
     return result_of(err);
 }
 
@@ -224,27 +224,27 @@ uint32_t zr_nexa_lan_ipv4v6_set_v1(uint32_t ipv4, uint32_t ipv6)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (ipv4 == 1) {
         if (!client->EnableIPV4(&err)) {
-            LOG_ERROR("Enable NEXA IPv4 cfg error %d", err);
+            ZR_LOG_ERROR("Enable NEXA IPv4 cfg error %d", err);
             return failed_step(1, err);
         }
     } else {
         if (!client->DisableIPV4(&err)) {
-            LOG_ERROR("Disable NEXA IPv4 cfg error %d", err);
+            ZR_LOG_ERROR("Disable NEXA IPv4 cfg error %d", err);
             return failed_step(2, err);
         }
     }
     if (ipv6 == 1) {
         if (!client->EnableIPV6(&err)) {
-            LOG_ERROR("Enable NEXA IPv6 cfg error %d", err);
+            ZR_LOG_ERROR("Enable NEXA IPv6 cfg error %d", err);
             return failed_step(3, err);
         }
     } else {
         if (!client->DisableIPV6(&err)) {
-            LOG_ERROR("Disable NEXA IPv6 cfg error %d", err);
+            ZR_LOG_ERROR("Disable NEXA IPv6 cfg error %d", err);
             return failed_step(4, err);
         }
     }
-    LOG_INFO("Set IPv4 cfg:%d, IPv6 cfg:%d, error %d", ipv4, ipv6, err);
+    ZR_LOG_INFO("Set IPv4 cfg:%d, IPv6 cfg:%d, error %d", ipv4, ipv6, err);
     return result_of(err);
 }
 
@@ -256,16 +256,16 @@ uint32_t zr_nexa_lan_ipv4v6_get_v1(uint8_t* ipv4, uint8_t* ipv6)
     unsigned char v4_state = 0;
     // The tags begin with the second: callers know them so.
     if (!client->GetIPv4State(&v4_state, &err)) {
-        LOG_ERROR("Get NEXA IPv4 cfg error %d", err);
+        ZR_LOG_ERROR("Get NEXA IPv4 cfg error %d", err);
         return failed_step(2, err);
     }
     *ipv4 = v4_state;
     unsigned char v6_state = 0;
     if (!client->GetIPv6State(&v6_state, &err)) {
-        LOG_ERROR("Get NEXA IPv6 cfg error %d", err);
+        ZR_LOG_ERROR("Get NEXA IPv6 cfg error %d", err);
         return failed_step(3, err);
     }
     *ipv6 = v6_state;
-    LOG_INFO("Get NEXA IPv4 cfg %d, IPv6 cfg %d, error %d", v4_state, v6_state, err);
+    ZR_LOG_INFO("Get NEXA IPv4 cfg %d, IPv6 cfg %d, error %d", v4_state, v6_state, err);
     return result_of(err);
 }

@@ -112,10 +112,11 @@ uint32_t zr_nexa_lan_ipptnat_set_v1(uint32_t mode)
     const uint32_t feature_mode = config.feature_mode;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SetFeatureMode(kPassthroughNatFeature, &config, &err)) {
-        LOG_ERROR("Set Feature Mode error %d, features=%d feature_mode=%d", err, kPassthroughNatFeature, feature_mode);
+        ZR_LOG_ERROR("Set Feature Mode error %d, features=%d feature_mode=%d", err, kPassthroughNatFeature,
+                     feature_mode);
         return failed_step(1, err);
     }
-    LOG_INFO("Set Feature Mode %d, error %d", feature_mode, err);
+    ZR_LOG_INFO("Set Feature Mode %d, error %d", feature_mode, err);
     return result_of(err);
 }
 
@@ -127,7 +128,7 @@ uint32_t zr_nexa_lan_ipptnat_get_v1(uint8_t* mode_out)
     qcmap_client_feature_mode_config config = {};
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetFeatureMode(&features, &config, &err)) {
-        LOG_ERROR("Get Feature Mode error %d", err);
+        ZR_LOG_ERROR("Get Feature Mode error %d", err);
         return failed_step(1, err);
     }
     if ((features & kPassthroughNatFeature) == 0) return ZR_NEXA_LAN_IPPTNAT_ERR_NO_FEATURE;
@@ -144,7 +145,7 @@ uint32_t zr_nexa_lan_ipptnat_get_v1(uint8_t* mode_out)
         default:
             return ZR_NEXA_LAN_IPPTNAT_ERR_UNKNOWN_MODE;
     }
-    LOG_INFO("Get Feature Mode %d, error %d", config.feature_mode, err);
+    ZR_LOG_INFO("Get Feature Mode %d, error %d", config.feature_mode, err);
     return result_of(err);
 }
 
@@ -158,16 +159,16 @@ uint32_t zr_nexa_lan_ipptnatpdn_set_v1(uint32_t lan_id, int8_t pdn)
     // A refused bridge is not logged here, nor in the get function.
     if (!client->SelectLANBridge(static_cast<short>(lan_id), &err)) return failed_step(1, err);
     if (!client->ZR_SetIPPTNATPDN(pdn, &err)) {
-        LOG_ERROR("Set IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, pdn);
+        ZR_LOG_ERROR("Set IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, pdn);
         return failed_step(2, err);
     }
     int kept = ZR_NEXA_LAN_IPPTNAT_DEFAULT;
     if (!client->ZR_GetIPPTNATPDN(&kept, &err)) {
-        LOG_ERROR("Get IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, kept);
+        ZR_LOG_ERROR("Get IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, kept);
         return failed_step(3, err);
     }
     if (kept != pdn) return ZR_NEXA_LAN_IPPTNATPDN_ERR_DIFFERS;
-    LOG_INFO("Set IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, pdn);
+    ZR_LOG_INFO("Set IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, pdn);
     return result_of(err);
 }
 
@@ -179,13 +180,13 @@ uint32_t zr_nexa_lan_ipptnatpdn_get_v1(uint32_t lan_id, int8_t* pdn_out)
     if (!client->SelectLANBridge(static_cast<short>(lan_id), &err)) return failed_step(1, err);
     int pdn = ZR_NEXA_LAN_IPPTNAT_DEFAULT;
     if (!client->ZR_GetIPPTNATPDN(&pdn, &err)) {
-        LOG_ERROR("Get IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, *pdn_out);
+        ZR_LOG_ERROR("Get IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, *pdn_out);
         return failed_step(2, err);
     }
     if (pdn >= ZR_NEXA_LAN_IPPTNAT_DEFAULT && pdn <= ZR_NEXA_LAN_IPPTNAT_WITH_NAT_ONE_DEVICE) {
         *pdn_out = static_cast<int8_t>(pdn);
     }
-    LOG_INFO("Get IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, *pdn_out);
+    ZR_LOG_INFO("Get IPPTNATPDN error %d, lan=%d IPPTNATPDN=%d", err, lan_id, *pdn_out);
     return result_of(err);
 }
 
@@ -200,10 +201,10 @@ uint32_t zr_nexa_lan_ippt_set_v1(const zr_nexa_lan_ippt_t* rec)
 
     const FieldText host_mac(rec->host_mac);
     const FieldText host_name(rec->host_name);
-    LOG_INFO("Set IP Passthrough Config (LAN_ID=%d):ippt_adaptive=%d ippt_mode=%d", rec->lan_id, rec->ippt_adaptive,
-             rec->ippt_mode);
-    LOG_INFO("Set IP Passthrough Config (LAN_ID=%d):host_mac=%s host_name=%s", rec->lan_id, host_mac.c_str(),
-             host_name.c_str());
+    ZR_LOG_INFO("Set IP Passthrough Config (LAN_ID=%d):ippt_adaptive=%d ippt_mode=%d", rec->lan_id, rec->ippt_adaptive,
+                rec->ippt_mode);
+    ZR_LOG_INFO("Set IP Passthrough Config (LAN_ID=%d):host_mac=%s host_name=%s", rec->lan_id, host_mac.c_str(),
+                host_name.c_str());
 
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SelectLANBridge(static_cast<short>(rec->lan_id), &err)) return failed_step(1, err);
@@ -264,7 +265,7 @@ uint32_t zr_nexa_lan_ippt_get_v1(zr_nexa_lan_ippt_t* rec)
     qcmap_msgr_ip_passthrough_mode_enum_v01 mode = QCMAP_MSGR_IP_PASSTHROUGH_MODE_DISABLED_V01;
     qcmap_msgr_ip_passthrough_config_v01 config = {};
     if (!client->GetIPPassthroughConfig(&mode, &config, &err)) {
-        LOG_ERROR("Get IP Passthrough Config (LAN_ID=%d) error %d", rec->lan_id, err);
+        ZR_LOG_ERROR("Get IP Passthrough Config (LAN_ID=%d) error %d", rec->lan_id, err);
         return failed_step(2, err);
     }
     if (mode == QCMAP_MSGR_IP_PASSTHROUGH_MODE_DISABLED_V01) {
@@ -301,12 +302,12 @@ uint32_t zr_nexa_lan_ipptgwfilter_add_v1(uint32_t lan_id, uint32_t protocol, uin
     qcmap_msgr_sw_path_filters_conf_t filters = {};
     filters.request = kFilterRequest;
     if (!client->GetIPPassthroughSoftwarePathFilters(&filters, &err)) {
-        LOG_ERROR("Get IPPT SW Filters error %d", err);
+        ZR_LOG_ERROR("Get IPPT SW Filters error %d", err);
         return failed_step(2, err);
     }
     const uint32_t count = clamped(uint32_t{filters.count}, QCMAP_MAX_SW_PATH_FILTERS);
     if (count == QCMAP_MAX_SW_PATH_FILTERS) {
-        LOG_ERROR("IPPT SW Filters config full, number of filters:%d", count);
+        ZR_LOG_ERROR("IPPT SW Filters config full, number of filters:%d", count);
         return ZR_NEXA_LAN_IPPTGWFILTER_ERR_COUNT;
     }
     qcmap_sw_path_filter& added = filters.filter[count];
@@ -316,7 +317,7 @@ uint32_t zr_nexa_lan_ipptgwfilter_add_v1(uint32_t lan_id, uint32_t protocol, uin
     filters.request = kFilterRequest;
     filters.count = static_cast<uint8_t>(count + 1);
     if (!client->SetIPPassthroughSoftwarePathFilters(&filters, &err)) {
-        LOG_ERROR("Set IPPT SW Filters error %d", err);
+        ZR_LOG_ERROR("Set IPPT SW Filters error %d", err);
         return failed_step(3, err);
     }
     return result_of(err);
@@ -332,7 +333,7 @@ uint32_t zr_nexa_lan_ipptgwfilter_get_v1(uint32_t lan_id, zr_nexa_lan_ipptgwfilt
     qcmap_msgr_sw_path_filters_conf_t filters = {};
     filters.request = kFilterRequest;
     if (!client->GetIPPassthroughSoftwarePathFilters(&filters, &err)) {
-        LOG_ERROR("Get IPPT SW Filters error %d", err);
+        ZR_LOG_ERROR("Get IPPT SW Filters error %d", err);
         return failed_step(2, err);
     }
     const uint32_t count = clamped(uint32_t{filters.count}, QCMAP_MAX_SW_PATH_FILTERS);
@@ -365,12 +366,12 @@ uint32_t zr_nexa_lan_ipptgwfilter_del_v1(uint32_t lan_id, uint8_t number)
     qcmap_msgr_sw_path_filters_conf_t filters = {};
     filters.request = kFilterRequest;
     if (!client->GetIPPassthroughSoftwarePathFilters(&filters, &err)) {
-        LOG_ERROR("Get IPPT SW Filters error %d", err);
+        ZR_LOG_ERROR("Get IPPT SW Filters error %d", err);
         return failed_step(2, err);
     }
     const uint32_t count = clamped(uint32_t{filters.count}, QCMAP_MAX_SW_PATH_FILTERS);
     if (number > count) {
-        LOG_ERROR("IPPT SW Filters config no exist");
+        ZR_LOG_ERROR("IPPT SW Filters config no exist");
         return ZR_NEXA_LAN_IPPTGWFILTER_ERR_COUNT;
     }
     qcmap_msgr_sw_path_filters_conf_t kept = {};
@@ -380,7 +381,7 @@ uint32_t zr_nexa_lan_ipptgwfilter_del_v1(uint32_t lan_id, uint8_t number)
         if (i + 1 != number) kept.filter[kept.count++] = filters.filter[i];
     }
     if (!client->SetIPPassthroughSoftwarePathFilters(&kept, &err)) {
-        LOG_ERROR("Set IPPT SW Filters error %d", err);
+        ZR_LOG_ERROR("Set IPPT SW Filters error %d", err);
         return failed_step(3, err);
     }
     return result_of(err);
@@ -391,10 +392,10 @@ uint32_t zr_nexa_lan_swpathfilter_add_v1(uint32_t ipv4_address)
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->ZR_AddIPToSWPathFilters(ipv4_address, &err)) {
-        LOG_ERROR("Add SW Path Filter IP failure, ipv4_address:%d", ipv4_address);
+        ZR_LOG_ERROR("Add SW Path Filter IP failure, ipv4_address:%d", ipv4_address);
         return failed_step(1, err);
     }
-    LOG_INFO("Add SW Path Filter IP %s error %d", Ipv4Text(ipv4_address).c_str(), err);
+    ZR_LOG_INFO("Add SW Path Filter IP %s error %d", Ipv4Text(ipv4_address).c_str(), err);
     return result_of(err);
 }
 
@@ -403,10 +404,10 @@ uint32_t zr_nexa_lan_swpathfilter_del_v1(uint32_t ipv4_address)
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->ZR_DeleteIPFromSWPathFilters(ipv4_address, &err)) {
-        LOG_ERROR("Delete SW Path Filter IP failure, ipv4_address:%d", ipv4_address);
+        ZR_LOG_ERROR("Delete SW Path Filter IP failure, ipv4_address:%d", ipv4_address);
         return failed_step(1, err);
     }
-    LOG_INFO("Delete SW Path Filter IP %s error %d", Ipv4Text(ipv4_address).c_str(), err);
+    ZR_LOG_INFO("Delete SW Path Filter IP %s error %d", Ipv4Text(ipv4_address).c_str(), err);
     return result_of(err);
 }
 
@@ -417,13 +418,13 @@ uint32_t zr_nexa_lan_swpathfilter_get_v1(zr_nexa_lan_swpathfilter_list_t* list)
     qcmap_sw_path_filters_ex_ipv4_addr_list addresses = {};
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->ZR_GetIPFromSWPathFilters(&addresses, &err)) {
-        LOG_ERROR("Get SW Path Filter IP failure");
+        ZR_LOG_ERROR("Get SW Path Filter IP failure");
         return failed_step(1, err);
     }
     list->count = clamped(addresses.count, QCMAP_MAX_SW_PATH_FILTERS);
     for (uint32_t i = 0; i < list->count; ++i) {
         list->ipv4_address[i] = addresses.address[i];
     }
-    LOG_INFO("Get SW Path Filter IP successfully");
+    ZR_LOG_INFO("Get SW Path Filter IP successfully");
     return result_of(err);
 }

@@ -143,15 +143,15 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_add_v1(const zr_nexa_lan_dhcp_reserv_rec
     if (record == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qcmap_msgr_dhcp_reservation_v01 reservation = {};
     copy_reservation(&reservation, *record);
-    LOG_INFO("Add a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
-             MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
-             FieldText(reservation.device_name).c_str(), reservation.enable);
+    ZR_LOG_INFO("Add a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
+                MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
+                FieldText(reservation.device_name).c_str(), reservation.enable);
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->AddDHCPReservRecord(&reservation, &err)) {
-        LOG_ERROR("Failed to Add DHCP Reservation record. Error 0x%x.", err);
+        ZR_LOG_ERROR("Failed to Add DHCP Reservation record. Error 0x%x.", err);
         return failed_step(1, err);
     }
-    LOG_INFO("DHCP Reservation Record added successfully");
+    ZR_LOG_INFO("DHCP Reservation Record added successfully");
     return result_of(err);
 }
 
@@ -163,15 +163,15 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_get_v1(zr_nexa_lan_dhcp_reserv_list_t* l
     unsigned int count = 0;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetDHCPReservRecords(reservations, &count, &err)) {
-        LOG_ERROR("Failed to Get DHCP Reservation record. Error 0x%x.", err);
+        ZR_LOG_ERROR("Failed to Get DHCP Reservation record. Error 0x%x.", err);
         return failed_step(1, err);
     }
     list->count = clamped(count, ZR_NEXA_LAN_DHCP_RESERVATIONS_MAX);
-    if (list->count == 0) LOG_INFO("No DHCP Reservation Records");
+    if (list->count == 0) ZR_LOG_INFO("No DHCP Reservation Records");
     for (uint32_t i = 0; i < list->count; ++i) {
         copy_reservation(&list->record[i], reservations[i]);
     }
-    LOG_INFO("DHCP Reservation Record get successfully");
+    ZR_LOG_INFO("DHCP Reservation Record get successfully");
     return result_of(err);
 }
 
@@ -179,31 +179,31 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_edit_v1(uint32_t ip_address, const zr_ne
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (record == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());
+    ZR_LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());
     qcmap_msgr_dhcp_reservation_v01 reservation = {};
     copy_reservation(&reservation, *record);
-    LOG_INFO("Edit a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
-             MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
-             FieldText(reservation.device_name).c_str(), reservation.enable);
+    ZR_LOG_INFO("Edit a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
+                MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
+                FieldText(reservation.device_name).c_str(), reservation.enable);
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->EditDHCPReservRecord(&ip_address, &reservation, &err)) {
-        LOG_ERROR("Failed to Edit DHCP Reservation record. Error 0x%x.", err);
+        ZR_LOG_ERROR("Failed to Edit DHCP Reservation record. Error 0x%x.", err);
         return failed_step(1, err);
     }
-    LOG_INFO("DHCP Reservation Record edited successfully");
+    ZR_LOG_INFO("DHCP Reservation Record edited successfully");
     return result_of(err);
 }
 
 uint32_t zr_nexa_lan_dhcp_reserv_record_del_v1(uint32_t ip_address)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());  // a delete says "edit" too
+    ZR_LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());  // a delete says "edit" too
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->DeleteDHCPReservRecord(&ip_address, &err)) {
-        LOG_ERROR("Failed to Delete DHCP Reservation record. Error 0x%x.", err);
+        ZR_LOG_ERROR("Failed to Delete DHCP Reservation record. Error 0x%x.", err);
         return failed_step(1, err);
     }
-    LOG_INFO("DHCP Reservation Record deleted successfully");
+    ZR_LOG_INFO("DHCP Reservation Record deleted successfully");
     return result_of(err);
 }
 
@@ -214,16 +214,16 @@ uint32_t zr_nexa_lan_packetstats_set_v1(uint32_t enable)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (enable == 1) {
         if (!client->EnablePacketStats(&err)) {
-            LOG_ERROR("Packet Stats Enable failed");
+            ZR_LOG_ERROR("Packet Stats Enable failed");
             return failed_step(1, err);
         }
-        LOG_INFO("Packet Stats Enable successfully");
+        ZR_LOG_INFO("Packet Stats Enable successfully");
     } else {
         if (!client->DisablePacketStats(&err)) {
-            LOG_ERROR("Packet Stats Disable failed");
+            ZR_LOG_ERROR("Packet Stats Disable failed");
             return failed_step(2, err);
         }
-        LOG_INFO("Packet Stats Disable succeeded");
+        ZR_LOG_INFO("Packet Stats Disable succeeded");
     }
     return result_of(err);
 }
@@ -235,12 +235,12 @@ uint32_t zr_nexa_lan_packetstats_get_v1(uint8_t* state)
     qcmap_msgr_packet_stats_status_enum_v01 status = {};
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetPacketStatsStatus(&status, &err)) {
-        LOG_ERROR("Get Packet Stats failed");
+        ZR_LOG_ERROR("Get Packet Stats failed");
         return failed_step(1, err);
     }
     if (status == QCMAP_MSGR_PACKET_STATS_ENABLED_V01) *state = 1;
     if (status == QCMAP_MSGR_PACKET_STATS_DISABLED_V01) *state = 0;
-    LOG_INFO("Get Packet Stats succeeded");
+    ZR_LOG_INFO("Get Packet Stats succeeded");
     return result_of(err);
 }
 
@@ -249,10 +249,10 @@ uint32_t zr_nexa_lan_packetstats_reset_v1()
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->ResetPacketStats(&err)) {
-        LOG_ERROR("Packet Stats reset request failed");
+        ZR_LOG_ERROR("Packet Stats reset request failed");
         return failed_step(1, err);
     }
-    LOG_INFO("Packet Stats reset request succeeded");
+    ZR_LOG_INFO("Packet Stats reset request succeeded");
     return result_of(err);
 }
 
@@ -260,27 +260,27 @@ uint32_t zr_nexa_lan_connected_device_info_get_v1(zr_nexa_lan_connected_device_t
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (devices == nullptr || count == nullptr) {
-        LOG_ERROR("Error, incorrect input parameter.");
+        ZR_LOG_ERROR("Error, incorrect input parameter.");
         return ZR_NEXA_ERR_ARGUMENT;
     }
     qcmap_connected_devices list = {};
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetConnectedDevicesInfo(&list, count, &err)) {
-        LOG_ERROR("GetConnectedDevicesInfo failed(%d)", err);
+        ZR_LOG_ERROR("GetConnectedDevicesInfo failed(%d)", err);
         return failed_step(1, err);
     }
     *count = clamped(*count, ZR_NEXA_LAN_CONNECTED_DEVICES_MAX);
     for (uint32_t i = 0; i < *count; ++i) {
         const qcmap_connected_device& device = list.device[i];
         copy_device(&devices[i], device);
-        LOG_INFO("[No %d]device type(%d), IP Addr(%s), MAC(%s)", i, device.device_type,
-                 Ipv4Text(device.ipv4_addr).c_str(), MacText(device.mac).text);
+        ZR_LOG_INFO("[No %d]device type(%d), IP Addr(%s), MAC(%s)", i, device.device_type,
+                    Ipv4Text(device.ipv4_addr).c_str(), MacText(device.mac).text);
         // The record has room for 32 bits of each count.
-        LOG_INFO("[No %d]RX bytes: %lu TX bytes: %lu", i,
-                 static_cast<unsigned long>(static_cast<uint32_t>(device.rx_bytes)),
-                 static_cast<unsigned long>(static_cast<uint32_t>(device.tx_bytes)));
+        ZR_LOG_INFO("[No %d]RX bytes: %lu TX bytes: %lu", i,
+                    static_cast<unsigned long>(static_cast<uint32_t>(device.rx_bytes)),
+                    static_cast<unsigned long>(static_cast<uint32_t>(device.tx_bytes)));
     }
-    LOG_INFO("GetConnectedDevicesInfo successful");
+    ZR_LOG_INFO("GetConnectedDevicesInfo successful");
     return result_of(err);
 }
 
@@ -298,10 +298,10 @@ uint32_t zr_nexa_lan_unmanaged_l2tp_state_set_v1(uint32_t lan_id, const zr_nexa_
     request.mss = config->mss;
     request.clamp_mss = static_cast<uint8_t>(config->clamp_mss);
     if (!client->SetUnmanagedL2TPStateEx(&request, &err)) {
-        LOG_ERROR("Set L2TP Unmanaged state fails, Error: 0x%x", err);
+        ZR_LOG_ERROR("Set L2TP Unmanaged state fails, Error: 0x%x", err);
         return failed_step(2, err);
     }
-    LOG_INFO("Set L2TP Unmanaged state succeeds.");
+    ZR_LOG_INFO("Set L2TP Unmanaged state succeeds.");
     return result_of(err);
 }
 
@@ -314,7 +314,7 @@ uint32_t zr_nexa_lan_l2tp_get_v1(uint32_t lan_id, zr_nexa_lan_l2tp_info_t* confi
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_l2tp_conf_t answer = {};
     if (!client->GetL2TPConfig(&answer, &err)) {
-        LOG_ERROR("Get L2TP Config Failed, Error: 0x%x", err);
+        ZR_LOG_ERROR("Get L2TP Config Failed, Error: 0x%x", err);
         return failed_step(2, err);
     }
     config->state = answer.state;
@@ -326,7 +326,7 @@ uint32_t zr_nexa_lan_l2tp_get_v1(uint32_t lan_id, zr_nexa_lan_l2tp_info_t* confi
     for (uint32_t i = 0; i < config->tunnel_count; ++i) {
         copy_tunnel(&config->tunnel[i], answer.tunnel[i]);
     }
-    LOG_INFO("Get L2TP Config succeeds.");
+    ZR_LOG_INFO("Get L2TP Config succeeds.");
     return result_of(err);
 }
 
@@ -341,10 +341,10 @@ uint32_t zr_nexa_lan_l2tp_set_v1(uint32_t lan_id, const zr_nexa_lan_l2tp_cfg_t* 
     qcmap_msgr_l2tp_config_v01 request = {};
     copy_tunnel(&request, config->tunnel);
     if (!client->SetL2TPConfig(static_cast<qcmap_msgr_l2tp_mode_enum_v01>(config->mode), request, &err)) {
-        LOG_ERROR("Set L2TP Config error %d", err);
+        ZR_LOG_ERROR("Set L2TP Config error %d", err);
         return failed_step(2, err);
     }
-    LOG_INFO("Set L2TP Config succeeds.");
+    ZR_LOG_INFO("Set L2TP Config succeeds.");
     return result_of(err);
 }
 
@@ -357,10 +357,10 @@ uint32_t zr_nexa_lan_l2tp_delete_v1(uint32_t lan_id, uint32_t tunnel_id)
     qcmap_msgr_delete_l2tp_config_v01 request = {};
     request.tunnel_id = tunnel_id;
     if (!client->DeleteL2TPTunnelConfig(&request, &err)) {
-        if (err == QMI_ERR_NO_EFFECT_V01) LOG_ERROR("Tunnel config is not found to delete.");
-        LOG_ERROR("Delete L2TP Config fails, Error: 0x%x", err);
+        if (err == QMI_ERR_NO_EFFECT_V01) ZR_LOG_ERROR("Tunnel config is not found to delete.");
+        ZR_LOG_ERROR("Delete L2TP Config fails, Error: 0x%x", err);
         return failed_step(2, err);
     }
-    LOG_INFO("Delete L2TP Config succeeds.");
+    ZR_LOG_INFO("Delete L2TP Config succeeds.");
     return result_of(err);
 }

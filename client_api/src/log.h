@@ -73,25 +73,25 @@ uint32_t pointer_word(const T* pointer)
 #define ZR_FIRST_OF(first, ...) first
 
 // A record of the given text, for code that several functions share and that is handed its texts.
-#define LOG_RECORD(level, text)                                                                      \
+#define ZR_LOG_RECORD(level, text)                                                                   \
     msg_const_type                                                                                   \
     {                                                                                                \
         zr_nexa::log_line<kLogSource, __LINE__>(), zr_nexa::kLogSubsystem, level, "[%s]%s(): " text, \
             "zr_nexa_client_api"                                                                     \
     }
 
-#define LOG_AS(level, function, ...)                                                              \
-    do {                                                                                          \
-        static constexpr msg_const_type log_site = LOG_RECORD(level, ZR_FIRST_OF(__VA_ARGS__, )); \
-        if (false) zr_nexa::check_format(__VA_ARGS__);                                            \
-        zr_nexa::write_log(log_site, function, __VA_ARGS__);                                      \
+#define ZR_LOG_AS(level, function, ...)                                                              \
+    do {                                                                                             \
+        static constexpr msg_const_type log_site = ZR_LOG_RECORD(level, ZR_FIRST_OF(__VA_ARGS__, )); \
+        if (false) zr_nexa::check_format(__VA_ARGS__);                                               \
+        zr_nexa::write_log(log_site, function, __VA_ARGS__);                                         \
     } while (false)
 
-// LOG_INFO("text", values...), LOG_ERROR("text", values...): under the name of the function they stand in.
-#define LOG_INFO(...) LOG_AS(MSG_LEVEL_HIGH, __func__, __VA_ARGS__)
-#define LOG_ERROR(...) LOG_AS(MSG_LEVEL_ERROR, __func__, __VA_ARGS__)
+// ZR_LOG_INFO("text", values...), ZR_LOG_ERROR("text", values...): under the name of the function they stand in.
+#define ZR_LOG_INFO(...) ZR_LOG_AS(MSG_LEVEL_HIGH, __func__, __VA_ARGS__)
+#define ZR_LOG_ERROR(...) ZR_LOG_AS(MSG_LEVEL_ERROR, __func__, __VA_ARGS__)
 // For code that speaks for another function.
-#define LOG_INFO_AS(function, ...) LOG_AS(MSG_LEVEL_HIGH, function, __VA_ARGS__)
-#define LOG_ERROR_AS(function, ...) LOG_AS(MSG_LEVEL_ERROR, function, __VA_ARGS__)
+#define ZR_LOG_INFO_AS(function, ...) ZR_LOG_AS(MSG_LEVEL_HIGH, function, __VA_ARGS__)
+#define ZR_LOG_ERROR_AS(function, ...) ZR_LOG_AS(MSG_LEVEL_ERROR, function, __VA_ARGS__)
 
 #endif

@@ -68,10 +68,11 @@ uint32_t get_passthrough(const char* function, uint32_t wwan_handle, uint8_t* en
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
     static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. PPTP VPN passthrough enabled in xml file.");
-    static constexpr msg_const_type failed = LOG_RECORD(MSG_LEVEL_ERROR, "PPTP VPN passthrough set fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. PPTP VPN passthrough enabled in xml file.");
+    static constexpr msg_const_type failed =
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "PPTP VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
     return set_passthrough<&QCMAP_Client::SetPPTPVpnPassthrough>(__func__, wwan_handle, enable,
                                                                  {backhaul_down, failed, done});
 }
@@ -79,20 +80,20 @@ uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
     static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Get PPTP VPN passthrough flag failed. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Get PPTP VPN passthrough flag failed. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
     return get_passthrough<&QCMAP_Client::GetPPTPVpnPassthrough>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
     static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPv6 PPTP VPN passthrough enabled in xml file.");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPv6 PPTP VPN passthrough enabled in xml file.");
     static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 PPTP VPN passthrough set fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 PPTP VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
     return set_passthrough<&QCMAP_Client::SetPPTPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable,
                                                                       {backhaul_down, failed, done});
 }
@@ -100,20 +101,20 @@ uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
     static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 PPTP VPN passthrough get fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 PPTP VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
     return get_passthrough<&QCMAP_Client::GetPPTPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
     static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPSec VPN passthrough enabled in xml file.");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPSec VPN passthrough enabled in xml file.");
     static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPSec VPN passthrough set fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "IPSec VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
     return set_passthrough<&QCMAP_Client::SetIPSECVpnPassthrough>(__func__, wwan_handle, enable,
                                                                   {backhaul_down, failed, done});
 }
@@ -121,20 +122,20 @@ uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint3
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
     static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPSec VPN passthrough get fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "IPSec VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
     return get_passthrough<&QCMAP_Client::GetIPSECVpnPassthrough>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
     static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPv6 IPSec VPN passthrough enabled in xml file.");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPv6 IPSec VPN passthrough enabled in xml file.");
     static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 IPSec VPN passthrough set fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 IPSec VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
     return set_passthrough<&QCMAP_Client::SetIPSECVpnPassthrough_Ipv6>(__func__, wwan_handle, enable,
                                                                        {backhaul_down, failed, done});
 }
@@ -142,39 +143,41 @@ uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint3
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
     static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 IPSec VPN passthrough get fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 IPSec VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
     return get_passthrough<&QCMAP_Client::GetIPSECVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
     static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. L2TP VPN passthrough enabled in xml file.");
-    static constexpr msg_const_type failed = LOG_RECORD(MSG_LEVEL_ERROR, "L2TP VPN passthrough set fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. L2TP VPN passthrough enabled in xml file.");
+    static constexpr msg_const_type failed =
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "L2TP VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
     return set_passthrough<&QCMAP_Client::SetL2TPVpnPassthrough>(__func__, wwan_handle, enable,
                                                                  {backhaul_down, failed, done});
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr msg_const_type failed = LOG_RECORD(MSG_LEVEL_ERROR, "L2TP VPN passthrough get fails. Error: 0x%x");
+    static constexpr msg_const_type failed =
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "L2TP VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
     return get_passthrough<&QCMAP_Client::GetL2TPVpnPassthrough>(__func__, wwan_handle, enable, {failed, done});
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
     static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPv6 L2TP VPN passthrough enabled in xml file.");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPv6 L2TP VPN passthrough enabled in xml file.");
     static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 L2TP VPN passthrough set fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 L2TP VPN passthrough set fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
     return set_passthrough<&QCMAP_Client::SetL2TPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable,
                                                                       {backhaul_down, failed, done});
 }
@@ -182,8 +185,8 @@ uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
     static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 L2TP VPN passthrough get fails. Error: 0x%x");
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 L2TP VPN passthrough get fails. Error: 0x%x");
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
     return get_passthrough<&QCMAP_Client::GetL2TPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, {failed, done});
 }

@@ -88,14 +88,14 @@ uint32_t set_backhaul(const char* function, uint32_t wwan_handle, uint32_t conne
     if (!select_profile(function, wwan_handle, &err)) return failed_step(1, err);
     if (connect == 1) {
         if (!client->ConnectBackHaul(call_type, &err)) {
-            LOG_ERROR_AS(function, "Connect BackHaul (wwan_handle=%d call_type=%d) error %d", wwan_handle, call_type,
-                         err);
+            ZR_LOG_ERROR_AS(function, "Connect BackHaul (wwan_handle=%d call_type=%d) error %d", wwan_handle, call_type,
+                            err);
             return failed_step(2, err);
         }
     } else {
         if (!client->DisconnectBackHaul(call_type, &err)) {
-            LOG_ERROR_AS(function, "Disconnect BackHaul (wwan_handle=%d call_type=%d) error %d", wwan_handle, call_type,
-                         err);
+            ZR_LOG_ERROR_AS(function, "Disconnect BackHaul (wwan_handle=%d call_type=%d) error %d", wwan_handle,
+                            call_type, err);
             return failed_step(3, err);
         }
     }
@@ -126,7 +126,7 @@ uint32_t zr_nexa_wan_status_get_v1(uint32_t wwan_handle, uint32_t* v4_status, ui
     auto v4 = static_cast<qcmap_msgr_wwan_status_enum_v01>(0);
     auto v6 = static_cast<qcmap_msgr_wwan_status_enum_v01>(0);
     if (!client->GetWWANStatus(&v4, &v6, &err)) {
-        LOG_ERROR("Get WWAN Status (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Get WWAN Status (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
     if (v4 == QCMAP_MSGR_WWAN_STATUS_CONNECTING_V01 || v4 == QCMAP_MSGR_WWAN_STATUS_CONNECTED_V01 ||
@@ -137,30 +137,30 @@ uint32_t zr_nexa_wan_status_get_v1(uint32_t wwan_handle, uint32_t* v4_status, ui
         v6 == QCMAP_MSGR_WWAN_STATUS_IPV6_DISCONNECTING_V01 || v6 == QCMAP_MSGR_WWAN_STATUS_IPV6_DISCONNECTED_V01) {
         *v6_status = static_cast<uint32_t>(v6);
     }
-    LOG_INFO("Get WWAN Status (wwan_handle=%d):wwan_v4_status=%d wwan_v6_status=%d", wwan_handle, v4, v6);
+    ZR_LOG_INFO("Get WWAN Status (wwan_handle=%d):wwan_v4_status=%d wwan_v6_status=%d", wwan_handle, v4, v6);
     return result_of(err);
 }
 
 uint32_t zr_nexa_wan_connect_v4_set_v1(uint32_t wwan_handle, uint32_t connect)
 {
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 BackHaul (wwan_handle=%d v4_connect=%d) error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 BackHaul (wwan_handle=%d v4_connect=%d) error %d");
     return set_backhaul(__func__, wwan_handle, connect, QCMAP_MSGR_WWAN_CALL_TYPE_V4_V01, done);
 }
 
 uint32_t zr_nexa_wan_connect_v6_set_v1(uint32_t wwan_handle, uint32_t connect)
 {
     static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 BackHaul (wwan_handle=%d v6_connect=%d) error %d");
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 BackHaul (wwan_handle=%d v6_connect=%d) error %d");
     return set_backhaul(__func__, wwan_handle, connect, QCMAP_MSGR_WWAN_CALL_TYPE_V6_V01, done);
 }
 
 uint32_t zr_nexa_wan_reconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
     static constexpr SetModeTexts texts = {
-        LOG_RECORD(MSG_LEVEL_ERROR, "Enable Reconnect Mode (wwan_handle=%d) error %d"),
-        LOG_RECORD(MSG_LEVEL_ERROR, "Disable Reconnect Mode (wwan_handle=%d) error %d"),
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Enable Reconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Disable Reconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
     return set_mode<&QCMAP_Client::SetReconnect>(__func__, wwan_handle, enable, texts);
 }
@@ -168,8 +168,8 @@ uint32_t zr_nexa_wan_reconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
 uint32_t zr_nexa_wan_reconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
     static constexpr GetModeTexts texts = {
-        LOG_RECORD(MSG_LEVEL_ERROR, "Get Reconnect Mode (wwan_handle=%d) error %d"),
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Get Reconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
     return get_mode<&QCMAP_Client::GetReconnect>(__func__, wwan_handle, enable, texts);
 }
@@ -177,9 +177,9 @@ uint32_t zr_nexa_wan_reconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
 uint32_t zr_nexa_wan_autoconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
     static constexpr SetModeTexts texts = {
-        LOG_RECORD(MSG_LEVEL_ERROR, "Enable Autoconnect Mode (wwan_handle=%d) error %d"),
-        LOG_RECORD(MSG_LEVEL_ERROR, "Disable Autoconnect Mode (wwan_handle=%d) error %d"),
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Enable Autoconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Disable Autoconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
     return set_mode<&QCMAP_Client::SetAutoconnect>(__func__, wwan_handle, enable, texts);
 }
@@ -187,8 +187,8 @@ uint32_t zr_nexa_wan_autoconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
 uint32_t zr_nexa_wan_autoconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
     static constexpr GetModeTexts texts = {
-        LOG_RECORD(MSG_LEVEL_ERROR, "Get Autoconnect Mode (wwan_handle=%d) error %d"),
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Get Autoconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
     return get_mode<&QCMAP_Client::GetAutoconnect>(__func__, wwan_handle, enable, texts);
 }
@@ -196,9 +196,9 @@ uint32_t zr_nexa_wan_autoconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
 uint32_t zr_nexa_wan_roaming_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
     static constexpr SetModeTexts texts = {
-        LOG_RECORD(MSG_LEVEL_ERROR, "Enable NEXA roaming cfg (wwan_handle=%d) error %d"),
-        LOG_RECORD(MSG_LEVEL_ERROR, "Disable NEXA roaming cfg (wwan_handle=%d) error %d"),
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set Roaming Mode (wwan_handle=%d) Status %d, error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Enable NEXA roaming cfg (wwan_handle=%d) error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Disable NEXA roaming cfg (wwan_handle=%d) error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set Roaming Mode (wwan_handle=%d) Status %d, error %d"),
     };
     return set_mode<&QCMAP_Client::SetRoaming>(__func__, wwan_handle, enable, texts);
 }
@@ -206,8 +206,8 @@ uint32_t zr_nexa_wan_roaming_set_v1(uint32_t wwan_handle, uint32_t enable)
 uint32_t zr_nexa_wan_roaming_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
     static constexpr GetModeTexts texts = {
-        LOG_RECORD(MSG_LEVEL_ERROR, "Get NEXA roaming cfg (wwan_handle=%d) error %d"),
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get Roaming Mode (wwan_handle=%d) Status %d, error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Get NEXA roaming cfg (wwan_handle=%d) error %d"),
+        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get Roaming Mode (wwan_handle=%d) Status %d, error %d"),
     };
     return get_mode<&QCMAP_Client::GetRoaming>(__func__, wwan_handle, enable, texts);
 }
@@ -222,7 +222,7 @@ uint32_t zr_nexa_wan_info_get_v1(uint32_t wwan_handle, zr_nexa_wan_info_t* info)
     if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetAllConnectedPDNEx(&pdn_count, pdns, &err)) {
-        LOG_ERROR("Get All Connected PDN (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Get All Connected PDN (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(1, err);
     }
     // Every entry of the handle is taken, so that the last one holds.
@@ -244,16 +244,16 @@ uint32_t zr_nexa_wan_info_get_v1(uint32_t wwan_handle, zr_nexa_wan_info_t* info)
         std::memcpy(info->v6_sec_dns_addr, pdn.v6_sec_dns_addr, sizeof(info->v6_sec_dns_addr));
         info->v6_mtu = pdn.v6_mtu;
         // The IPv6 addresses are shown as they always were: one as its location, three as if they were texts.
-        LOG_INFO("wwan_handle=%d iface_name=%s v4_addr=%d v4_netmask=%d", wwan_handle,
-                 FieldText(info->iface_name).c_str(), info->v4_addr, info->v4_netmask);
-        LOG_INFO("wwan_handle=%d v4_gw_addr=%d v4_pri_dns_addr=%d v4_sec_dns_addr=%d", wwan_handle, info->v4_gw_addr,
-                 info->v4_pri_dns_addr, info->v4_sec_dns_addr);
-        LOG_INFO("wwan_handle=%d v4_mtu=%d v6_prefix=%d v6_addr=%d", wwan_handle, info->v4_mtu, info->v6_prefix,
-                 pointer_word(info->v6_addr));
-        LOG_INFO("wwan_handle=%d v6_gw_addr=%s v6_pri_dns_addr=%s v6_sec_dns_addr=%s", wwan_handle,
-                 FieldText(info->v6_gw_addr).c_str(), FieldText(info->v6_pri_dns_addr).c_str(),
-                 FieldText(info->v6_sec_dns_addr).c_str());
-        LOG_INFO("wwan_handle=%d v6_mtu=%d", wwan_handle, info->v6_mtu);
+        ZR_LOG_INFO("wwan_handle=%d iface_name=%s v4_addr=%d v4_netmask=%d", wwan_handle,
+                    FieldText(info->iface_name).c_str(), info->v4_addr, info->v4_netmask);
+        ZR_LOG_INFO("wwan_handle=%d v4_gw_addr=%d v4_pri_dns_addr=%d v4_sec_dns_addr=%d", wwan_handle, info->v4_gw_addr,
+                    info->v4_pri_dns_addr, info->v4_sec_dns_addr);
+        ZR_LOG_INFO("wwan_handle=%d v4_mtu=%d v6_prefix=%d v6_addr=%d", wwan_handle, info->v4_mtu, info->v6_prefix,
+                    pointer_word(info->v6_addr));
+        ZR_LOG_INFO("wwan_handle=%d v6_gw_addr=%s v6_pri_dns_addr=%s v6_sec_dns_addr=%s", wwan_handle,
+                    FieldText(info->v6_gw_addr).c_str(), FieldText(info->v6_pri_dns_addr).c_str(),
+                    FieldText(info->v6_sec_dns_addr).c_str());
+        ZR_LOG_INFO("wwan_handle=%d v6_mtu=%d", wwan_handle, info->v6_mtu);
     }
     return result_of(err);
 }
@@ -266,14 +266,14 @@ uint32_t zr_nexa_wan_statistics_get_v1(uint32_t wwan_handle, uint32_t ip_family,
     if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
-    if (!is_known_family(ip_family)) LOG_ERROR("invalid ip family %d", ip_family);
+    if (!is_known_family(ip_family)) ZR_LOG_ERROR("invalid ip family %d", ip_family);
     qcmap_msgr_wwan_statistics_type_v01 counts = {};
     if (!client->GetWWANStatistics(family_word(ip_family), &counts, &err)) {
-        LOG_ERROR("Get WWAN Statistics (wwan_handle=%d, ip_family=%d) error %d", wwan_handle, ip_family, err);
+        ZR_LOG_ERROR("Get WWAN Statistics (wwan_handle=%d, ip_family=%d) error %d", wwan_handle, ip_family, err);
         return failed_step(2, err);
     }
     *statistics = counts;
-    LOG_INFO("Get WWAN Statistics (wwan_handle=%d, ip_family=%d) success.", wwan_handle, ip_family);
+    ZR_LOG_INFO("Get WWAN Statistics (wwan_handle=%d, ip_family=%d) success.", wwan_handle, ip_family);
     return result_of(err);
 }
 
@@ -283,12 +283,12 @@ uint32_t zr_nexa_wan_statistics_reset_v1(uint32_t wwan_handle, uint32_t ip_famil
     if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
-    if (!is_known_family(ip_family)) LOG_ERROR("invalid ip family %d", ip_family);
+    if (!is_known_family(ip_family)) ZR_LOG_ERROR("invalid ip family %d", ip_family);
     if (!client->ResetWWANStatistics(family_word(ip_family), &err)) {
-        LOG_ERROR("Reset WWAN Statistics (wwan_handle=%d, ip_family=%d) error %d", wwan_handle, ip_family, err);
+        ZR_LOG_ERROR("Reset WWAN Statistics (wwan_handle=%d, ip_family=%d) error %d", wwan_handle, ip_family, err);
         return failed_step(2, err);
     }
-    LOG_INFO("Reset WWAN Statistics (wwan_handle=%d, ip_family=%d) success.", wwan_handle, ip_family);
+    ZR_LOG_INFO("Reset WWAN Statistics (wwan_handle=%d, ip_family=%d) success.", wwan_handle, ip_family);
     return result_of(err);
 }
 

@@ -56,10 +56,10 @@ uint32_t zr_nexa_wan_mpdnmapping_add_v1(uint32_t profile_handle, uint16_t vlan_i
     if (!select_profile(__func__, profile_handle, &err)) return failed_step(1, err);
     if (!select_bridge(__func__, vlan_id, &err)) return failed_step(2, err);
     if (!client->AddPDNToVLANMapping(static_cast<short>(vlan_id), profile_handle, &err)) {
-        LOG_ERROR("Add PDN %d To VLAN %d Mapping error %d", profile_handle, vlan_id, err);
+        ZR_LOG_ERROR("Add PDN %d To VLAN %d Mapping error %d", profile_handle, vlan_id, err);
         return failed_step(3, err);
     }
-    LOG_INFO("Add PDN %d To VLAN %d Mapping success", profile_handle, vlan_id);
+    ZR_LOG_INFO("Add PDN %d To VLAN %d Mapping success", profile_handle, vlan_id);
     return result_of(err);
 }
 
@@ -71,7 +71,7 @@ uint32_t zr_nexa_wan_mpdnmapping_get_v1(zr_nexa_wan_mpdnmapping_list_t* list)
     qcmap_msgr_pdn_to_vlan_mapping_ex_v01* const mappings = cleared_mappings();
     int mapping_count = 0;
     if (!client->GetPDNtoVLANMappingsEx(mappings, &mapping_count, &err)) {
-        LOG_ERROR("Get PDN to VLAN Mappings List error %d", err);
+        ZR_LOG_ERROR("Get PDN to VLAN Mappings List error %d", err);
         return failed_step(1, err);
     }
     uint32_t index = 0;
@@ -98,9 +98,9 @@ uint32_t zr_nexa_wan_mpdnmapping_del_v1(uint32_t profile_handle, uint16_t vlan_i
     if (!select_profile(__func__, profile_handle, &err)) return failed_step(1, err);
     if (!select_bridge(__func__, vlan_id, &err)) return failed_step(2, err);
     if (!client->DeletePDNToVLANMapping(static_cast<short>(vlan_id), profile_handle, &err)) {
-        LOG_ERROR("Delete PDN %d To %d VLAN Mapping error %d", profile_handle, vlan_id, err);
+        ZR_LOG_ERROR("Delete PDN %d To %d VLAN Mapping error %d", profile_handle, vlan_id, err);
         return failed_step(3, err);
     }
-    LOG_INFO("Delete PDN %d To %d VLAN Mapping success", profile_handle, vlan_id);
+    ZR_LOG_INFO("Delete PDN %d To %d VLAN Mapping success", profile_handle, vlan_id);
     return result_of(err);
 }

@@ -28,9 +28,9 @@ zr_nexa_ind_cb_t user_callback = nullptr;
 
 bool guard(const char* function)
 {
-    LOG_INFO_AS(function, "entry");
+    ZR_LOG_INFO_AS(function, "entry");
     if (client == nullptr) {
-        LOG_ERROR_AS(function, "assertion (QcMapClient != NULL) failed!");
+        ZR_LOG_ERROR_AS(function, "assertion (QcMapClient != NULL) failed!");
         return false;
     }
     return true;
@@ -39,14 +39,14 @@ bool guard(const char* function)
 bool select_profile(const char* function, uint32_t wwan_handle, qmi_error_type_v01* err)
 {
     if (client->SetWWANProfileHandlePreference(wwan_handle, err)) return true;
-    LOG_ERROR_AS(function, "Set WWAN Profile Handle Preference (wwan_handle=%d) error %d", wwan_handle, *err);
+    ZR_LOG_ERROR_AS(function, "Set WWAN Profile Handle Preference (wwan_handle=%d) error %d", wwan_handle, *err);
     return false;
 }
 
 bool select_bridge(const char* function, uint32_t lan_id, qmi_error_type_v01* err)
 {
     if (client->SelectLANBridge(static_cast<short>(lan_id), err)) return true;
-    LOG_ERROR_AS(function, "Select LAN Bridge (LAN_ID=%d) error %d", lan_id, *err);
+    ZR_LOG_ERROR_AS(function, "Select LAN Bridge (LAN_ID=%d) error %d", lan_id, *err);
     return false;
 }
 
@@ -58,9 +58,9 @@ using zr_nexa::user_callback;
 
 uint32_t zr_nexa_client_init(zr_nexa_ind_cb_t callback)
 {
-    LOG_INFO("entry");
+    ZR_LOG_INFO("entry");
     if (client != nullptr) {
-        LOG_ERROR("assertion (QcMapClient == NULL) failed!");
+        ZR_LOG_ERROR("assertion (QcMapClient == NULL) failed!");
         return ZR_NEXA_ERR_NO_SESSION;
     }
     user_callback = callback != nullptr ? callback : ignore_indication;
@@ -68,7 +68,7 @@ uint32_t zr_nexa_client_init(zr_nexa_ind_cb_t callback)
 
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->IsReady()) {
-        LOG_ERROR("Couldn't setup nexa client");
+        ZR_LOG_ERROR("Couldn't setup nexa client");
         client->DisableMobileAP(&err);
         destroy_client();
         if (err != QMI_ERR_NONE_V01) return failed_step(1, err);
@@ -76,7 +76,7 @@ uint32_t zr_nexa_client_init(zr_nexa_ind_cb_t callback)
     }
     if (client != nullptr && client->EnableMobileAP_Ext(&err, kAllServices)) return ZR_NEXA_OK;
 
-    LOG_ERROR("Couldn't enable nexa client");
+    ZR_LOG_ERROR("Couldn't enable nexa client");
     if (client != nullptr) {
         qmi_error_type_v01 disable_err = QMI_ERR_NONE_V01;
         client->DisableMobileAP(&disable_err);
@@ -87,7 +87,7 @@ uint32_t zr_nexa_client_init(zr_nexa_ind_cb_t callback)
 
 uint32_t zr_nexa_client_uninit()
 {
-    LOG_INFO("entry");
+    ZR_LOG_INFO("entry");
     if (client == nullptr) {
         user_callback = nullptr;
         return ZR_NEXA_OK;
