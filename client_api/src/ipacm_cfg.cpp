@@ -101,7 +101,7 @@ try {
     char text[INET_ADDRSTRLEN];
 
     if (is_set != 0) {
-        LOG_INFO("SET gre ipa option");
+        ZR_LOG_INFO("SET gre ipa option");
         remove_children(gre_flag);
         append_text_element(gre_flag, "GREEnabled", "0");
         // The addresses alone once more. Behind the clearing of all children this finds none.
@@ -112,24 +112,24 @@ try {
         }
         if (cfg->gre_enabled == 1) {
             gre_flag.child("GREEnabled").first_child().set_value("1");
-            LOG_INFO("GRE ipa enable, num_of_server_addrs:%d, num_of_subnet_masks:%d", cfg->num_of_server_addrs,
-                     cfg->num_of_subnet_masks);
+            ZR_LOG_INFO("GRE ipa enable, num_of_server_addrs:%d, num_of_subnet_masks:%d", cfg->num_of_server_addrs,
+                        cfg->num_of_subnet_masks);
             for (uint32_t i = 0; i < cfg->num_of_server_addrs; ++i) {
                 dotted(cfg->server_ipv4_addr[i], text);
                 append_text_element(gre_flag, "GREServer", text);
-                LOG_INFO("serverIP[%d]:%s", i, text);
+                ZR_LOG_INFO("serverIP[%d]:%s", i, text);
             }
             for (uint32_t i = 0; i < cfg->num_of_subnet_masks; ++i) {
                 dotted(cfg->subnet_mask[i], text);
                 append_text_element(gre_flag, "GREServerSubnet", text);
-                LOG_INFO("subnetIP[%d]:%s", i, text);
+                ZR_LOG_INFO("subnetIP[%d]:%s", i, text);
             }
         }
         zr_nexa_ipacm_cfg_save(document);
         return 0;
     }
 
-    LOG_INFO("GET gre ipa option");
+    ZR_LOG_INFO("GET gre ipa option");
     std::memset(cfg, 0, sizeof(*cfg));
     if (std::strcmp(gre_flag.child("GREEnabled").child_value(), "0") == 0) {
         // In memory only: addresses of a disabled offload do not count.
@@ -137,20 +137,20 @@ try {
         append_text_element(gre_flag, "GREEnabled", "0");
     } else {
         cfg->gre_enabled = 1;
-        LOG_INFO("GET gre ipa status:%d", cfg->gre_enabled);
+        ZR_LOG_INFO("GET gre ipa status:%d", cfg->gre_enabled);
     }
     for (const pugi::xml_node server : gre_flag.children("GREServer")) {
         if (cfg->num_of_server_addrs == ZR_NEXA_GRE_MAX_SERVERS) break;
         const uint32_t address = address_in(server);
         cfg->server_ipv4_addr[cfg->num_of_server_addrs] = address;
-        LOG_INFO("cfg_value->server_ipv4_addr[%d]:%d", cfg->num_of_server_addrs, address);
+        ZR_LOG_INFO("cfg_value->server_ipv4_addr[%d]:%d", cfg->num_of_server_addrs, address);
         ++cfg->num_of_server_addrs;
     }
     for (const pugi::xml_node subnet : gre_flag.children("GREServerSubnet")) {
         if (cfg->num_of_subnet_masks == ZR_NEXA_GRE_MAX_SUBNETS) break;
         const uint32_t mask = address_in(subnet);
         cfg->subnet_mask[cfg->num_of_subnet_masks] = mask;
-        LOG_INFO("cfg_value->subnet[%d]:%d", cfg->num_of_subnet_masks, mask);
+        ZR_LOG_INFO("cfg_value->subnet[%d]:%d", cfg->num_of_subnet_masks, mask);
         ++cfg->num_of_subnet_masks;
     }
     return 0;
