@@ -12,6 +12,7 @@ namespace zr_nexa {
 
 enum class LogSource : uint16_t {
     kSession,
+    kClientApi,
     kIndications,
     kGeneral,
     kGre,
