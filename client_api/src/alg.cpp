@@ -1,19 +1,15 @@
 // Application-level gateways of the NAT, and SIP servers of a LAN bridge.
-#include <string.h>
 #include <zr_nexa/alg.h>
+
+#include <cstring>
 
 #include "session.h"
 
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_bridge;
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kAlg;
+constexpr auto kLogSource = LogSource::kAlg;
 
 static_assert(ZR_NEXA_ALG_SIP_NETWORK_OFFSET == sizeof(zr_nexa_sip_server_info_t), "behind the configured server");
 static_assert(ZR_NEXA_ALG_SIP_BUFFER_SIZE == sizeof(zr_nexa_sip_server_info_t) +
@@ -28,17 +24,17 @@ void write_entry(unsigned char* to, const qcmap_msgr_sip_server_info_v01& from)
     zr_nexa_sip_server_info_t entry;
     entry.pcscf_info_type = from.pcscf_info_type;
     entry.ipv4_addr = from.ipv4_addr;
-    memcpy(entry.fqdn, from.fqdn, sizeof(entry.fqdn));
-    memcpy(to, &entry, sizeof(entry));
+    std::memcpy(entry.fqdn, from.fqdn, sizeof(entry.fqdn));
+    std::memcpy(to, &entry, sizeof(entry));
 }
 
 void write_entry(unsigned char* to, const qcmap_msgr_ipv6_sip_server_info_v01& from)
 {
     zr_nexa_ipv6_sip_server_info_t entry;
     entry.pcscf_info_type = from.pcscf_info_type;
-    memcpy(entry.ipv6_addr, from.ipv6_addr, sizeof(entry.ipv6_addr));
-    memcpy(entry.fqdn, from.fqdn, sizeof(entry.fqdn));
-    memcpy(to, &entry, sizeof(entry));
+    std::memcpy(entry.ipv6_addr, from.ipv6_addr, sizeof(entry.ipv6_addr));
+    std::memcpy(entry.fqdn, from.fqdn, sizeof(entry.fqdn));
+    std::memcpy(to, &entry, sizeof(entry));
 }
 
 uint32_t get_ipv4_servers(const char* function, int* count, unsigned char* out)
@@ -117,7 +113,7 @@ uint32_t zr_nexa_alg_sip_server_info_set_v1(uint32_t lan_id, const zr_nexa_sip_s
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (info == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
 
@@ -126,7 +122,7 @@ uint32_t zr_nexa_alg_sip_server_info_set_v1(uint32_t lan_id, const zr_nexa_sip_s
     if (info->pcscf_info_type == ZR_NEXA_ALG_SIP_INFO_IP) {
         record.ipv4_addr = info->ipv4_addr;
     } else if (info->pcscf_info_type == ZR_NEXA_ALG_SIP_INFO_FQDN) {
-        memcpy(record.fqdn, info->fqdn, sizeof(record.fqdn));
+        std::memcpy(record.fqdn, info->fqdn, sizeof(record.fqdn));
     } else {
         ZR_LOG_ERROR("pcscf_info_type:%d, it must be IP ADDRESS or FQDN", info->pcscf_info_type);
         return ZR_NEXA_ALG_ERR_VALUE;
@@ -143,7 +139,7 @@ uint32_t zr_nexa_alg_sip_server_info_get_v1(uint32_t lan_id, uint32_t ip_family,
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (count == nullptr || out == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
 

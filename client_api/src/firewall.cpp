@@ -7,9 +7,11 @@
 
 #include "session.h"
 
+using namespace zr_nexa;
+
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kFirewall;
+constexpr auto kLogSource = LogSource::kFirewall;
 
 using Entry = zr_nexa_firewall_entry_t;
 using Filter = qcmap_firewall_filter;
@@ -214,13 +216,6 @@ constexpr bool in_list(uint32_t count, uint32_t capacity)
 }
 
 }  // namespace
-
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
 
 uint32_t zr_nexa_firewall_entry_add_v1(uint32_t wwan_handle, const zr_nexa_firewall_entry_t* entry)
 {

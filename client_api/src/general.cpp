@@ -3,15 +3,9 @@
 
 #include "session.h"
 
-namespace {
-constexpr auto kLogSource = zr_nexa::LogSource::kGeneral;
-}
+using namespace zr_nexa;
 
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::pointer_word;
-using zr_nexa::result_of;
+constexpr auto kLogSource = LogSource::kGeneral;
 
 uint32_t zr_nexa_general_restore_nexa_v1()
 {

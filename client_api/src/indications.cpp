@@ -1,21 +1,16 @@
 // Call-status indications of the platform: decoded, logged and handed on to the user's callback.
-#include <arpa/inet.h>
 #include <zr_nexa/indications.h>
 
 #include <cstring>
 
-#include "field_text.h"
-#include "ipv4_text.h"
 #include "session.h"
+#include "texts.h"
 
-using zr_nexa::client;
-using zr_nexa::FieldText;
-using zr_nexa::Ipv4Text;
-using zr_nexa::user_callback;
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kIndications;
+constexpr auto kLogSource = LogSource::kIndications;
 
 // The function that every record here names, whichever one writes it.
 constexpr const char* kFunction = "zr_nexa_inds_cb";
@@ -164,7 +159,7 @@ void take_call(const qcmap_wwan_call_ind& call, const msg_const_type& text, zr_n
 {
     const uint32_t profile = call.profile_handle_valid == 1 ? call.profile_handle : ZR_NEXA_IND_NO_PROFILE;
     const uint32_t subscription = call.subs_id_valid == 1 ? call.subs_id : kNoSubscription;
-    zr_nexa::write_record(text, kFunction, profile, subscription, call.call_end_type, call.call_end_code);
+    write_record(text, kFunction, profile, subscription, call.call_end_type, call.call_end_code);
     event->status = call.conn_status;
     event->call_end_type = call.call_end_type;
     event->call_end_code = call.call_end_code;
@@ -177,13 +172,9 @@ void log_addresses(const qcmap_msgr_bring_up_wwan_ind_msg_v01& bring_up)
     ZR_LOG_INFO_AS(kFunction, "Public IPv4 Address            : %s", Ipv4Text(bring_up.v4_addr).c_str());
     ZR_LOG_INFO_AS(kFunction, "Primary DNS IPv4 Address       : %s", Ipv4Text(bring_up.v4_pri_dns_addr).c_str());
     ZR_LOG_INFO_AS(kFunction, "Seccondary DNS IPv4 Address    : %s", Ipv4Text(bring_up.v4_sec_dns_addr).c_str());
-    char v6[INET6_ADDRSTRLEN];
-    inet_ntop(AF_INET6, bring_up.v6_addr, v6, sizeof(v6));
-    ZR_LOG_INFO_AS(kFunction, "Public IPv6 Address            : %s", v6);
-    inet_ntop(AF_INET6, bring_up.v6_pri_dns_addr, v6, sizeof(v6));
-    ZR_LOG_INFO_AS(kFunction, "Primary DNS IPv6 Address       : %s", v6);
-    inet_ntop(AF_INET6, bring_up.v6_sec_dns_addr, v6, sizeof(v6));
-    ZR_LOG_INFO_AS(kFunction, "Seccondary DNS IPv6 Address    : %s", v6);
+    ZR_LOG_INFO_AS(kFunction, "Public IPv6 Address            : %s", Ipv6Text(bring_up.v6_addr).c_str());
+    ZR_LOG_INFO_AS(kFunction, "Primary DNS IPv6 Address       : %s", Ipv6Text(bring_up.v6_pri_dns_addr).c_str());
+    ZR_LOG_INFO_AS(kFunction, "Seccondary DNS IPv6 Address    : %s", Ipv6Text(bring_up.v6_sec_dns_addr).c_str());
 }
 
 void take_addresses(const qcmap_msgr_bring_up_wwan_ind_msg_v01& bring_up, zr_nexa_ind_call_event_t* event)

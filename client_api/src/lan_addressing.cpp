@@ -1,27 +1,20 @@
 // LAN addressing: gateway URL, addresses and DHCP server of a LAN bridge, default DHCP action, IPv4 and IPv6 switches.
-#include <arpa/inet.h>
-#include <string.h>
 #include <zr_nexa/lan_addressing.h>
 
-#include "ipv4_text.h"
+#include <arpa/inet.h>
+
+#include <cstring>
+
 #include "session.h"
+#include "texts.h"
+
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kLanAddressing;
+constexpr auto kLogSource = LogSource::kLanAddressing;
 
-// The gateway URL in a caller's buffer, which need not be terminated.
-struct BoundedUrl {
-    explicit BoundedUrl(const char* url)
-    {
-        const size_t length = strnlen(url, ZR_NEXA_LAN_GWURL_SIZE);
-        memcpy(text, url, length);
-        text[length] = '\0';
-    }
-    char text[ZR_NEXA_LAN_GWURL_SIZE + 1];
-};
-
-using zr_nexa::Ipv4Text;
+using UrlText = FieldText<ZR_NEXA_LAN_GWURL_SIZE>;
 
 void log_dhcp_cfg(const char* function, uint32_t lan_id, const zr_nexa_lan_dhcp_cfg_t& cfg)
 {
@@ -38,12 +31,6 @@ void log_dhcp_cfg(const char* function, uint32_t lan_id, const zr_nexa_lan_dhcp_
 
 }  // namespace
 
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_bridge;
-
 uint32_t zr_nexa_lan_gwurl_set_v1(const char* url)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
@@ -51,7 +38,7 @@ uint32_t zr_nexa_lan_gwurl_set_v1(const char* url)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     // The service only reads the text, although it does not say so.
     auto* const text = reinterpret_cast<unsigned char*>(const_cast<char*>(url));
-    if (!client->SetGatewayUrl(text, static_cast<unsigned int>(strlen(url)), &err)) {
+    if (!client->SetGatewayUrl(text, static_cast<unsigned int>(std::strlen(url)), &err)) {
         ZR_LOG_ERROR("Set gateway url error %d, gwurl:%s", err, url);
         return failed_step(1, err);
     }
@@ -65,10 +52,10 @@ uint32_t zr_nexa_lan_gwurl_get_v1(char* url, uint32_t* len)
     if (url == nullptr || len == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetGatewayUrl(reinterpret_cast<unsigned char*>(url), len, &err)) {
-        ZR_LOG_ERROR("Get gateway url error %d, gwurl:%s gwurl_len=%d", err, BoundedUrl(url).text, *len);
+        ZR_LOG_ERROR("Get gateway url error %d, gwurl:%s gwurl_len=%d", err, UrlText(url).c_str(), *len);
         return failed_step(1, err);
     }
-    ZR_LOG_INFO("Get gateway url:%s gwurl_len=%d, error %d", BoundedUrl(url).text, *len, err);
+    ZR_LOG_INFO("Get gateway url:%s gwurl_len=%d, error %d", UrlText(url).c_str(), *len, err);
     return result_of(err);
 }
 
@@ -76,7 +63,7 @@ uint32_t zr_nexa_lan_dhcp_srvctl_set_v1(uint32_t lan_id, int32_t enable)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     ZR_LOG_INFO("lan_id: %d", lan_id);
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SelectLANBridge(static_cast<short>(lan_id), &err)) {
         // No such bridge yet: the switch is kept as the default for bridges to come.
@@ -104,7 +91,7 @@ uint32_t zr_nexa_lan_dhcp_srvctl_set_v1(uint32_t lan_id, int32_t enable)
 uint32_t zr_nexa_lan_dhcp_srvctl_get_v1(uint32_t lan_id, uint32_t* enable)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SelectLANBridge(static_cast<short>(lan_id), &err)) {
         qcmap_msgr_config_state_enum_v01 state = QCMAP_MSGR_CONFIG_STATE_OFF_V01;
@@ -129,7 +116,7 @@ uint32_t zr_nexa_lan_dhcp_set_v1(uint32_t lan_id, const zr_nexa_lan_dhcp_cfg_t* 
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (cfg == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
 
     qcmap_msgr_lan_config_v01 lan = {};
     lan.gateway_ip = cfg->gateway_ip;
@@ -168,7 +155,7 @@ uint32_t zr_nexa_lan_dhcp_get_v1(uint32_t lan_id, zr_nexa_lan_dhcp_cfg_t* cfg)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (cfg == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_lan_config_v01 lan = {};

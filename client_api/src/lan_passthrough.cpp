@@ -2,15 +2,16 @@
 #include <zr_nexa/lan_passthrough.h>
 #include <zr_nexa/mac_text.h>
 
-#include <string.h>
+#include <cstring>
 
-#include "field_text.h"
-#include "ipv4_text.h"
 #include "session.h"
+#include "texts.h"
+
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kLanPassthrough;
+constexpr auto kLogSource = LogSource::kLanPassthrough;
 
 constexpr uint32_t kPassthroughNatFeature = 1;
 constexpr uint32_t kFeatureWithNat = 1;
@@ -27,11 +28,6 @@ constexpr uint32_t kPlatformNoPorts = 4;
 static_assert(ZR_NEXA_LAN_IPPTGWFILTER_MAX == QCMAP_MAX_SW_PATH_FILTERS);
 static_assert(ZR_NEXA_LAN_SWPATHFILTER_MAX == QCMAP_MAX_SW_PATH_FILTERS);
 static_assert(ZR_NEXA_LAN_IPPT_NAME_SIZE == sizeof(qcmap_msgr_ip_passthrough_config_v01::host_name));
-
-bool is_vlan(uint32_t lan_id)
-{
-    return lan_id >= 1 && lan_id <= ZR_NEXA_LAN_ID_MAX;
-}
 
 bool is_filter_port(uint16_t port)
 {
@@ -81,15 +77,6 @@ void read_device_type(uint32_t device_type, uint8_t* ippt_mode)
 }
 
 }  // namespace
-
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::FieldText;
-using zr_nexa::guard;
-using zr_nexa::Ipv4Text;
-using zr_nexa::result_of;
-using zr_nexa::select_bridge;
 
 uint32_t zr_nexa_lan_ipptnat_set_v1(uint32_t mode)
 {
@@ -152,7 +139,7 @@ uint32_t zr_nexa_lan_ipptnat_get_v1(uint8_t* mode_out)
 uint32_t zr_nexa_lan_ipptnatpdn_set_v1(uint32_t lan_id, int8_t pdn)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    if (pdn < ZR_NEXA_LAN_IPPTNAT_DEFAULT || pdn > ZR_NEXA_LAN_IPPTNAT_WITH_NAT_ONE_DEVICE || !is_vlan(lan_id)) {
+    if (pdn < ZR_NEXA_LAN_IPPTNAT_DEFAULT || pdn > ZR_NEXA_LAN_IPPTNAT_WITH_NAT_ONE_DEVICE || !is_vlan_id(lan_id)) {
         return ZR_NEXA_ERR_ARGUMENT;
     }
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
@@ -175,7 +162,7 @@ uint32_t zr_nexa_lan_ipptnatpdn_set_v1(uint32_t lan_id, int8_t pdn)
 uint32_t zr_nexa_lan_ipptnatpdn_get_v1(uint32_t lan_id, int8_t* pdn_out)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    if (pdn_out == nullptr || !is_vlan(lan_id)) return ZR_NEXA_ERR_ARGUMENT;
+    if (pdn_out == nullptr || !is_vlan_id(lan_id)) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SelectLANBridge(static_cast<short>(lan_id), &err)) return failed_step(1, err);
     int pdn = ZR_NEXA_LAN_IPPTNAT_DEFAULT;
@@ -194,7 +181,7 @@ uint32_t zr_nexa_lan_ippt_set_v1(const zr_nexa_lan_ippt_t* rec)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (rec == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (rec->lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(rec->lan_id)) return ZR_NEXA_ERR_RANGE;
     if (rec->ippt_adaptive > kAdaptiveMax) return ZR_NEXA_LAN_IPPT_ERR_ADAPTIVE;
     if (rec->ippt_mode > kModeMax) return ZR_NEXA_LAN_IPPT_ERR_MODE;
     if (rec->lan_id != 0 && rec->ippt_mode == ZR_NEXA_LAN_IPPT_WLAN) return ZR_NEXA_LAN_IPPT_ERR_WLAN_ON_VLAN;
@@ -237,7 +224,7 @@ uint32_t zr_nexa_lan_ippt_set_v1(const zr_nexa_lan_ippt_t* rec)
     if (rec->ippt_mode == ZR_NEXA_LAN_IPPT_USB) {
         if (rec->host_name[0] == '\0') return ZR_NEXA_OK;
         config.device_type = QCMAP_DEVICE_TYPE_USB;
-        memcpy(config.host_name, rec->host_name, sizeof(config.host_name));
+        std::memcpy(config.host_name, rec->host_name, sizeof(config.host_name));
         if (!client->SetIPPassthroughConfig(QCMAP_MSGR_IP_PASSTHROUGH_MODE_ENABLED_V01, true, &config, &err)) {
             return failed_step(5, err);
         }
@@ -259,7 +246,7 @@ uint32_t zr_nexa_lan_ippt_get_v1(zr_nexa_lan_ippt_t* rec)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (rec == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (rec->lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(rec->lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, rec->lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_ip_passthrough_mode_enum_v01 mode = QCMAP_MSGR_IP_PASSTHROUGH_MODE_DISABLED_V01;
@@ -274,7 +261,7 @@ uint32_t zr_nexa_lan_ippt_get_v1(zr_nexa_lan_ippt_t* rec)
         read_device_type(config.device_type, &rec->ippt_mode);
         uint32_t device_type = 0;
         if (rec->ippt_mode == ZR_NEXA_LAN_IPPT_USB) {
-            memcpy(rec->host_name, config.host_name, sizeof(rec->host_name));
+            std::memcpy(rec->host_name, config.host_name, sizeof(rec->host_name));
         } else if (device_with_mac(rec->ippt_mode, &device_type)) {
             ds_mac_addr_ntop(config.mac, rec->host_mac);
         }
@@ -288,7 +275,7 @@ uint32_t zr_nexa_lan_ippt_get_v1(zr_nexa_lan_ippt_t* rec)
 uint32_t zr_nexa_lan_ipptgwfilter_add_v1(uint32_t lan_id, uint32_t protocol, uint16_t start_port, uint16_t end_port)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     if (protocol < ZR_NEXA_LAN_IPPTGWFILTER_TCP || protocol > ZR_NEXA_LAN_IPPTGWFILTER_NO_PORTS) {
         return ZR_NEXA_LAN_IPPTGWFILTER_ERR_PROTOCOL;
     }
@@ -305,7 +292,7 @@ uint32_t zr_nexa_lan_ipptgwfilter_add_v1(uint32_t lan_id, uint32_t protocol, uin
         ZR_LOG_ERROR("Get IPPT SW Filters error %d", err);
         return failed_step(2, err);
     }
-    const uint32_t count = clamped(uint32_t{filters.count}, QCMAP_MAX_SW_PATH_FILTERS);
+    const uint32_t count = clamped(filters.count, QCMAP_MAX_SW_PATH_FILTERS);
     if (count == QCMAP_MAX_SW_PATH_FILTERS) {
         ZR_LOG_ERROR("IPPT SW Filters config full, number of filters:%d", count);
         return ZR_NEXA_LAN_IPPTGWFILTER_ERR_COUNT;
@@ -327,7 +314,7 @@ uint32_t zr_nexa_lan_ipptgwfilter_get_v1(uint32_t lan_id, zr_nexa_lan_ipptgwfilt
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     *list = {};
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_sw_path_filters_conf_t filters = {};
@@ -336,7 +323,7 @@ uint32_t zr_nexa_lan_ipptgwfilter_get_v1(uint32_t lan_id, zr_nexa_lan_ipptgwfilt
         ZR_LOG_ERROR("Get IPPT SW Filters error %d", err);
         return failed_step(2, err);
     }
-    const uint32_t count = clamped(uint32_t{filters.count}, QCMAP_MAX_SW_PATH_FILTERS);
+    const uint32_t count = clamped(filters.count, QCMAP_MAX_SW_PATH_FILTERS);
     for (uint32_t i = 0; i < count; ++i) {
         const qcmap_sw_path_filter& filter = filters.filter[i];
         switch (filter.protocol) {
@@ -359,7 +346,7 @@ uint32_t zr_nexa_lan_ipptgwfilter_get_v1(uint32_t lan_id, zr_nexa_lan_ipptgwfilt
 uint32_t zr_nexa_lan_ipptgwfilter_del_v1(uint32_t lan_id, uint8_t number)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     if (number < 1 || number > ZR_NEXA_LAN_IPPTGWFILTER_MAX) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
@@ -369,7 +356,7 @@ uint32_t zr_nexa_lan_ipptgwfilter_del_v1(uint32_t lan_id, uint8_t number)
         ZR_LOG_ERROR("Get IPPT SW Filters error %d", err);
         return failed_step(2, err);
     }
-    const uint32_t count = clamped(uint32_t{filters.count}, QCMAP_MAX_SW_PATH_FILTERS);
+    const uint32_t count = clamped(filters.count, QCMAP_MAX_SW_PATH_FILTERS);
     if (number > count) {
         ZR_LOG_ERROR("IPPT SW Filters config no exist");
         return ZR_NEXA_LAN_IPPTGWFILTER_ERR_COUNT;

@@ -3,13 +3,14 @@
 
 #include <cstring>
 
-#include "field_text.h"
-#include "ipv4_text.h"
 #include "session.h"
+#include "texts.h"
+
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kLanServices;
+constexpr auto kLogSource = LogSource::kLanServices;
 
 constexpr uint32_t kMtuMin = 576;
 constexpr uint32_t kMtuMax = 9000;
@@ -22,14 +23,6 @@ static_assert(sizeof(zr_nexa_lan_dhcp_reserv_record_t) == sizeof(qcmap_msgr_dhcp
                   offsetof(zr_nexa_lan_dhcp_reserv_record_t, enable) ==
                       offsetof(qcmap_msgr_dhcp_reservation_v01, enable),
               "the two reservations have one layout");
-
-struct MacText {
-    char text[18];
-    explicit MacText(const uint8_t (&mac)[6])
-    {
-        ds_mac_addr_ntop(mac, text);
-    }
-};
 
 template <typename To, typename From>
 void copy_reservation(To* to, const From& from)
@@ -47,7 +40,7 @@ void copy_device(zr_nexa_lan_connected_device_t* to, const qcmap_connected_devic
     std::memcpy(to->mac, from.mac, sizeof(to->mac));
     std::memcpy(to->host_name, from.host_name, sizeof(to->host_name));
     std::memset(to->reserved, 0, sizeof(to->reserved));
-    to->ipv6_count = zr_nexa::clamped(from.ipv6_count, ZR_NEXA_LAN_DEVICE_IPV6_MAX);
+    to->ipv6_count = clamped(from.ipv6_count, ZR_NEXA_LAN_DEVICE_IPV6_MAX);
     std::memcpy(to->ipv6_addr, from.ipv6_addr, sizeof(to->ipv6_addr));
     to->rx_bytes = from.rx_bytes;
     to->tx_bytes = from.tx_bytes;
@@ -67,7 +60,7 @@ void copy_tunnel(To* to, const From& from)
     std::memcpy(to->local_ipv6, from.local_ipv6, sizeof(to->local_ipv6));
     std::memcpy(to->peer_ipv6, from.peer_ipv6, sizeof(to->peer_ipv6));
     to->mtu = from.mtu;
-    to->session_count = zr_nexa::clamped(from.session_count, ZR_NEXA_LAN_L2TP_SESSIONS_MAX);
+    to->session_count = clamped(from.session_count, ZR_NEXA_LAN_L2TP_SESSIONS_MAX);
     for (uint32_t i = 0; i < to->session_count; ++i) {
         to->session[i].local_session_id = from.session[i].local_session_id;
         to->session[i].peer_session_id = from.session[i].peer_session_id;
@@ -128,15 +121,6 @@ uint32_t check_tunnel(const zr_nexa_lan_l2tp_cfg_t& config)
 
 }  // namespace
 
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::FieldText;
-using zr_nexa::guard;
-using zr_nexa::Ipv4Text;
-using zr_nexa::result_of;
-using zr_nexa::select_bridge;
-
 uint32_t zr_nexa_lan_dhcp_reserv_record_add_v1(const zr_nexa_lan_dhcp_reserv_record_t* record)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
@@ -144,7 +128,7 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_add_v1(const zr_nexa_lan_dhcp_reserv_rec
     qcmap_msgr_dhcp_reservation_v01 reservation = {};
     copy_reservation(&reservation, *record);
     ZR_LOG_INFO("Add a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
-                MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
+                MacText(reservation.mac).c_str(), Ipv4Text(reservation.reserved_ip).c_str(),
                 FieldText(reservation.device_name).c_str(), reservation.enable);
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->AddDHCPReservRecord(&reservation, &err)) {
@@ -183,7 +167,7 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_edit_v1(uint32_t ip_address, const zr_ne
     qcmap_msgr_dhcp_reservation_v01 reservation = {};
     copy_reservation(&reservation, *record);
     ZR_LOG_INFO("Edit a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
-                MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
+                MacText(reservation.mac).c_str(), Ipv4Text(reservation.reserved_ip).c_str(),
                 FieldText(reservation.device_name).c_str(), reservation.enable);
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->EditDHCPReservRecord(&ip_address, &reservation, &err)) {
@@ -274,7 +258,7 @@ uint32_t zr_nexa_lan_connected_device_info_get_v1(zr_nexa_lan_connected_device_t
         const qcmap_connected_device& device = list.device[i];
         copy_device(&devices[i], device);
         ZR_LOG_INFO("[No %d]device type(%d), IP Addr(%s), MAC(%s)", i, device.device_type,
-                    Ipv4Text(device.ipv4_addr).c_str(), MacText(device.mac).text);
+                    Ipv4Text(device.ipv4_addr).c_str(), MacText(device.mac).c_str());
         // The record has room for 32 bits of each count.
         ZR_LOG_INFO("[No %d]RX bytes: %lu TX bytes: %lu", i,
                     static_cast<unsigned long>(static_cast<uint32_t>(device.rx_bytes)),
@@ -288,7 +272,7 @@ uint32_t zr_nexa_lan_unmanaged_l2tp_state_set_v1(uint32_t lan_id, const zr_nexa_
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (config == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     if (const uint32_t bad = check_unmanaged(*config); bad != ZR_NEXA_OK) return bad;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
@@ -309,7 +293,7 @@ uint32_t zr_nexa_lan_l2tp_get_v1(uint32_t lan_id, zr_nexa_lan_l2tp_info_t* confi
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (config == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_l2tp_conf_t answer = {};
@@ -334,7 +318,7 @@ uint32_t zr_nexa_lan_l2tp_set_v1(uint32_t lan_id, const zr_nexa_lan_l2tp_cfg_t* 
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (config == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     if (const uint32_t bad = check_tunnel(*config); bad != ZR_NEXA_OK) return bad;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
@@ -351,7 +335,7 @@ uint32_t zr_nexa_lan_l2tp_set_v1(uint32_t lan_id, const zr_nexa_lan_l2tp_cfg_t* 
 uint32_t zr_nexa_lan_l2tp_delete_v1(uint32_t lan_id, uint32_t tunnel_id)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_delete_l2tp_config_v01 request = {};

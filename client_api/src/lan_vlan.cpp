@@ -3,11 +3,11 @@
 
 #include "session.h"
 
+using namespace zr_nexa;
+
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kLanVlan;
-
-constexpr uint16_t kVlanIdMax = 4094;
+constexpr auto kLogSource = LogSource::kLanVlan;
 
 static_assert(ZR_NEXA_LAN_VLAN_MAX == QCMAP_MAX_VLAN_ENTRIES);
 
@@ -19,11 +19,6 @@ constexpr qcmap_msgr_interface_type_enum_v01 kInterfaceTypes[] = {
     QCMAP_MSGR_INTERFACE_TYPE_ETH_NIC2_V01,
 };
 constexpr uint8_t kInterfaceTypeCount = 4;
-
-bool is_vlan_id(uint16_t vlan_id)
-{
-    return vlan_id >= 1 && vlan_id <= kVlanIdMax;
-}
 
 bool is_phy_iface_type(uint8_t phy_iface_type)
 {
@@ -39,12 +34,6 @@ void read_interface_type(qcmap_msgr_interface_type_enum_v01 type, uint8_t* phy_i
 }
 
 }  // namespace
-
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
 
 uint32_t zr_nexa_lan_vlan_add_v1(uint16_t vlan_id, uint8_t phy_iface_type, uint32_t is_accelerated)
 {

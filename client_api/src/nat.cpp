@@ -3,9 +3,11 @@
 
 #include "session.h"
 
+using namespace zr_nexa;
+
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kNat;
+constexpr auto kLogSource = LogSource::kNat;
 
 constexpr uint32_t kNatTypeMax = ZR_NEXA_NAT_TYPE_ADDRESS_RESTRICTED;
 constexpr uint32_t kBroadcastAddress = 0xFFFFFFFF;
@@ -52,14 +54,6 @@ uint32_t build_entry(uint32_t wwan_handle, uint32_t private_ip, uint16_t private
 }
 
 }  // namespace
-
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::pointer_word;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
 
 uint32_t zr_nexa_nat_type_set_v1(uint32_t wwan_handle, uint32_t nat_type)
 {

@@ -3,15 +3,9 @@
 
 #include "session.h"
 
-namespace {
-constexpr auto kLogSource = zr_nexa::LogSource::kUpnp;
-}
+using namespace zr_nexa;
 
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
+constexpr auto kLogSource = LogSource::kUpnp;
 
 uint32_t zr_nexa_media_upnp_set_v1(uint32_t enable)
 {
@@ -39,7 +33,7 @@ uint32_t zr_nexa_media_upnp_get_v1(uint8_t* enable)
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (enable == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
-    auto mode = static_cast<qcmap_msgr_upnp_mode_enum_v01>(0);
+    qcmap_msgr_upnp_mode_enum_v01 mode = {};
     if (!client->GetUPNPStatus(&mode, &err)) {
         ZR_LOG_ERROR("Get UPNP Status error %d", err);
         return failed_step(1, err);

@@ -3,18 +3,11 @@
 
 #include "session.h"
 
-namespace {
-constexpr auto kLogSource = zr_nexa::LogSource::kVpnPassthrough;
-}
-
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
-using zr_nexa::write_record;
+using namespace zr_nexa;
 
 namespace {
+
+constexpr auto kLogSource = LogSource::kVpnPassthrough;
 
 using SetMethod = bool (QCMAP_Client::*)(unsigned char enable, qmi_error_type_v01* err);
 using GetMethod = bool (QCMAP_Client::*)(unsigned char* enable, qmi_error_type_v01* err);

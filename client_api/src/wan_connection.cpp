@@ -1,29 +1,17 @@
 // WAN connection: state, connecting, modes, details and traffic counts of a profile.
-#include "session.h"
+#include "session.h"  // first: the area's header leaves the platform's own record to it
 
 #include <zr_nexa/wan_connection.h>
 
 #include <cstring>
 
-#include "field_text.h"
+#include "texts.h"
+
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kWanConnection;
-
-}  // namespace
-
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::FieldText;
-using zr_nexa::guard;
-using zr_nexa::pointer_word;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
-using zr_nexa::write_record;
-
-namespace {
+constexpr auto kLogSource = LogSource::kWanConnection;
 
 // The on/off modes of a profile differ in their platform methods and their texts only.
 using SetMode = bool (QCMAP_Client::*)(bool enable, qmi_error_type_v01* err);
@@ -123,8 +111,8 @@ uint32_t zr_nexa_wan_status_get_v1(uint32_t wwan_handle, uint32_t* v4_status, ui
     if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
-    auto v4 = static_cast<qcmap_msgr_wwan_status_enum_v01>(0);
-    auto v6 = static_cast<qcmap_msgr_wwan_status_enum_v01>(0);
+    qcmap_msgr_wwan_status_enum_v01 v4 = {};
+    qcmap_msgr_wwan_status_enum_v01 v6 = {};
     if (!client->GetWWANStatus(&v4, &v6, &err)) {
         ZR_LOG_ERROR("Get WWAN Status (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);

@@ -1,20 +1,17 @@
 // Multi-PDN mapping.
-#include "session.h"
-
 #include <zr_nexa/wan_mpdn_mapping.h>
 
 #include <cstring>
 
+#include "session.h"
+
+using namespace zr_nexa;
+
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kWanMpdnMapping;
+constexpr auto kLogSource = LogSource::kWanMpdnMapping;
 
 static_assert(ZR_NEXA_WAN_MPDNMAPPING_MAX == QCMAP_MAX_WWAN_PROFILES * QCMAP_MAX_VLANS_PER_PDN);
-
-bool is_vlan_id(uint16_t vlan_id)
-{
-    return static_cast<uint16_t>(vlan_id - 1) < ZR_NEXA_LAN_ID_MAX;
-}
 
 bool is_clear(const qcmap_pdn_to_vlan_mapping& mapping)
 {
@@ -38,14 +35,6 @@ qcmap_msgr_pdn_to_vlan_mapping_ex_v01* cleared_mappings()
 }
 
 }  // namespace
-
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_bridge;
-using zr_nexa::select_profile;
 
 uint32_t zr_nexa_wan_mpdnmapping_add_v1(uint32_t profile_handle, uint16_t vlan_id)
 {

@@ -1,15 +1,16 @@
 // WWAN profiles.
-#include "session.h"
-
 #include <zr_nexa/wan_profile.h>
 
 #include <cstring>
 
-#include "field_text.h"
+#include "session.h"
+#include "texts.h"
+
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kWanProfile;
+constexpr auto kLogSource = LogSource::kWanProfile;
 
 static_assert(ZR_NEXA_WAN_PROFILES_MAX == QCMAP_MAX_WWAN_PROFILES);
 static_assert(ZR_NEXA_WAN_APN_NAME_SIZE == QCMAP_APN_NAME_LEN);
@@ -50,14 +51,6 @@ uint32_t tech_word(const qcmap_net_policy_info& policy)
 }
 
 }  // namespace
-
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::FieldText;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
 
 uint32_t zr_nexa_wan_wwanconfig_add_v1(uint32_t* wwan_handle, int tech_pref, int apn_id)
 {

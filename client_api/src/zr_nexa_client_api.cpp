@@ -1,5 +1,5 @@
 // Opening and closing the session: one QCMAP_Client object and one user callback for the whole process.
-#include "session.h"
+#include "session.h"  // first: the area headers leave the platform's own record to it
 
 #include <zr_nexa_client_api.h>
 
