@@ -7,8 +7,8 @@
 #include <cstring>
 
 #include "ipacm_cfg.h"
-#include "ipv4_text.h"
 #include "log.h"
+#include "texts.h"
 
 namespace {
 
