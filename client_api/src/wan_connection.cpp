@@ -17,19 +17,19 @@ constexpr auto kLogSource = LogSource::kWanConnection;
 using SetMode = bool (QCMAP_Client::*)(bool enable, qmi_error_type_v01* err);
 using GetMode = bool (QCMAP_Client::*)(unsigned char* enable, qmi_error_type_v01* err);
 
-struct SetModeTexts {
-    msg_const_type enable_failed;   // handle, error
-    msg_const_type disable_failed;  // handle, error
-    msg_const_type done;            // handle, mode, error
+struct SetModeRecords {
+    Record<uint32_t, qmi_error_type_v01> enable_failed;   // handle, error word
+    Record<uint32_t, qmi_error_type_v01> disable_failed;  // handle, error word
+    Record<uint32_t, uint32_t, qmi_error_type_v01> done;  // handle, mode, error word
 };
 
-struct GetModeTexts {
-    msg_const_type failed;  // handle, error
-    msg_const_type done;    // handle, mode, error
+struct GetModeRecords {
+    Record<uint32_t, qmi_error_type_v01> failed;          // handle, error word
+    Record<uint32_t, uint32_t, qmi_error_type_v01> done;  // handle, mode, error word
 };
 
 template <SetMode set>
-uint32_t set_mode(const char* function, uint32_t wwan_handle, uint32_t enable, const SetModeTexts& texts)
+uint32_t set_mode(const char* function, uint32_t wwan_handle, uint32_t enable, const SetModeRecords& records)
 {
     if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
     if (wwan_handle == 0 || enable > 1) return ZR_NEXA_ERR_ARGUMENT;
@@ -37,21 +37,21 @@ uint32_t set_mode(const char* function, uint32_t wwan_handle, uint32_t enable, c
     if (!select_profile(function, wwan_handle, &err)) return failed_step(1, err);
     if (enable == 1) {
         if (!(client->*set)(true, &err)) {
-            write_record(texts.enable_failed, function, wwan_handle, err);
+            records.enable_failed.write(function, wwan_handle, err);
             return failed_step(2, err);
         }
     } else {
         if (!(client->*set)(false, &err)) {
-            write_record(texts.disable_failed, function, wwan_handle, err);
+            records.disable_failed.write(function, wwan_handle, err);
             return failed_step(3, err);
         }
     }
-    write_record(texts.done, function, wwan_handle, enable, err);
+    records.done.write(function, wwan_handle, enable, err);
     return result_of(err);
 }
 
 template <GetMode get>
-uint32_t get_mode(const char* function, uint32_t wwan_handle, uint8_t* enable, const GetModeTexts& texts)
+uint32_t get_mode(const char* function, uint32_t wwan_handle, uint8_t* enable, const GetModeRecords& records)
 {
     if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
     if (wwan_handle == 0 || enable == nullptr) return ZR_NEXA_ERR_ARGUMENT;
@@ -59,16 +59,18 @@ uint32_t get_mode(const char* function, uint32_t wwan_handle, uint8_t* enable, c
     if (!select_profile(function, wwan_handle, &err)) return failed_step(1, err);
     unsigned char state = 0;
     if (!(client->*get)(&state, &err)) {
-        write_record(texts.failed, function, wwan_handle, err);
+        records.failed.write(function, wwan_handle, err);
         return failed_step(2, err);
     }
     *enable = state;
-    write_record(texts.done, function, wwan_handle, state, err);
+    records.done.write(function, wwan_handle, state, err);
     return result_of(err);
 }
 
+using BackhaulRecord = Record<uint32_t, uint32_t, qmi_error_type_v01>;  // handle, switch, error word
+
 uint32_t set_backhaul(const char* function, uint32_t wwan_handle, uint32_t connect,
-                      qcmap_msgr_wwan_call_type_v01 call_type, const msg_const_type& done)
+                      qcmap_msgr_wwan_call_type_v01 call_type, const BackhaulRecord& done)
 {
     if (!guard(function)) return ZR_NEXA_ERR_NO_SESSION;
     if (wwan_handle == 0 || connect > 1) return ZR_NEXA_ERR_ARGUMENT;
@@ -87,7 +89,7 @@ uint32_t set_backhaul(const char* function, uint32_t wwan_handle, uint32_t conne
             return failed_step(3, err);
         }
     }
-    write_record(done, function, wwan_handle, connect, err);
+    done.write(function, wwan_handle, connect, err);
     return result_of(err);
 }
 
@@ -131,73 +133,73 @@ uint32_t zr_nexa_wan_status_get_v1(uint32_t wwan_handle, uint32_t* v4_status, ui
 
 uint32_t zr_nexa_wan_connect_v4_set_v1(uint32_t wwan_handle, uint32_t connect)
 {
-    static constexpr msg_const_type done =
-        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 BackHaul (wwan_handle=%d v4_connect=%d) error %d");
+    static constexpr BackhaulRecord done =
+        ZR_LOG_INFO_RECORD("Set IPv4 BackHaul (wwan_handle=%d v4_connect=%d) error %d");
     return set_backhaul(__func__, wwan_handle, connect, QCMAP_MSGR_WWAN_CALL_TYPE_V4_V01, done);
 }
 
 uint32_t zr_nexa_wan_connect_v6_set_v1(uint32_t wwan_handle, uint32_t connect)
 {
-    static constexpr msg_const_type done =
-        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 BackHaul (wwan_handle=%d v6_connect=%d) error %d");
+    static constexpr BackhaulRecord done =
+        ZR_LOG_INFO_RECORD("Set IPv6 BackHaul (wwan_handle=%d v6_connect=%d) error %d");
     return set_backhaul(__func__, wwan_handle, connect, QCMAP_MSGR_WWAN_CALL_TYPE_V6_V01, done);
 }
 
 uint32_t zr_nexa_wan_reconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
-    static constexpr SetModeTexts texts = {
-        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Enable Reconnect Mode (wwan_handle=%d) error %d"),
-        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Disable Reconnect Mode (wwan_handle=%d) error %d"),
-        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
+    static constexpr SetModeRecords records = {
+        ZR_LOG_ERROR_RECORD("Enable Reconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_ERROR_RECORD("Disable Reconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_INFO_RECORD("Set Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return set_mode<&QCMAP_Client::SetReconnect>(__func__, wwan_handle, enable, texts);
+    return set_mode<&QCMAP_Client::SetReconnect>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_wan_reconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr GetModeTexts texts = {
-        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Get Reconnect Mode (wwan_handle=%d) error %d"),
-        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
+    static constexpr GetModeRecords records = {
+        ZR_LOG_ERROR_RECORD("Get Reconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_INFO_RECORD("Get Reconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return get_mode<&QCMAP_Client::GetReconnect>(__func__, wwan_handle, enable, texts);
+    return get_mode<&QCMAP_Client::GetReconnect>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_wan_autoconnect_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
-    static constexpr SetModeTexts texts = {
-        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Enable Autoconnect Mode (wwan_handle=%d) error %d"),
-        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Disable Autoconnect Mode (wwan_handle=%d) error %d"),
-        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
+    static constexpr SetModeRecords records = {
+        ZR_LOG_ERROR_RECORD("Enable Autoconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_ERROR_RECORD("Disable Autoconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_INFO_RECORD("Set Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return set_mode<&QCMAP_Client::SetAutoconnect>(__func__, wwan_handle, enable, texts);
+    return set_mode<&QCMAP_Client::SetAutoconnect>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_wan_autoconnect_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr GetModeTexts texts = {
-        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Get Autoconnect Mode (wwan_handle=%d) error %d"),
-        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
+    static constexpr GetModeRecords records = {
+        ZR_LOG_ERROR_RECORD("Get Autoconnect Mode (wwan_handle=%d) error %d"),
+        ZR_LOG_INFO_RECORD("Get Autoconnect Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return get_mode<&QCMAP_Client::GetAutoconnect>(__func__, wwan_handle, enable, texts);
+    return get_mode<&QCMAP_Client::GetAutoconnect>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_wan_roaming_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
-    static constexpr SetModeTexts texts = {
-        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Enable NEXA roaming cfg (wwan_handle=%d) error %d"),
-        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Disable NEXA roaming cfg (wwan_handle=%d) error %d"),
-        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Set Roaming Mode (wwan_handle=%d) Status %d, error %d"),
+    static constexpr SetModeRecords records = {
+        ZR_LOG_ERROR_RECORD("Enable NEXA roaming cfg (wwan_handle=%d) error %d"),
+        ZR_LOG_ERROR_RECORD("Disable NEXA roaming cfg (wwan_handle=%d) error %d"),
+        ZR_LOG_INFO_RECORD("Set Roaming Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return set_mode<&QCMAP_Client::SetRoaming>(__func__, wwan_handle, enable, texts);
+    return set_mode<&QCMAP_Client::SetRoaming>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_wan_roaming_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr GetModeTexts texts = {
-        ZR_LOG_RECORD(MSG_LEVEL_ERROR, "Get NEXA roaming cfg (wwan_handle=%d) error %d"),
-        ZR_LOG_RECORD(MSG_LEVEL_HIGH, "Get Roaming Mode (wwan_handle=%d) Status %d, error %d"),
+    static constexpr GetModeRecords records = {
+        ZR_LOG_ERROR_RECORD("Get NEXA roaming cfg (wwan_handle=%d) error %d"),
+        ZR_LOG_INFO_RECORD("Get Roaming Mode (wwan_handle=%d) Status %d, error %d"),
     };
-    return get_mode<&QCMAP_Client::GetRoaming>(__func__, wwan_handle, enable, texts);
+    return get_mode<&QCMAP_Client::GetRoaming>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_wan_info_get_v1(uint32_t wwan_handle, zr_nexa_wan_info_t* info)
