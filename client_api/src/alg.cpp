@@ -44,7 +44,7 @@ uint32_t get_ipv4_servers(const char* function, int* count, unsigned char* out)
     qcmap_msgr_sip_server_info_v01 network[QCMAP_MAX_SIP_SERVERS] = {};
     int reported = 0;
     if (!client->GetSIPServerInfo(&configured, network, &reported, &err)) {
-        ZR_LOG_ERROR_AS(function, "Failed to get IPV4 SIP server info. Error:0x%x", static_cast<uint32_t>(err));
+        ZR_LOG_ERROR_AS(function, "Failed to get IPV4 SIP server info. Error:0x%x", err);
         return failed_step(2, err);
     }
     const uint32_t n = clamped(reported, QCMAP_MAX_SIP_SERVERS);
@@ -64,7 +64,7 @@ uint32_t get_ipv6_servers(const char* function, int* count, unsigned char* out)
     qcmap_msgr_ipv6_sip_server_info_v01 network[QCMAP_MAX_SIP_SERVERS] = {};
     int reported = 0;
     if (!client->GetV6SIPServerInfo(network, &reported, &err)) {
-        ZR_LOG_ERROR_AS(function, "Failed to get IPV6 SIP server info. Error:0x%x", static_cast<uint32_t>(err));
+        ZR_LOG_ERROR_AS(function, "Failed to get IPV6 SIP server info. Error:0x%x", err);
         return failed_step(3, err);
     }
     const uint32_t n = clamped(reported, QCMAP_MAX_SIP_SERVERS);
@@ -95,13 +95,13 @@ uint32_t zr_nexa_alg_enable_type_set_v1(uint32_t enable, uint64_t alg_types)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (enable == 1) {
         if (!client->EnableAlg(alg_types, &err)) {
-            ZR_LOG_ERROR("Failed to Enable ALG. Error:0x%x", static_cast<uint32_t>(err));
+            ZR_LOG_ERROR("Failed to Enable ALG. Error:0x%x", err);
             return failed_step(1, err);
         }
         ZR_LOG_INFO("Successfully Enable ALG types(%llu)", shown_types);
     } else {
         if (!client->DisableAlg(alg_types, &err)) {
-            ZR_LOG_ERROR("Failed to Disable ALG. Error:0x%x", static_cast<uint32_t>(err));
+            ZR_LOG_ERROR("Failed to Disable ALG. Error:0x%x", err);
             return failed_step(2, err);
         }
         ZR_LOG_INFO("Successfully Disable ALG types(%llu)", shown_types);
@@ -128,7 +128,7 @@ uint32_t zr_nexa_alg_sip_server_info_set_v1(uint32_t lan_id, const zr_nexa_sip_s
         return ZR_NEXA_ALG_ERR_VALUE;
     }
     if (!client->SetSIPServerInfo(&record, &err)) {
-        ZR_LOG_ERROR("Failed to set SIP server information. Error:0x%x", static_cast<uint32_t>(err));
+        ZR_LOG_ERROR("Failed to set SIP server information. Error:0x%x", err);
         return failed_step(2, err);
     }
     ZR_LOG_INFO("Successfully set SIP server information.");

@@ -29,6 +29,24 @@ void log_dhcp_cfg(const char* function, uint32_t lan_id, const zr_nexa_lan_dhcp_
     ZR_LOG_INFO_AS(function, "LAN_ID=%d SecDNSAddr=%s", lan_id, Ipv4Text(htonl(cfg.secondary_dns)).c_str());
 }
 
+// Both ways between the interface's record and the platform's. The DNS servers are taken only with the mode that has
+// them, and an unknown mode not at all.
+template <typename To, typename From>
+void copy_addressing(To* to, const From& from)
+{
+    to->gateway_ip = from.gateway_ip;
+    to->netmask = from.netmask;
+    to->dhcp_start_ip = from.dhcp_start_ip;
+    to->dhcp_end_ip = from.dhcp_end_ip;
+    to->lease_time = from.lease_time;
+    to->mtu = from.mtu;
+    if (from.dns_mode >= 1 && from.dns_mode <= ZR_NEXA_LAN_DNS_MODE_ADDRESSES) to->dns_mode = from.dns_mode;
+    if (from.dns_mode == ZR_NEXA_LAN_DNS_MODE_ADDRESSES) {
+        to->primary_dns = from.primary_dns;
+        to->secondary_dns = from.secondary_dns;
+    }
+}
+
 }  // namespace
 
 uint32_t zr_nexa_lan_gwurl_set_v1(const char* url)
@@ -84,7 +102,7 @@ uint32_t zr_nexa_lan_dhcp_srvctl_set_v1(uint32_t lan_id, int32_t enable)
         ZR_LOG_ERROR("Set LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, enable, err);
         return failed_step(3, err);
     }
-    ZR_LOG_INFO("Set LAN ID %d DHCP Server(enable_dhcp=%x) config successfully", lan_id, static_cast<uint32_t>(enable));
+    ZR_LOG_INFO("Set LAN ID %d DHCP Server(enable_dhcp=%x) config successfully", lan_id, enable);
     return result_of(err);
 }
 
@@ -119,17 +137,7 @@ uint32_t zr_nexa_lan_dhcp_set_v1(uint32_t lan_id, const zr_nexa_lan_dhcp_cfg_t* 
     if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
 
     qcmap_msgr_lan_config_v01 lan = {};
-    lan.gateway_ip = cfg->gateway_ip;
-    lan.netmask = cfg->netmask;
-    lan.dhcp_start_ip = cfg->dhcp_start_ip;
-    lan.dhcp_end_ip = cfg->dhcp_end_ip;
-    lan.lease_time = cfg->lease_time;
-    lan.mtu = cfg->mtu;
-    if (cfg->dns_mode >= 1 && cfg->dns_mode <= ZR_NEXA_LAN_DNS_MODE_ADDRESSES) lan.dns_mode = cfg->dns_mode;
-    if (cfg->dns_mode == ZR_NEXA_LAN_DNS_MODE_ADDRESSES) {
-        lan.primary_dns = cfg->primary_dns;
-        lan.secondary_dns = cfg->secondary_dns;
-    }
+    copy_addressing(&lan, *cfg);
     log_dhcp_cfg(__func__, lan_id, *cfg);
 
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
@@ -163,17 +171,7 @@ uint32_t zr_nexa_lan_dhcp_get_v1(uint32_t lan_id, zr_nexa_lan_dhcp_cfg_t* cfg)
         ZR_LOG_ERROR("Get LAN (LAN_ID=%d) config error %d", lan_id, err);
         return failed_step(2, err);
     }
-    cfg->gateway_ip = lan.gateway_ip;
-    cfg->netmask = lan.netmask;
-    cfg->dhcp_start_ip = lan.dhcp_start_ip;
-    cfg->dhcp_end_ip = lan.dhcp_end_ip;
-    cfg->lease_time = lan.lease_time;
-    cfg->mtu = lan.mtu;
-    if (lan.dns_mode >= 1 && lan.dns_mode <= ZR_NEXA_LAN_DNS_MODE_ADDRESSES) cfg->dns_mode = lan.dns_mode;
-    if (lan.dns_mode == ZR_NEXA_LAN_DNS_MODE_ADDRESSES) {
-        cfg->primary_dns = lan.primary_dns;
-        cfg->secondary_dns = lan.secondary_dns;
-    }
+    copy_addressing(cfg, lan);
     log_dhcp_cfg(__func__, lan_id, *cfg);
     return result_of(err);
 }

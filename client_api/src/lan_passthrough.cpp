@@ -34,46 +34,48 @@ bool is_filter_port(uint16_t port)
     return port >= 1 && port <= kFilterPortMax;
 }
 
-// Device types whose device is named by its MAC address.
-bool device_with_mac(uint32_t ippt_mode, uint32_t* device_type)
+// The devices that a passthrough is for.
+struct Device {
+    uint32_t mode;  // of this interface
+    uint32_t type;  // of the platform
+    bool has_mac;   // it is named by its MAC address
+};
+
+constexpr Device kDevices[] = {
+    {ZR_NEXA_LAN_IPPT_ETH, QCMAP_DEVICE_TYPE_ETH, true},
+    {ZR_NEXA_LAN_IPPT_WLAN, QCMAP_DEVICE_TYPE_WLAN, true},
+    {ZR_NEXA_LAN_IPPT_USB, QCMAP_DEVICE_TYPE_USB, false},
+    {ZR_NEXA_LAN_IPPT_ETH_NIC2, QCMAP_DEVICE_TYPE_ETH_NIC2, true},
+    {ZR_NEXA_LAN_IPPT_ANY_USB, QCMAP_DEVICE_TYPE_ANY_USB, false},
+};
+
+const Device* find_device(uint32_t Device::*field, uint32_t value)
 {
-    switch (ippt_mode) {
-        case ZR_NEXA_LAN_IPPT_ETH:
-            *device_type = QCMAP_DEVICE_TYPE_ETH;
-            return true;
-        case ZR_NEXA_LAN_IPPT_WLAN:
-            *device_type = QCMAP_DEVICE_TYPE_WLAN;
-            return true;
-        case ZR_NEXA_LAN_IPPT_ETH_NIC2:
-            *device_type = QCMAP_DEVICE_TYPE_ETH_NIC2;
-            return true;
-        default:
-            return false;
+    for (const Device& device : kDevices) {
+        if (device.*field == value) return &device;
     }
+    return nullptr;
 }
 
-// The mode of a device type; one without a number leaves it as it is.
-void read_device_type(uint32_t device_type, uint8_t* ippt_mode)
+// A refusal is logged for function.
+bool get_filters(const char* function, qcmap_msgr_sw_path_filters_conf_t* filters, qmi_error_type_v01* err)
 {
-    switch (device_type) {
-        case QCMAP_DEVICE_TYPE_USB:
-            *ippt_mode = ZR_NEXA_LAN_IPPT_USB;
-            break;
-        case QCMAP_DEVICE_TYPE_ETH:
-            *ippt_mode = ZR_NEXA_LAN_IPPT_ETH;
-            break;
-        case QCMAP_DEVICE_TYPE_WLAN:
-            *ippt_mode = ZR_NEXA_LAN_IPPT_WLAN;
-            break;
-        case QCMAP_DEVICE_TYPE_ETH_NIC2:
-            *ippt_mode = ZR_NEXA_LAN_IPPT_ETH_NIC2;
-            break;
-        case QCMAP_DEVICE_TYPE_ANY_USB:
-            *ippt_mode = ZR_NEXA_LAN_IPPT_ANY_USB;
-            break;
-        default:
-            break;
+    *filters = {};
+    filters->request = kFilterRequest;
+    if (!client->GetIPPassthroughSoftwarePathFilters(filters, err)) {
+        ZR_LOG_ERROR_AS(function, "Get IPPT SW Filters error %d", *err);
+        return false;
     }
+    filters->count = static_cast<uint8_t>(clamped(filters->count, QCMAP_MAX_SW_PATH_FILTERS));
+    return true;
+}
+
+bool set_filters(const char* function, qcmap_msgr_sw_path_filters_conf_t* filters, qmi_error_type_v01* err)
+{
+    filters->request = kFilterRequest;
+    if (client->SetIPPassthroughSoftwarePathFilters(filters, err)) return true;
+    ZR_LOG_ERROR_AS(function, "Set IPPT SW Filters error %d", *err);
+    return false;
 }
 
 }  // namespace
@@ -233,7 +235,7 @@ uint32_t zr_nexa_lan_ippt_set_v1(const zr_nexa_lan_ippt_t* rec)
 
     // The modes that are left name their device by its MAC address.
     if (rec->host_mac[0] == '\0') return ZR_NEXA_OK;
-    device_with_mac(rec->ippt_mode, &config.device_type);
+    config.device_type = find_device(&Device::mode, rec->ippt_mode)->type;
     if (!zr_nexa_is_mac_text(rec->host_mac, sizeof(rec->host_mac))) return ZR_NEXA_LAN_IPPT_ERR_HOST_MAC;
     ds_mac_addr_pton(rec->host_mac, config.mac);
     if (!client->SetIPPassthroughConfig(QCMAP_MSGR_IP_PASSTHROUGH_MODE_ENABLED_V01, true, &config, &err)) {
@@ -258,11 +260,13 @@ uint32_t zr_nexa_lan_ippt_get_v1(zr_nexa_lan_ippt_t* rec)
     if (mode == QCMAP_MSGR_IP_PASSTHROUGH_MODE_DISABLED_V01) {
         rec->ippt_mode = ZR_NEXA_LAN_IPPT_OFF;
     } else if (mode == QCMAP_MSGR_IP_PASSTHROUGH_MODE_ENABLED_V01) {
-        read_device_type(config.device_type, &rec->ippt_mode);
-        uint32_t device_type = 0;
+        // A type that has no mode here leaves the mode as it was, and the device is named as that mode names it.
+        const Device* device = find_device(&Device::type, config.device_type);
+        if (device != nullptr) rec->ippt_mode = static_cast<uint8_t>(device->mode);
+        device = find_device(&Device::mode, rec->ippt_mode);
         if (rec->ippt_mode == ZR_NEXA_LAN_IPPT_USB) {
             std::memcpy(rec->host_name, config.host_name, sizeof(rec->host_name));
-        } else if (device_with_mac(rec->ippt_mode, &device_type)) {
+        } else if (device != nullptr && device->has_mac) {
             ds_mac_addr_ntop(config.mac, rec->host_mac);
         }
     } else {
@@ -286,27 +290,17 @@ uint32_t zr_nexa_lan_ipptgwfilter_add_v1(uint32_t lan_id, uint32_t protocol, uin
     }
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
-    qcmap_msgr_sw_path_filters_conf_t filters = {};
-    filters.request = kFilterRequest;
-    if (!client->GetIPPassthroughSoftwarePathFilters(&filters, &err)) {
-        ZR_LOG_ERROR("Get IPPT SW Filters error %d", err);
-        return failed_step(2, err);
-    }
-    const uint32_t count = clamped(filters.count, QCMAP_MAX_SW_PATH_FILTERS);
-    if (count == QCMAP_MAX_SW_PATH_FILTERS) {
-        ZR_LOG_ERROR("IPPT SW Filters config full, number of filters:%d", count);
+    qcmap_msgr_sw_path_filters_conf_t filters;
+    if (!get_filters(__func__, &filters, &err)) return failed_step(2, err);
+    if (filters.count == QCMAP_MAX_SW_PATH_FILTERS) {
+        ZR_LOG_ERROR("IPPT SW Filters config full, number of filters:%d", filters.count);
         return ZR_NEXA_LAN_IPPTGWFILTER_ERR_COUNT;
     }
-    qcmap_sw_path_filter& added = filters.filter[count];
+    qcmap_sw_path_filter& added = filters.filter[filters.count++];
     added.protocol = protocol == ZR_NEXA_LAN_IPPTGWFILTER_NO_PORTS ? kPlatformNoPorts : protocol;
     added.start_port = start_port;
     added.end_port = end_port;
-    filters.request = kFilterRequest;
-    filters.count = static_cast<uint8_t>(count + 1);
-    if (!client->SetIPPassthroughSoftwarePathFilters(&filters, &err)) {
-        ZR_LOG_ERROR("Set IPPT SW Filters error %d", err);
-        return failed_step(3, err);
-    }
+    if (!set_filters(__func__, &filters, &err)) return failed_step(3, err);
     return result_of(err);
 }
 
@@ -317,14 +311,9 @@ uint32_t zr_nexa_lan_ipptgwfilter_get_v1(uint32_t lan_id, zr_nexa_lan_ipptgwfilt
     if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
-    qcmap_msgr_sw_path_filters_conf_t filters = {};
-    filters.request = kFilterRequest;
-    if (!client->GetIPPassthroughSoftwarePathFilters(&filters, &err)) {
-        ZR_LOG_ERROR("Get IPPT SW Filters error %d", err);
-        return failed_step(2, err);
-    }
-    const uint32_t count = clamped(filters.count, QCMAP_MAX_SW_PATH_FILTERS);
-    for (uint32_t i = 0; i < count; ++i) {
+    qcmap_msgr_sw_path_filters_conf_t filters;
+    if (!get_filters(__func__, &filters, &err)) return failed_step(2, err);
+    for (uint32_t i = 0; i < filters.count; ++i) {
         const qcmap_sw_path_filter& filter = filters.filter[i];
         switch (filter.protocol) {
             case ZR_NEXA_LAN_IPPTGWFILTER_TCP:
@@ -350,27 +339,18 @@ uint32_t zr_nexa_lan_ipptgwfilter_del_v1(uint32_t lan_id, uint8_t number)
     if (number < 1 || number > ZR_NEXA_LAN_IPPTGWFILTER_MAX) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
-    qcmap_msgr_sw_path_filters_conf_t filters = {};
-    filters.request = kFilterRequest;
-    if (!client->GetIPPassthroughSoftwarePathFilters(&filters, &err)) {
-        ZR_LOG_ERROR("Get IPPT SW Filters error %d", err);
-        return failed_step(2, err);
-    }
-    const uint32_t count = clamped(filters.count, QCMAP_MAX_SW_PATH_FILTERS);
-    if (number > count) {
+    qcmap_msgr_sw_path_filters_conf_t filters;
+    if (!get_filters(__func__, &filters, &err)) return failed_step(2, err);
+    if (number > filters.count) {
         ZR_LOG_ERROR("IPPT SW Filters config no exist");
         return ZR_NEXA_LAN_IPPTGWFILTER_ERR_COUNT;
     }
     qcmap_msgr_sw_path_filters_conf_t kept = {};
-    kept.request = kFilterRequest;
     kept.flags = filters.flags;
-    for (uint32_t i = 0; i < count; ++i) {
+    for (uint32_t i = 0; i < filters.count; ++i) {
         if (i + 1 != number) kept.filter[kept.count++] = filters.filter[i];
     }
-    if (!client->SetIPPassthroughSoftwarePathFilters(&kept, &err)) {
-        ZR_LOG_ERROR("Set IPPT SW Filters error %d", err);
-        return failed_step(3, err);
-    }
+    if (!set_filters(__func__, &kept, &err)) return failed_step(3, err);
     return result_of(err);
 }
 

@@ -1,6 +1,8 @@
 // VLANs of the LAN.
 #include <zr_nexa/lan_vlan.h>
 
+#include <iterator>
+
 #include "session.h"
 
 using namespace zr_nexa;
@@ -18,17 +20,16 @@ constexpr qcmap_msgr_interface_type_enum_v01 kInterfaceTypes[] = {
     QCMAP_MSGR_INTERFACE_TYPE_RNDIS_V01,
     QCMAP_MSGR_INTERFACE_TYPE_ETH_NIC2_V01,
 };
-constexpr uint8_t kInterfaceTypeCount = 4;
 
 bool is_phy_iface_type(uint8_t phy_iface_type)
 {
-    return phy_iface_type >= 1 && phy_iface_type <= kInterfaceTypeCount;
+    return phy_iface_type >= 1 && phy_iface_type <= std::size(kInterfaceTypes);
 }
 
 // The phy_iface_type of a platform interface type; one without a number leaves it as it is.
 void read_interface_type(qcmap_msgr_interface_type_enum_v01 type, uint8_t* phy_iface_type)
 {
-    for (uint8_t i = 0; i < kInterfaceTypeCount; ++i) {
+    for (size_t i = 0; i < std::size(kInterfaceTypes); ++i) {
         if (kInterfaceTypes[i] == type) *phy_iface_type = static_cast<uint8_t>(i + 1);
     }
 }

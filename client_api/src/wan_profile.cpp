@@ -50,6 +50,18 @@ uint32_t tech_word(const qcmap_net_policy_info& policy)
     return static_cast<uint32_t>(policy.tech_pref);
 }
 
+// A refusal is logged for function.
+bool get_policies(const char* function, qcmap_wwan_policy_list_info* policies, qmi_error_type_v01* err)
+{
+    std::memset(policies, 0, sizeof(*policies));
+    if (!client->GetWWANPolicyListEx(policies, err)) {
+        ZR_LOG_ERROR_AS(function, "Get WWAN Policy List error %d", *err);
+        return false;
+    }
+    policies->number_of_policies = clamped(policies->number_of_policies, QCMAP_MAX_WWAN_PROFILES);
+    return true;
+}
+
 }  // namespace
 
 uint32_t zr_nexa_wan_wwanconfig_add_v1(uint32_t* wwan_handle, int tech_pref, int apn_id)
@@ -183,12 +195,8 @@ uint32_t zr_nexa_wan_wwanconfig_get_v1(zr_nexa_wan_wwanconfig_list_t* list)
     if (list == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     qcmap_wwan_policy_list_info policies;
-    std::memset(&policies, 0, sizeof(policies));
-    if (!client->GetWWANPolicyListEx(&policies, &err)) {
-        ZR_LOG_ERROR("Get WWAN Policy List error %d", err);
-        return failed_step(1, err);
-    }
-    list->wwanconfig_num = clamped(policies.number_of_policies, ZR_NEXA_WAN_PROFILES_MAX);
+    if (!get_policies(__func__, &policies, &err)) return failed_step(1, err);
+    list->wwanconfig_num = policies.number_of_policies;
     list->default_wwan_handle = policies.default_profile_handle;
     for (uint32_t i = 0; i < list->wwanconfig_num; ++i) {
         const qcmap_net_policy_info& policy = policies.policy[i];
@@ -205,12 +213,8 @@ uint32_t zr_nexa_wan_wwanconfig_get_v2(zr_nexa_wan_wwanconfig_list_v2_t* list)
     if (list == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     qcmap_wwan_policy_list_info policies;
-    std::memset(&policies, 0, sizeof(policies));
-    if (!client->GetWWANPolicyListEx(&policies, &err)) {
-        ZR_LOG_ERROR("Get WWAN Policy List error %d", err);
-        return failed_step(1, err);
-    }
-    list->wwanconfig_num = clamped(policies.number_of_policies, ZR_NEXA_WAN_PROFILES_MAX);
+    if (!get_policies(__func__, &policies, &err)) return failed_step(1, err);
+    list->wwanconfig_num = policies.number_of_policies;
     list->default_wwan_handle = policies.default_profile_handle;
     for (uint32_t i = 0; i < list->wwanconfig_num; ++i) {
         const qcmap_net_policy_info& policy = policies.policy[i];
