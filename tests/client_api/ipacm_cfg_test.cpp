@@ -728,6 +728,7 @@ TEST_F(IpacmCfgTest, RandomFilesAreReadAndWrittenAsAnIndependentReaderSees)
         apply(cfg, &document);
         ASSERT_EQ(small_xml::normalised(small_xml::read(content_of(files.temporary))), small_xml::normalised(document))
             << text;
+        std::filesystem::remove(files.temporary);
         platform.forget();
     }
     // The files are worth reading.
@@ -791,6 +792,7 @@ TEST_F(IpacmCfgTest, DamagedFilesAreReadOrWaitedFor)
         if (cfg.num_of_server_addrs == 0) wanted = {1, 0, {}, 0, {}};
         ASSERT_EQ(std::memcmp(&cfg, &wanted, sizeof(cfg)), 0);
         kept += cfg.num_of_server_addrs;
+        std::filesystem::remove(files.temporary);
         platform.forget();
     }
     EXPECT_GT(waited, 300);

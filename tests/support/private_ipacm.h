@@ -27,9 +27,11 @@ inline std::string content_of(const std::string& file)
     return content.str();
 }
 
+// A new file each time: some file systems wait for the disk when an old one is written over.
 inline void write_file(const std::string& file, const std::string& content)
 {
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+    std::filesystem::remove(file);
+    std::ofstream stream(file, std::ios::binary);
     stream << content;
 }
 
@@ -109,7 +111,7 @@ private:
         const std::string user = std::to_string(getuid());
         if (unshare(CLONE_NEWNS) != 0) {
             if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
-            write_file("/proc/self/uid_map", "0 " + user + " 1");
+            std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
         }
         return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
     }
