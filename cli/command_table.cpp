@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "handlers.h"
+#include "words.h"
 
 namespace cli {
 
@@ -69,5 +70,21 @@ const Category kCategories[kCategoryCount] = {
     {0, count(kFirewall), "Firewall", kFirewall, "Firewall related configuration items"},
     {0, count(kTethering), "Tethering", kTethering, "NW Tethering related configuration items"},
 };
+
+const Category* find_category(const char* name)
+{
+    for (const Category& category : kCategories) {
+        if (same(category.name, name)) return &category;
+    }
+    return nullptr;
+}
+
+const Setting* find_setting(const Category& category, const char* name)
+{
+    for (int32_t i = 0; i < category.count; ++i) {
+        if (same(category.settings[i].name, name)) return &category.settings[i];
+    }
+    return nullptr;
+}
 
 }  // namespace cli

@@ -47,10 +47,10 @@ int main(int argc, char** argv)
 
     if (argc > 2) {
         zr_nexa_client_init(ignore_indication);
-        zr_nexa_dispatch(argc, argv);
+        cli::dispatch(argc, argv);
         zr_nexa_client_uninit();
     } else {
-        zr_nexa_print_menu(argc, argv);
+        cli::print_menu(argc, argv);
     }
     const unsigned int unslept = sleep(1);
     block_ending_signals();

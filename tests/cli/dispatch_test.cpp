@@ -1,3 +1,4 @@
+#include <command_table.h>
 #include <dispatch.h>
 
 #include "cli_test.h"
@@ -130,7 +131,7 @@ TEST_F(DispatchTest, ARejectedOptionIsTheHandlersLineAndTheVerdict)
 TEST_F(DispatchTest, WithoutASessionTheInterfaceRefuses)
 {
     Words line({"General", "SFE", "get"});
-    EXPECT_EQ(printed([&] { zr_nexa_dispatch(line.argc(), line.argv()); }), "CMD Error#0xd\r\n");
+    EXPECT_EQ(printed([&] { cli::dispatch(line.argc(), line.argv()); }), "CMD Error#0xd\r\n");
     EXPECT_THAT(platform.journal, testing::IsEmpty());
 }
 

@@ -7,7 +7,7 @@ namespace {
 std::string menu(const std::vector<std::string>& words)
 {
     Words line(words);
-    return printed([&] { zr_nexa_print_menu(line.argc(), line.argv()); });
+    return printed([&] { cli::print_menu(line.argc(), line.argv()); });
 }
 
 class MenuTest : public CliTest {

@@ -55,7 +55,7 @@ std::string CliTest::run(const std::vector<std::string>& words)
     Words line(words);
     EXPECT_EQ(zr_nexa_client_init(nullptr), 0u);
     platform.forget();
-    const std::string output = printed([&] { zr_nexa_dispatch(line.argc(), line.argv()); });
+    const std::string output = printed([&] { cli::dispatch(line.argc(), line.argv()); });
     const auto journal = platform.journal;
     const auto log = platform.log;
     zr_nexa_client_uninit();
