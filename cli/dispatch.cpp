@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
+#include "answers.h"
 #include "command_table.h"
-#include "words.h"
 
 namespace cli {
 

@@ -29,19 +29,19 @@ TEST(Words, AreComparedWholeAndCaseSensitively)
 
 TEST(Words, NumbersFollowAtoi)
 {
-    EXPECT_EQ(number("0"), 0);
-    EXPECT_EQ(number("43200"), 43200);
-    EXPECT_EQ(number("-1"), -1);
-    EXPECT_EQ(number("+7"), 7);
-    EXPECT_EQ(number("  12"), 12);
-    EXPECT_EQ(number("12abc"), 12);
-    EXPECT_EQ(number("0x10"), 0);
-    EXPECT_EQ(number("010"), 10);
-    EXPECT_EQ(number("abc"), 0);
-    EXPECT_EQ(number(""), 0);
-    EXPECT_EQ(number("-"), 0);
-    EXPECT_EQ(number("2147483647"), 2147483647);
-    EXPECT_EQ(number("-2147483648"), -2147483647 - 1);
+    EXPECT_EQ(number_s32("0"), 0);
+    EXPECT_EQ(number_s32("43200"), 43200);
+    EXPECT_EQ(number_s32("-1"), -1);
+    EXPECT_EQ(number_s32("+7"), 7);
+    EXPECT_EQ(number_s32("  12"), 12);
+    EXPECT_EQ(number_s32("12abc"), 12);
+    EXPECT_EQ(number_s32("0x10"), 0);
+    EXPECT_EQ(number_s32("010"), 10);
+    EXPECT_EQ(number_s32("abc"), 0);
+    EXPECT_EQ(number_s32(""), 0);
+    EXPECT_EQ(number_s32("-"), 0);
+    EXPECT_EQ(number_s32("2147483647"), 2147483647);
+    EXPECT_EQ(number_s32("-2147483648"), -2147483647 - 1);
 }
 
 TEST(Words, NumbersAreCutToTheirLowBits)
@@ -120,27 +120,6 @@ TEST(Words, ABlockHoldsTheWordAndThenZeros)
         EXPECT_EQ(std::string(block.field, 8), expected);
         EXPECT_EQ(std::string(block.behind, 4), "####");
     }
-}
-
-TEST(Words, UsageIsPrintedAsItStandsAndSucceeds)
-{
-    int code = -1;
-    EXPECT_EQ(printed([&] { code = usage("100%s %n\r\n"); }), "100%s %n\r\n");
-    EXPECT_EQ(code, 0);
-}
-
-TEST(Words, InvalidIsOneLineAnd65535)
-{
-    int code = -1;
-    EXPECT_EQ(printed([&] { code = invalid(); }), "Input Parameter Invalid\r\n");
-    EXPECT_EQ(code, 65535);
-}
-
-TEST(Words, AResultCodeKeepsItsBits)
-{
-    EXPECT_EQ(result(0), 0);
-    EXPECT_EQ(result(0x1003), 0x1003);
-    EXPECT_EQ(static_cast<uint32_t>(result(0xFFFFF001)), 0xFFFFF001);
 }
 
 TEST(MacText, IsSeventeenCharactersOfSixGroups)
