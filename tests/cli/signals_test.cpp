@@ -1,0 +1,47 @@
+#include <signals.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#include "cli_test.h"
+
+#include <zr_nexa_client_api.h>
+
+namespace {
+
+using SignalsTest = CliTest;
+
+TEST_F(SignalsTest, AnyOtherSignalIsNamedAndEndsNothing)
+{
+    EXPECT_EQ(zr_nexa_client_init(nullptr), 0u);
+    platform.forget();
+    EXPECT_EQ(printed([] { cli::on_signal(SIGUSR1); }), "Receiver unexpected signal 10\r\n");
+    EXPECT_THAT(platform.journal, testing::IsEmpty());
+    EXPECT_EQ(platform.objects, 1);
+    EXPECT_EQ(zr_nexa_client_uninit(), 0u);
+}
+
+// Printed behind all that the run itself does.
+void print_the_end()
+{
+    sigset_t blocked;
+    sigprocmask(SIG_BLOCK, nullptr, &blocked);
+    fprintf(stderr, "sessions %d, SIGINT %d, SIGTERM %d, SIGHUP %d", scripted::platform().objects,
+            sigismember(&blocked, SIGINT), sigismember(&blocked, SIGTERM), sigismember(&blocked, SIGHUP));
+}
+
+TEST_F(SignalsTest, BothCloseTheSessionAndEndTheRunOnce)
+{
+    for (const int signo : {SIGINT, SIGTERM}) {
+        EXPECT_EXIT(
+            {
+                zr_nexa_client_init(nullptr);
+                std::atexit(print_the_end);
+                cli::on_signal(signo);
+            },
+            testing::ExitedWithCode(0), "^sessions 0, SIGINT 1, SIGTERM 1, SIGHUP 0$");
+    }
+}
+
+}  // namespace
