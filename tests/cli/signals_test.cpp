@@ -1,12 +1,11 @@
+#include "cli_test.h"
+
 #include <signals.h>
+#include <zr_nexa_client_api.h>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-
-#include "cli_test.h"
-
-#include <zr_nexa_client_api.h>
 
 namespace {
 
