@@ -22,9 +22,9 @@ protected:
             work(db);
             db.commit();
             return 0;
-        } catch (const mobile_ap::Refusal& refusal) {
+        } catch (const mobile_ap::Ending& refusal) {
             db.roll_back();
-            return static_cast<int>(refusal.error);
+            return static_cast<int>(refusal.word);
         }
     }
     int assign(int bridge, uint32_t family, const std::string& address, const std::string& fqdn = "")

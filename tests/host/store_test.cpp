@@ -24,9 +24,11 @@ namespace {
 namespace fs = std::filesystem;
 using mobile_ap::method;
 using mobile_ap::read_method;
-using mobile_ap::Refusal;
+using mobile_ap::refuse;
+using mobile_ap::refuse_but_keep_changes;
 using mobile_ap::Session;
 using mobile_ap::Store;
+using mobile_ap::succeed_with;
 
 class StoreHostTest : public HostTest {
 protected:
@@ -341,44 +343,49 @@ TEST_F(StoreHostTest, AnErrorWordUndoesEverything)
     Session session(nullptr, nullptr);
     EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) {
         db.run("UPDATE data_path SET optimised = 5");
-        return QMI_ERR_NO_EFFECT_V01;
+        refuse(QMI_ERR_NO_EFFECT_V01);
     }));
     EXPECT_EQ(err, QMI_ERR_NO_EFFECT_V01);
-    EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) -> qmi_error_type_v01 {
+    EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) {
         db.run("UPDATE data_path SET optimised = 6");
-        throw Refusal{QMI_ERR_LIMIT_V01};
+        db.select_profile(7);
     }));
-    EXPECT_EQ(err, QMI_ERR_LIMIT_V01);
+    EXPECT_EQ(err, QMI_ERR_INVALID_HANDLE_V01);
     const std::string told = stderr_of([&] {
         EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) {
             db.run("UPDATE data_path SET optimised = 7");
             db.run("UPDATE no_such_table SET x = 1");
-            return QMI_ERR_NONE_V01;
         }));
     });
     EXPECT_EQ(told, "mobile-AP state " + database() + ": no such table: no_such_table\n");
     EXPECT_EQ(err, QMI_ERR_INTERNAL_V01);
     int value = 0;
-    EXPECT_TRUE(read_method(&session, "Test", &err, [&](Store& db) {
-        value = db.one<int>("SELECT optimised FROM data_path").value_or(-1);
-        return QMI_ERR_NONE_V01;
-    }));
+    EXPECT_TRUE(read_method(&session, "Test", &err,
+                            [&](Store& db) { value = db.one<int>("SELECT optimised FROM data_path").value_or(-1); }));
     EXPECT_EQ(value, 1);
 }
 
 TEST_F(StoreHostTest, ChangesCanBeKeptInSpiteOfAnErrorWord)
 {
     Session session(nullptr, nullptr);
+    const auto optimised = [&] {
+        std::optional<int> value;
+        EXPECT_TRUE(read_method(&session, "Test", nullptr,
+                                [&](Store& db) { value = db.one<int>("SELECT optimised FROM data_path"); }));
+        return value;
+    };
     EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) {
         db.run("UPDATE data_path SET optimised = 5");
-        db.keep_changes();
-        return QMI_ERR_BACKHAUL_DOWN_V01;
+        refuse_but_keep_changes(QMI_ERR_BACKHAUL_DOWN_V01);
     }));
     EXPECT_EQ(err, QMI_ERR_BACKHAUL_DOWN_V01);
-    EXPECT_TRUE(read_method(&session, "Test", nullptr, [&](Store& db) {
-        EXPECT_EQ(db.one<int>("SELECT optimised FROM data_path"), 5);
-        return QMI_ERR_NONE_V01;
+    EXPECT_EQ(optimised(), 5);
+    EXPECT_TRUE(method(&session, "Test", &err, [](Store& db) {
+        db.run("UPDATE data_path SET optimised = 6");
+        succeed_with(QMI_ERR_EMPTY_LIST_V01);
     }));
+    EXPECT_EQ(err, QMI_ERR_EMPTY_LIST_V01);
+    EXPECT_EQ(optimised(), 6);
 }
 
 TEST_F(StoreHostTest, ValuesOfEveryKind)
@@ -401,7 +408,7 @@ TEST_F(StoreHostTest, ValuesOfEveryKind)
                     EXPECT_FALSE(q.next());
                     EXPECT_EQ(db.one<int>("SELECT e FROM t"), std::nullopt);
                     EXPECT_EQ(db.one<int>("SELECT 1 FROM t WHERE a = 3"), std::nullopt);
-                    return QMI_ERR_NO_EFFECT_V01;
+                    refuse(QMI_ERR_NO_EFFECT_V01);
                 }) == false);
 }
 
@@ -415,14 +422,12 @@ TEST_F(StoreHostTest, RestoreWithRowsThatPointAtOthers)
         db.run("CREATE TABLE b_child (parent INTEGER REFERENCES z_parent(id))");
         db.run("INSERT INTO z_parent VALUES (1)");
         db.run("INSERT INTO b_child VALUES (1)");
-        return QMI_ERR_NONE_V01;
     }));
     OpenClient client;
     EXPECT_TRUE(client.RestoreFactoryConfig(&err)) << err;
     EXPECT_TRUE(read_method(&session, "Test", &err, [](Store& db) {
         EXPECT_EQ(db.one<int>("SELECT count(*) FROM sqlite_schema WHERE name LIKE '%_child'"), 0);
         EXPECT_EQ(db.one<int>("SELECT count(*) FROM lan_bridge"), 1);
-        return QMI_ERR_NONE_V01;
     }));
 }
 
@@ -432,10 +437,7 @@ TEST_F(StoreHostTest, BridgesOfVlans)
     Session session(nullptr, nullptr);
     EXPECT_TRUE(client.ZR_SetDefaultEnableDHCP(QCMAP_MSGR_CONFIG_STATE_OFF_V01, &err));
     const auto on_bridge = [&](int id, void (*work)(Store&, int)) {
-        return method(&session, "Test", &err, [&](Store& db) {
-            work(db, id);
-            return QMI_ERR_NONE_V01;
-        });
+        return method(&session, "Test", &err, [&](Store& db) { work(db, id); });
     };
     EXPECT_TRUE(on_bridge(5, mobile_ap::add_bridge));
     EXPECT_FALSE(on_bridge(5, mobile_ap::add_bridge));
@@ -472,7 +474,6 @@ TEST_F(StoreHostTest, ManyProcessesLoseNoWrite)
                 const bool good = method(&session, "Increment", &error, [](Store& db) {
                     const int value = db.one<int>("SELECT optimised FROM data_path").value_or(-1000);
                     db.run("UPDATE data_path SET optimised = ?", value + 1);
-                    return QMI_ERR_NONE_V01;
                 });
                 if (!good) return 2;
             }
@@ -485,7 +486,6 @@ TEST_F(StoreHostTest, ManyProcessesLoseNoWrite)
     Session session(nullptr, nullptr);
     EXPECT_TRUE(read_method(&session, "Test", &err, [&](Store& db) {
         EXPECT_EQ(db.one<int>("SELECT optimised FROM data_path"), 1 + kProcesses * kWrites);
-        return QMI_ERR_NONE_V01;
     }));
 }
 
@@ -506,7 +506,6 @@ TEST_F(StoreHostTest, KilledAtAnyPointLeavesOldOrNew)
                     db.run("UPDATE lan_bridge SET lease_time = lease_time + 1, netmask = ?", std::string(3000, 'n'));
                     db.run("UPDATE lan_service SET ipv4_enabled = ipv4_enabled + 1");
                     db.run("UPDATE data_path SET optimised = optimised + 1");
-                    return QMI_ERR_NONE_V01;
                 });
                 if (first && write(under_way[1], "", 1) != 1) return 1;
             }
@@ -529,7 +528,6 @@ TEST_F(StoreHostTest, KilledAtAnyPointLeavesOldOrNew)
             advanced += now > last ? 1 : 0;
             last = now;
             EXPECT_EQ(db.one<std::string>("PRAGMA integrity_check"), "ok");
-            return QMI_ERR_NONE_V01;
         }));
     }
     EXPECT_EQ(advanced, 80) << "every child must have got somewhere";

@@ -13,10 +13,10 @@ namespace {
 
 constexpr uint32_t kLevelDebug = 0x1;
 
-void trace(const char* name, bool good, qmi_error_type_v01 error)
+void trace(const char* name, bool good, qmi_error_type_v01 word)
 {
     static constexpr msg_const_type kRecord = {1, 66, kLevelDebug, "[%s]%s(): %s, error %d", "session"};
-    msg_sprintf(&kRecord, "MOBILE_AP", name, good ? "true" : "false", static_cast<int>(error), 0, 0, 0);
+    msg_sprintf(&kRecord, "MOBILE_AP", name, good ? "true" : "false", static_cast<int>(word), 0, 0, 0);
 }
 
 qmi_error_type_v01 error_word(int sqlite_code)
@@ -106,8 +106,8 @@ bool Session::with_faults(const char* name, qmi_error_type_v01* err, const Work&
     } catch (const std::bad_alloc&) {
         outcome = {false, QMI_ERR_NO_MEMORY_V01};
     }
-    if (err != nullptr) *err = outcome.error;
-    trace(name, outcome.good, outcome.error);
+    if (err != nullptr) *err = outcome.word;
+    trace(name, outcome.good, outcome.word);
     return outcome.good;
 }
 
@@ -136,22 +136,21 @@ Session::Outcome Session::perform(Access access, const Body& body, unsigned int 
         store_.begin_writing();
     else
         store_.begin_reading();
-    qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+    Ending ending = {true, QMI_ERR_NONE_V01, true};
     try {
-        error = body(store_);
-    } catch (const Refusal& refusal) {
-        error = refusal.error;
+        body(store_);
+    } catch (const Ending& thrown) {
+        ending = thrown;
     }
     if (!sleep_ms(hold_ms) && hold_ms != 0) {
         store_.roll_back();
         return {false, QMI_ERR_ABORTED_V01};
     }
-    if (error == QMI_ERR_NONE_V01 || store_.keeps_changes())
+    if (ending.keeps_changes)
         store_.commit();
     else
         store_.roll_back();
-    if (error == QMI_ERR_NONE_V01) return {true, store_.success_word()};
-    return {false, error};
+    return {ending.good, ending.word};
 }
 
 bool Session::is_ready()

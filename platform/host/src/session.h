@@ -21,19 +21,19 @@ public:
     explicit Body(Work& work) : work_(&work), call_(&Body::call<Work>)
     {
     }
-    qmi_error_type_v01 operator()(Store& db) const
+    void operator()(Store& db) const
     {
-        return call_(work_, db);
+        call_(work_, db);
     }
 
 private:
     template <class Work>
-    static qmi_error_type_v01 call(void* work, Store& db)
+    static void call(void* work, Store& db)
     {
-        return (*static_cast<Work*>(work))(db);
+        (*static_cast<Work*>(work))(db);
     }
     void* work_;
-    qmi_error_type_v01 (*call_)(void* work, Store& db);
+    void (*call_)(void* work, Store& db);
 };
 
 class Session {
@@ -57,7 +57,7 @@ public:
 private:
     struct Outcome {
         bool good;
-        qmi_error_type_v01 error;
+        qmi_error_type_v01 word;
     };
     template <class Work>
     bool with_faults(const char* name, qmi_error_type_v01* err, const Work& work);
@@ -81,9 +81,9 @@ inline bool no_session(qmi_error_type_v01* err)
 }
 
 // A method that changes something:
-//     return method(session_, __func__, err, [&](Store& db) { ...; return QMI_ERR_NONE_V01; });
-// The work is one transaction: made good when it answers QMI_ERR_NONE_V01, else undone (unless db.keep_changes() was
-// called). The method returns true for QMI_ERR_NONE_V01, and *err holds what the work answered.
+//     return method(session_, __func__, err, [&](Store& db) { db.run(...); });
+// The work is one transaction. When it returns, the transaction is made good, and the method returns true with
+// QMI_ERR_NONE_V01 in *err; ending.h has its other ways to end.
 template <class Work>
 bool method(Session* session, const char* name, qmi_error_type_v01* err, Work&& work)
 {

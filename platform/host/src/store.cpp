@@ -186,26 +186,25 @@ void Query::bind_blob(int place, const Blob& blob)
 
 uint32_t Store::selected_profile()
 {
-    if (!one<int>("SELECT 1 FROM wwan_profile WHERE handle = ?", selected_profile_))
-        throw Refusal{QMI_ERR_INVALID_HANDLE_V01};
+    if (!one<int>("SELECT 1 FROM wwan_profile WHERE handle = ?", selected_profile_)) refuse(QMI_ERR_INVALID_HANDLE_V01);
     return selected_profile_;
 }
 
 void Store::select_profile(uint32_t handle)
 {
-    if (!one<int>("SELECT 1 FROM wwan_profile WHERE handle = ?", handle)) throw Refusal{QMI_ERR_INVALID_HANDLE_V01};
+    if (!one<int>("SELECT 1 FROM wwan_profile WHERE handle = ?", handle)) refuse(QMI_ERR_INVALID_HANDLE_V01);
     selected_profile_ = handle;
 }
 
 int Store::selected_bridge()
 {
-    if (!one<int>("SELECT 1 FROM lan_bridge WHERE id = ?", selected_bridge_)) throw Refusal{QMI_ERR_INVALID_ID_V01};
+    if (!one<int>("SELECT 1 FROM lan_bridge WHERE id = ?", selected_bridge_)) refuse(QMI_ERR_INVALID_ID_V01);
     return selected_bridge_;
 }
 
 void Store::select_bridge(int id)
 {
-    if (!one<int>("SELECT 1 FROM lan_bridge WHERE id = ?", id)) throw Refusal{QMI_ERR_INVALID_ID_V01};
+    if (!one<int>("SELECT 1 FROM lan_bridge WHERE id = ?", id)) refuse(QMI_ERR_INVALID_ID_V01);
     selected_bridge_ = id;
 }
 
@@ -377,8 +376,6 @@ bool Store::open(const std::string& folder, std::string* problem)
 
 void Store::begin(const char* sql)
 {
-    keep_changes_ = false;
-    success_word_ = QMI_ERR_NONE_V01;
     rings_ = false;
     wait_until_ms_ = now_ms() + patience_ms_;
     run_script(connection_, sql);

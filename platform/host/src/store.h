@@ -15,14 +15,9 @@
 #include <type_traits>
 #include <vector>
 
-#include "qmi_error.h"
+#include "ending.h"
 
 namespace mobile_ap {
-
-// Ends a method with this error word; its changes are undone.
-struct Refusal {
-    qmi_error_type_v01 error;
-};
 
 // A statement failed.
 struct StoreError {
@@ -151,19 +146,6 @@ public:
     int selected_bridge();
     void select_bridge(int id);
 
-    // The changes made so far are kept although the method will answer with an error word.
-    void keep_changes()
-    {
-        keep_changes_ = true;
-    }
-
-    // The method succeeds and writes this error word all the same: return db.succeed_with(QMI_ERR_EMPTY_LIST_V01);
-    qmi_error_type_v01 succeed_with(qmi_error_type_v01 word)
-    {
-        success_word_ = word;
-        return QMI_ERR_NONE_V01;
-    }
-
     // Every table of every area as it was on the first day. Sessions and their indications stay.
     void restore_factory();
 
@@ -193,14 +175,6 @@ public:
     void begin_reading();
     void commit();
     void roll_back();
-    bool keeps_changes() const
-    {
-        return keep_changes_;
-    }
-    qmi_error_type_v01 success_word() const
-    {
-        return success_word_;
-    }
 
     // Indications queued by the transaction under way, see indications.h.
     void queued_indication()
@@ -223,8 +197,6 @@ private:
     int64_t wait_until_ms_ = 0;
     uint32_t selected_profile_ = 1;
     int selected_bridge_ = 0;
-    bool keep_changes_ = false;
-    qmi_error_type_v01 success_word_ = QMI_ERR_NONE_V01;
     bool rings_ = false;
 
     static int wait_for_lock(void* store, int attempt);

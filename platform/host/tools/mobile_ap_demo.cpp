@@ -33,8 +33,8 @@ void change_state(const std::function<void(Store&)>& work)
         db.begin_writing();
         work(db);
         db.commit();
-    } catch (const mobile_ap::Refusal& refusal) {
-        std::fprintf(stderr, "refused with error %d\n", static_cast<int>(refusal.error));
+    } catch (const mobile_ap::Ending& refusal) {
+        std::fprintf(stderr, "refused with error %d\n", static_cast<int>(refusal.word));
         std::exit(1);
     } catch (const mobile_ap::StoreError& error) {
         std::fprintf(stderr, "mobile-AP state %s: %s\n", db.path().c_str(), error.reason.c_str());
