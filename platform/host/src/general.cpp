@@ -10,7 +10,7 @@ using namespace mobile_ap;
 
 bool QCMAP_Client::RestoreFactoryConfig(qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) { db.restore_factory(); });
+    return method(session_, __func__, err, [&](Store& db) { restore_factory(db); });
 }
 
 bool QCMAP_Client::SetDataPathOptStatus(unsigned char enable, qmi_error_type_v01* err)

@@ -10,6 +10,7 @@
 #include "indications.h"
 #include "qcmap_client.h"
 #include "schemas.h"
+#include "state_file.h"
 #include "store.h"
 
 namespace mobile_ap {
@@ -43,7 +44,6 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    enum class Access { kRead, kWrite };
     bool run(const char* name, Access access, qmi_error_type_v01* err, const Body& body);
 
     bool is_ready();
@@ -62,9 +62,10 @@ private:
     template <class Work>
     bool with_faults(const char* name, qmi_error_type_v01* err, const Work& work);
     Outcome perform(Access access, const Body& body, unsigned int hold_ms);
-    void explain(const StoreError& error);
+    void explain(const DatabaseError& error);
 
     std::mutex one_at_a_time_;
+    std::string folder_;
     Store store_;
     Faults faults_;
     Listener listener_;
@@ -88,7 +89,7 @@ template <class Work>
 bool method(Session* session, const char* name, qmi_error_type_v01* err, Work&& work)
 {
     if (session == nullptr) return no_session(err);
-    return session->run(name, Session::Access::kWrite, err, Body(work));
+    return session->run(name, Access::kWrite, err, Body(work));
 }
 
 // The same for one that only reads; it never waits for another reader.
@@ -96,7 +97,7 @@ template <class Work>
 bool read_method(Session* session, const char* name, qmi_error_type_v01* err, Work&& work)
 {
     if (session == nullptr) return no_session(err);
-    return session->run(name, Session::Access::kRead, err, Body(work));
+    return session->run(name, Access::kRead, err, Body(work));
 }
 
 }  // namespace mobile_ap

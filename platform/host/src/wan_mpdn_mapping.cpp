@@ -20,12 +20,9 @@ using namespace mobile_ap;
 bool QCMAP_Client::AddPDNToVLANMapping(short vlan_id, unsigned int profile_handle, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (!db.one<int>("SELECT 1 FROM wwan_profile WHERE handle = ?", profile_handle)) {
-            refuse(QMI_ERR_INVALID_HANDLE_V01);
-        }
-        if (vlan_id < 1 || !db.one<int>("SELECT 1 FROM lan_bridge WHERE id = ?", vlan_id)) {
-            refuse(QMI_ERR_INVALID_ID_V01);
-        }
+        db.check_profile(profile_handle);
+        if (vlan_id < 1) refuse(QMI_ERR_INVALID_ID_V01);
+        db.check_bridge(vlan_id);
         const int added =
             db.run("INSERT OR IGNORE INTO pdn_vlan_mapping (profile, vlan_id) VALUES (?, ?)", profile_handle, vlan_id);
         if (added == 0) refuse(QMI_ERR_ALREADY_THERE_V01);

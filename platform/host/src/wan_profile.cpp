@@ -64,11 +64,6 @@ uint32_t lowest_free_handle(Store& db)
     return *handle;
 }
 
-void check_profile_exists(Store& db, uint32_t handle)
-{
-    if (!db.one<int>("SELECT 1 FROM wwan_profile WHERE handle = ?", handle)) refuse(QMI_ERR_INVALID_HANDLE_V01);
-}
-
 }  // namespace
 
 bool QCMAP_Client::CreateWWANPolicyEx(qcmap_net_policy_info policy, unsigned int* handle, qmi_error_type_v01* err)
@@ -167,8 +162,8 @@ bool QCMAP_Client::GetWWANPolicyListEx(qcmap_wwan_policy_list_info* list, qmi_er
 bool QCMAP_Client::SetAPProfileHandle(unsigned int ap, unsigned int apdns, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        check_profile_exists(db, ap);
-        check_profile_exists(db, apdns);
+        db.check_profile(ap);
+        db.check_profile(apdns);
         db.run("UPDATE wwan_service SET ap_profile = ?, apdns_profile = ?", ap, apdns);
     });
 }
