@@ -9,6 +9,8 @@
 
 #include <vector>
 
+#include "indication_wire.h"
+
 namespace mobile_ap {
 namespace {
 
@@ -16,14 +18,13 @@ constexpr size_t kListenerStackBytes = size_t{2} << 20;
 constexpr int kRoundMs = 200;
 constexpr int kKept = 1000;
 constexpr int kBatch = 32;
-constexpr uint8_t kRecordTag = 0x01;
 
 }  // namespace
 
-// On the wire: tag, length of the record (16 bits, low byte first), the record.
 void indicate_bytes(Database& db, unsigned int msg_id, const void* record, size_t size)
 {
-    std::vector<uint8_t> wire = {kRecordTag, static_cast<uint8_t>(size & 0xff), static_cast<uint8_t>(size >> 8)};
+    const WireHeader header = wire_header(size);
+    std::vector<uint8_t> wire(header.begin(), header.end());
     const uint8_t* bytes = static_cast<const uint8_t*>(record);
     wire.insert(wire.end(), bytes, bytes + size);
     db.run("INSERT INTO indication (msg_id, wire, time) VALUES (?, ?, strftime('%Y-%m-%dT%H:%M:%fZ', 'now'))", msg_id,
