@@ -3,6 +3,7 @@
 #define MOBILE_AP_SESSION_H
 
 #include <atomic>
+#include <functional>
 #include <mutex>
 
 #include "addresses.h"
@@ -16,26 +17,7 @@
 namespace mobile_ap {
 
 // A method's own rules and storage, as the shared wrapper calls them.
-class Body {
-public:
-    template <class Work>
-    explicit Body(Work& work) : work_(&work), call_(&Body::call<Work>)
-    {
-    }
-    void operator()(Store& db) const
-    {
-        call_(work_, db);
-    }
-
-private:
-    template <class Work>
-    static void call(void* work, Store& db)
-    {
-        (*static_cast<Work*>(work))(db);
-    }
-    void* work_;
-    void (*call_)(void* work, Store& db);
-};
+using Body = std::function<void(Store&)>;
 
 class Session {
 public:
@@ -89,7 +71,7 @@ template <class Work>
 bool method(Session* session, const char* name, qmi_error_type_v01* err, Work&& work)
 {
     if (session == nullptr) return no_session(err);
-    return session->run(name, Access::kWrite, err, Body(work));
+    return session->run(name, Access::kWrite, err, std::ref(work));  // a reference: nothing is allocated for it
 }
 
 // The same for one that only reads; it never waits for another reader.
@@ -97,7 +79,7 @@ template <class Work>
 bool read_method(Session* session, const char* name, qmi_error_type_v01* err, Work&& work)
 {
     if (session == nullptr) return no_session(err);
-    return session->run(name, Access::kRead, err, Body(work));
+    return session->run(name, Access::kRead, err, std::ref(work));
 }
 
 }  // namespace mobile_ap
