@@ -45,9 +45,9 @@ inline void expect_lines(const char* file, int line, const std::string& what, co
 }
 
 // What EXPECT_ROW makes: the transcript in front of the call must be empty, looked at or forgotten.
-class Row {
+class RowExpectation {
 public:
-    Row(const char* file, int line) : file_(file), line_(line)
+    RowExpectation(const char* file, int line) : file_(file), line_(line)
     {
         expect_lines(file, line, "in front of the row", "", {});
     }
@@ -73,10 +73,10 @@ private:
 //                "call  SetNatType(2)",
 //                "info  Set Nat Type success : wwan_handle=50 set_nat_type=2");
 #define EXPECT_ROW(expression, expected, ...) \
-    Row(__FILE__, __LINE__).gave(#expression, expression, expected, {__VA_ARGS__})
+    RowExpectation(__FILE__, __LINE__).gave(#expression, expression, expected, {__VA_ARGS__})
 // The same for a function that a table names.
 #define EXPECT_ROW_OF(function, expression, expected, ...) \
-    Row(__FILE__, __LINE__).gave(function, expression, expected, {__VA_ARGS__})
+    RowExpectation(__FILE__, __LINE__).gave(function, expression, expected, {__VA_ARGS__})
 // A row of what the platform did by itself; every record bears its function's name.
 #define EXPECT_TRANSCRIPT(...) expect_lines(__FILE__, __LINE__, "the transcript", "", {__VA_ARGS__})
 
