@@ -1,5 +1,26 @@
 #include "session.h"
+
+#include <cstdlib>
+#include <new>
+
 #include "api_test.h"
+
+static bool no_memory_for_the_object;
+
+void* operator new(size_t size)
+{
+    void* const memory = no_memory_for_the_object && size == sizeof(QCMAP_Client) ? nullptr : std::malloc(size);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+void operator delete(void* memory, size_t) noexcept
+{
+    std::free(memory);
+}
 
 namespace {
 
@@ -121,6 +142,20 @@ TEST_F(SessionTest, AFailedOpeningMayBeTriedAgain)
     EXPECT_EQ(zr_nexa_client_init(nullptr), 0x2003u);
     EXPECT_EQ(zr_nexa_client_init(nullptr), 0u);
     EXPECT_EQ(zr_nexa_general_restore_nexa_v1(), 0u);
+}
+
+TEST_F(SessionTest, WithoutMemoryForTheObjectThereIsNoSession)
+{
+    no_memory_for_the_object = true;
+    try {
+        zr_nexa_client_init(nullptr);
+    } catch (const std::bad_alloc&) {
+    }
+    no_memory_for_the_object = false;
+    EXPECT_TRANSCRIPT("info  zr_nexa_client_init: entry");
+    EXPECT_EQ(zr_nexa_general_restore_nexa_v1(), 13u);
+    platform.forget();
+    EXPECT_ROW(zr_nexa_client_init(nullptr), 0u, kCreating, "call  EnableMobileAP_Ext(65535)");
 }
 
 TEST_F(SessionTest, Closes)
