@@ -34,6 +34,7 @@ public:
 private:
     std::vector<std::string> lines_;
 };
+inline const std::vector<std::string> kNothing;
 
 // Compares the whole transcript, shows where it differs, and leaves it empty.
 inline void expect_lines(const char* file, int line, const std::string& what, const std::string& function,
