@@ -9,7 +9,7 @@ constexpr auto kLogSource = zr_nexa::LogSource::kLanVlan;
 
 constexpr uint16_t kVlanIdMax = 4094;
 
-static_assert(ZR_NEXA_LAN_VLAN_MAX == QCMAP_MAX_VLAN_ENTRIES);
+static_assert(ZR_NEXA_LAN_VLANS_MAX == QCMAP_MAX_VLAN_ENTRIES);
 
 // phy_iface_type 1..4, in order.
 constexpr qcmap_msgr_interface_type_enum_v01 kInterfaceTypes[] = {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr auto kLogSource = zr_nexa::LogSource::kWanMpdnMapping;
 
-static_assert(ZR_NEXA_WAN_MPDNMAPPING_MAX == QCMAP_MAX_WWAN_PROFILES * QCMAP_MAX_VLANS_PER_PDN);
+static_assert(ZR_NEXA_WAN_MPDNMAPPINGS_MAX == QCMAP_MAX_WWAN_PROFILES * QCMAP_MAX_VLANS_PER_PDN);
 
 bool is_vlan_id(uint16_t vlan_id)
 {

@@ -20,7 +20,7 @@ ZR_NEXA_C_BEGIN
 #define ZR_NEXA_FIREWALL_PROTO_ESP 7u     /* SPI */
 
 /* Entries that a list holds. */
-#define ZR_NEXA_FIREWALL_MAX_ENTRIES 50
+#define ZR_NEXA_FIREWALL_ENTRIES_MAX 50
 
 /*
  * One filter entry. A value counts only when its flag is set: to set a flag any non-zero byte will do, read back it is
@@ -74,22 +74,22 @@ typedef struct zr_nexa_firewall_entry_t {
 /* The entries of one profile, in the service's order; entry[i] belongs to handle[i]. */
 typedef struct zr_nexa_firewall_entry_list_t {
     uint32_t count;
-    uint32_t handle[ZR_NEXA_FIREWALL_MAX_ENTRIES];
-    zr_nexa_firewall_entry_t entry[ZR_NEXA_FIREWALL_MAX_ENTRIES];
+    uint32_t handle[ZR_NEXA_FIREWALL_ENTRIES_MAX];
+    zr_nexa_firewall_entry_t entry[ZR_NEXA_FIREWALL_ENTRIES_MAX];
 } zr_nexa_firewall_entry_list_t;
 
 /* Hardware MAC filtering: which stations, on which interfaces. */
 #define ZR_NEXA_FIREWALL_HWFILTER_STATE_MAX 2u /* 0 off, 1 on, 2 as listed */
-#define ZR_NEXA_FIREWALL_HWFILTER_MAX_MACS 16
-#define ZR_NEXA_FIREWALL_HWFILTER_MAX_IFACES 8
+#define ZR_NEXA_FIREWALL_HWFILTER_MACS_MAX 16
+#define ZR_NEXA_FIREWALL_HWFILTER_IFACES_MAX 8
 #define ZR_NEXA_FIREWALL_HWFILTER_IFACE_WORDS 5
 
 typedef struct zr_nexa_firewall_hwfilter_cfg_t {
     uint32_t num_of_macs;                                    /* 1..16 */
-    uint8_t mac_addr[ZR_NEXA_FIREWALL_HWFILTER_MAX_MACS][6]; /* as they are spoken: first byte first */
+    uint8_t mac_addr[ZR_NEXA_FIREWALL_HWFILTER_MACS_MAX][6]; /* as they are spoken: first byte first */
     uint32_t num_of_ifaces;                                  /* 1..8 */
     /* An interface is described by five words, which are handed to the service and back unchanged. */
-    uint32_t iface[ZR_NEXA_FIREWALL_HWFILTER_MAX_IFACES][ZR_NEXA_FIREWALL_HWFILTER_IFACE_WORDS];
+    uint32_t iface[ZR_NEXA_FIREWALL_HWFILTER_IFACES_MAX][ZR_NEXA_FIREWALL_HWFILTER_IFACE_WORDS];
 } zr_nexa_firewall_hwfilter_cfg_t;
 
 /*

@@ -11,15 +11,15 @@
 
 ZR_NEXA_C_BEGIN
 
-#define ZR_NEXA_GRE_MAX_SERVERS 10
-#define ZR_NEXA_GRE_MAX_SUBNETS 2
+#define ZR_NEXA_GRE_SERVERS_MAX 10
+#define ZR_NEXA_GRE_SUBNETS_MAX 2
 
 typedef struct zr_nexa_wan_gre_ipacfg_t {
     uint8_t gre_enabled;                                /* 1 on, any other value off */
     uint8_t num_of_server_addrs;                        /* 0..10 */
-    uint32_t server_ipv4_addr[ZR_NEXA_GRE_MAX_SERVERS]; /* network byte order, as inet_pton writes it */
+    uint32_t server_ipv4_addr[ZR_NEXA_GRE_SERVERS_MAX]; /* network byte order, as inet_pton writes it */
     uint8_t num_of_subnet_masks;                        /* 0..2 */
-    uint32_t subnet_mask[ZR_NEXA_GRE_MAX_SUBNETS];      /* network byte order */
+    uint32_t subnet_mask[ZR_NEXA_GRE_SUBNETS_MAX];      /* network byte order */
 } zr_nexa_wan_gre_ipacfg_t;
 
 /*

@@ -37,6 +37,7 @@ enum {
 #define ZR_NEXA_LAN_IPPT_ETH_NIC2 4 /* the device with host_mac, on the second Ethernet interface */
 #define ZR_NEXA_LAN_IPPT_ANY_USB 5  /* any device on USB; only read */
 
+#define ZR_NEXA_LAN_IPPT_ADAPTIVE_MAX 10
 #define ZR_NEXA_LAN_IPPT_MAC_SIZE 18
 #define ZR_NEXA_LAN_IPPT_NAME_SIZE 100
 
@@ -59,7 +60,8 @@ enum {
     ZR_NEXA_LAN_IPPTGWFILTER_ERR_PROTOCOL = 12 /* protocol outside 1..3 */
 };
 
-#define ZR_NEXA_LAN_IPPTGWFILTER_MAX 5
+#define ZR_NEXA_LAN_IPPTGWFILTERS_MAX 5
+#define ZR_NEXA_LAN_IPPTGWFILTER_PORT_MAX 65534
 
 #define ZR_NEXA_LAN_IPPTGWFILTER_TCP 1
 #define ZR_NEXA_LAN_IPPTGWFILTER_UDP 2
@@ -67,17 +69,17 @@ enum {
 
 /* Entry i of the three arrays is filter i + 1. */
 typedef struct {
-    uint32_t protocol[ZR_NEXA_LAN_IPPTGWFILTER_MAX]; /* ZR_NEXA_LAN_IPPTGWFILTER_..., 0: no filter */
-    uint16_t start_port[ZR_NEXA_LAN_IPPTGWFILTER_MAX];
-    uint16_t end_port[ZR_NEXA_LAN_IPPTGWFILTER_MAX];
+    uint32_t protocol[ZR_NEXA_LAN_IPPTGWFILTERS_MAX]; /* ZR_NEXA_LAN_IPPTGWFILTER_..., 0: no filter */
+    uint16_t start_port[ZR_NEXA_LAN_IPPTGWFILTERS_MAX];
+    uint16_t end_port[ZR_NEXA_LAN_IPPTGWFILTERS_MAX];
 } zr_nexa_lan_ipptgwfilter_list_t;
 
 /* Software-path addresses */
-#define ZR_NEXA_LAN_SWPATHFILTER_MAX 5
+#define ZR_NEXA_LAN_SWPATHFILTERS_MAX 5
 
 typedef struct {
     uint32_t count;
-    uint32_t ipv4_address[ZR_NEXA_LAN_SWPATHFILTER_MAX]; /* network byte order */
+    uint32_t ipv4_address[ZR_NEXA_LAN_SWPATHFILTERS_MAX]; /* network byte order */
 } zr_nexa_lan_swpathfilter_list_t;
 
 /*

@@ -12,7 +12,7 @@ ZR_NEXA_C_BEGIN
 
 #define ZR_NEXA_LAN_DHCP_RESERVATIONS_MAX 20u
 #define ZR_NEXA_LAN_CONNECTED_DEVICES_MAX 50u
-#define ZR_NEXA_LAN_DEVICE_IPV6_MAX 6u
+#define ZR_NEXA_LAN_DEVICE_IPV6_ADDRS_MAX 6u
 #define ZR_NEXA_LAN_L2TP_TUNNELS_MAX 8u
 #define ZR_NEXA_LAN_L2TP_SESSIONS_MAX 8u
 
@@ -47,7 +47,7 @@ typedef struct zr_nexa_lan_connected_device_t {
     char host_name[100]; /* not terminated when it fills the field */
     uint8_t reserved[2];
     uint32_t ipv6_count; /* valid entries of ipv6_addr */
-    uint8_t ipv6_addr[ZR_NEXA_LAN_DEVICE_IPV6_MAX][16];
+    uint8_t ipv6_addr[ZR_NEXA_LAN_DEVICE_IPV6_ADDRS_MAX][16];
     uint64_t rx_bytes; /* received from the device */
     uint64_t tx_bytes; /* sent to the device */
 } zr_nexa_lan_connected_device_t;

@@ -10,7 +10,7 @@ enum {
     ZR_NEXA_LAN_VLAN_ERR_IFACE_TYPE = 7 /* phy_iface_type outside 1..4 */
 };
 
-#define ZR_NEXA_LAN_VLAN_MAX 2000
+#define ZR_NEXA_LAN_VLANS_MAX 2000
 
 /* The physical interface that carries a VLAN. */
 #define ZR_NEXA_LAN_VLAN_IFACE_ETH 1
@@ -21,9 +21,9 @@ enum {
 /* Entry i of the three arrays describes one VLAN. */
 typedef struct {
     uint16_t count;
-    uint16_t vlan_id[ZR_NEXA_LAN_VLAN_MAX];
-    uint8_t phy_iface_type[ZR_NEXA_LAN_VLAN_MAX]; /* ZR_NEXA_LAN_VLAN_IFACE_... */
-    uint8_t is_accelerated[ZR_NEXA_LAN_VLAN_MAX]; /* 0 or 1 */
+    uint16_t vlan_id[ZR_NEXA_LAN_VLANS_MAX];
+    uint8_t phy_iface_type[ZR_NEXA_LAN_VLANS_MAX]; /* ZR_NEXA_LAN_VLAN_IFACE_... */
+    uint8_t is_accelerated[ZR_NEXA_LAN_VLANS_MAX]; /* 0 or 1 */
 } zr_nexa_lan_vlan_list_t;
 
 /*

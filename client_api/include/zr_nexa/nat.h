@@ -25,15 +25,15 @@ enum {
 #define ZR_NEXA_NAT_PROTO_TCP_UDP 6
 #define ZR_NEXA_NAT_PROTO_ESP 7 /* without ports */
 
-#define ZR_NEXA_NAT_IPV4PORTMAPPING_MAX 50
+#define ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX 50
 
 /* Port mappings of one profile; entry i of the arrays is rule i. */
 typedef struct {
-    uint32_t count;                                       /* rules, 0..50 */
-    uint32_t private_ip[ZR_NEXA_NAT_IPV4PORTMAPPING_MAX]; /* the LAN device; host byte order */
-    uint16_t private_port[ZR_NEXA_NAT_IPV4PORTMAPPING_MAX];
-    uint16_t global_port[ZR_NEXA_NAT_IPV4PORTMAPPING_MAX];
-    uint8_t protocol[ZR_NEXA_NAT_IPV4PORTMAPPING_MAX]; /* ZR_NEXA_NAT_PROTO_... */
+    uint32_t count;                                        /* rules, 0..50 */
+    uint32_t private_ip[ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX]; /* the LAN device; host byte order */
+    uint16_t private_port[ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX];
+    uint16_t global_port[ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX];
+    uint8_t protocol[ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX]; /* ZR_NEXA_NAT_PROTO_... */
 } zr_nexa_nat_ipv4portmapping_list_t;
 
 /*

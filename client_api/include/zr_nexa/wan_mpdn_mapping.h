@@ -7,7 +7,7 @@
 ZR_NEXA_C_BEGIN
 
 /* 50 profiles with 4094 VLAN ids each. */
-#define ZR_NEXA_WAN_MPDNMAPPING_MAX 204700
+#define ZR_NEXA_WAN_MPDNMAPPINGS_MAX 204700
 
 /*
  * All mappings: pair i is (profile_handle[i], vlan_id[i]), i below count. The record is about 1.2 MB large: keep it
@@ -15,8 +15,8 @@ ZR_NEXA_C_BEGIN
  */
 typedef struct {
     uint32_t count; /* pairs */
-    uint32_t profile_handle[ZR_NEXA_WAN_MPDNMAPPING_MAX];
-    uint16_t vlan_id[ZR_NEXA_WAN_MPDNMAPPING_MAX];
+    uint32_t profile_handle[ZR_NEXA_WAN_MPDNMAPPINGS_MAX];
+    uint16_t vlan_id[ZR_NEXA_WAN_MPDNMAPPINGS_MAX];
 } zr_nexa_wan_mpdnmapping_list_t;
 
 /*
