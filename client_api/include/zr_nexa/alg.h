@@ -18,14 +18,14 @@ enum {
 #define ZR_NEXA_ALG_SIP_FQDN_SIZE 100
 
 /* A SIP server on the IPv4 side. */
-typedef struct {
+typedef struct zr_nexa_sip_server_info_t {
     uint32_t pcscf_info_type;             /* ZR_NEXA_ALG_SIP_INFO_... */
     uint32_t ipv4_addr;                   /* of ZR_NEXA_ALG_SIP_INFO_IP; host byte order */
     char fqdn[ZR_NEXA_ALG_SIP_FQDN_SIZE]; /* of ZR_NEXA_ALG_SIP_INFO_FQDN; not terminated when it fills the field */
 } zr_nexa_sip_server_info_t;
 
 /* A SIP server on the IPv6 side. */
-typedef struct {
+typedef struct zr_nexa_ipv6_sip_server_info_t {
     uint32_t pcscf_info_type;             /* ZR_NEXA_ALG_SIP_INFO_... */
     uint8_t ipv6_addr[16];                /* of ZR_NEXA_ALG_SIP_INFO_IP; network byte order */
     char fqdn[ZR_NEXA_ALG_SIP_FQDN_SIZE]; /* of ZR_NEXA_ALG_SIP_INFO_FQDN; not terminated when it fills the field */

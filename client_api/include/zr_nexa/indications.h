@@ -63,7 +63,7 @@ enum {
  * Events 34, 35 and 37. The interface name and the addresses are given by event 34 with status 3 or 9; in every other
  * event they are 0. All six addresses are in network byte order, 0 where the call has none.
  */
-typedef struct zr_nexa_ind_call_event {
+typedef struct zr_nexa_ind_call_event_t {
     uint32_t status;
     uint32_t call_end_type; /* why the call ended, as the service gives it */
     uint32_t call_end_code;
@@ -78,7 +78,7 @@ typedef struct zr_nexa_ind_call_event {
 } zr_nexa_ind_call_event_t;
 
 /* Event 169: the service's report as it stands. */
-typedef struct zr_nexa_ind_status_report {
+typedef struct zr_nexa_ind_status_report_t {
     uint32_t kind; /* 0 or 1; reports of other kinds are not handed on */
     uint8_t report[10884];
 } zr_nexa_ind_status_report_t;

@@ -14,7 +14,7 @@ ZR_NEXA_C_BEGIN
 #define ZR_NEXA_LAN_DNS_MODE_ADDRESSES 3u
 
 /* Addressing of one LAN bridge. Every address is in host byte order. */
-typedef struct {
+typedef struct zr_nexa_lan_dhcp_cfg_t {
     uint32_t gateway_ip; /* of the bridge itself */
     uint32_t netmask;
     uint32_t dhcp_start_ip; /* first address of the DHCP pool */

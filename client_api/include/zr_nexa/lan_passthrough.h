@@ -43,7 +43,7 @@ enum {
 
 /* Without gaps, also behind the last field. */
 #pragma pack(push, 1)
-typedef struct {
+typedef struct zr_nexa_lan_ippt_t {
     uint16_t lan_id;              /* 0..4094 */
     uint8_t ippt_adaptive_enable; /* non-zero: set asks for the adaptive passthrough and leaves the rest out */
     uint8_t ippt_adaptive;        /* 0..10: 0 off, else which device is taken by itself */
@@ -68,7 +68,7 @@ enum {
 #define ZR_NEXA_LAN_IPPTGWFILTER_NO_PORTS 3 /* the protocol whose ports are not looked at */
 
 /* Entry i of the three arrays is filter i + 1. */
-typedef struct {
+typedef struct zr_nexa_lan_ipptgwfilter_list_t {
     uint32_t protocol[ZR_NEXA_LAN_IPPTGWFILTERS_MAX]; /* ZR_NEXA_LAN_IPPTGWFILTER_..., 0: no filter */
     uint16_t start_port[ZR_NEXA_LAN_IPPTGWFILTERS_MAX];
     uint16_t end_port[ZR_NEXA_LAN_IPPTGWFILTERS_MAX];
@@ -77,7 +77,7 @@ typedef struct {
 /* Software-path addresses */
 #define ZR_NEXA_LAN_SWPATHFILTERS_MAX 5
 
-typedef struct {
+typedef struct zr_nexa_lan_swpathfilter_list_t {
     uint32_t count;
     uint32_t ipv4_address[ZR_NEXA_LAN_SWPATHFILTERS_MAX]; /* network byte order */
 } zr_nexa_lan_swpathfilter_list_t;

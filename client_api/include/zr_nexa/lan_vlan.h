@@ -19,7 +19,7 @@ enum {
 #define ZR_NEXA_LAN_VLAN_IFACE_ETH_NIC2 4
 
 /* Entry i of the three arrays describes one VLAN. */
-typedef struct {
+typedef struct zr_nexa_lan_vlan_list_t {
     uint16_t count;
     uint16_t vlan_id[ZR_NEXA_LAN_VLANS_MAX];
     uint8_t phy_iface_type[ZR_NEXA_LAN_VLANS_MAX]; /* ZR_NEXA_LAN_VLAN_IFACE_... */

@@ -28,7 +28,7 @@ enum {
 #define ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX 50
 
 /* Port mappings of one profile; entry i of the arrays is rule i. */
-typedef struct {
+typedef struct zr_nexa_nat_ipv4portmapping_list_t {
     uint32_t count;                                        /* rules, 0..50 */
     uint32_t private_ip[ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX]; /* the LAN device; host byte order */
     uint16_t private_port[ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX];

@@ -33,7 +33,7 @@ enum {
 #define ZR_NEXA_WAN_IFACE_NAME_SIZE 16
 
 /* Details of a connected profile. All addresses, the IPv4 ones too, are their bytes in network byte order. */
-typedef struct {
+typedef struct zr_nexa_wan_info_t {
     uint8_t connected;                            /* 1: the profile is connected; 0: the other fields are all zero */
     char iface_name[ZR_NEXA_WAN_IFACE_NAME_SIZE]; /* network interface; zero-terminated when shorter */
     uint32_t v4_addr;

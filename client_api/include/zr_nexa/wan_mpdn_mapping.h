@@ -13,7 +13,7 @@ ZR_NEXA_C_BEGIN
  * All mappings: pair i is (profile_handle[i], vlan_id[i]), i below count. The record is about 1.2 MB large: keep it
  * in static or mapped memory, not on a stack. In zero pages it costs only the pages that the pairs fill.
  */
-typedef struct {
+typedef struct zr_nexa_wan_mpdnmapping_list_t {
     uint32_t count; /* pairs */
     uint32_t profile_handle[ZR_NEXA_WAN_MPDNMAPPINGS_MAX];
     uint16_t vlan_id[ZR_NEXA_WAN_MPDNMAPPINGS_MAX];

@@ -22,7 +22,7 @@ enum { ZR_NEXA_WAN_TECH_ANY = 0, ZR_NEXA_WAN_TECH_UMTS = 1, ZR_NEXA_WAN_TECH_CDM
 #define ZR_NEXA_WAN_APN_NAME_SIZE 50
 
 /* A profile, as the version-2 functions take and give it. */
-typedef struct {
+typedef struct zr_nexa_wan_wwanconfig_t {
     uint8_t tech_pref;                        /* ZR_NEXA_WAN_TECH_* */
     int32_t ip_family;                        /* ZR_NEXA_IP_V4, _V6 or _V4V6 */
     uint8_t apn_id;                           /* 1..16 */
@@ -30,7 +30,7 @@ typedef struct {
 } zr_nexa_wan_wwanconfig_t;
 
 /* All profiles; entry i of the three arrays describes the same profile, i below wwanconfig_num. */
-typedef struct {
+typedef struct zr_nexa_wan_wwanconfig_list_t {
     uint32_t wwanconfig_num;      /* 0..50 */
     uint32_t default_wwan_handle; /* 0: the service names none */
     uint32_t wwan_handle[ZR_NEXA_WAN_PROFILES_MAX];
@@ -39,7 +39,7 @@ typedef struct {
 } zr_nexa_wan_wwanconfig_list_t;
 
 /* All profiles, whole; profile i has the handle wwan_handle[i], i below wwanconfig_num. */
-typedef struct {
+typedef struct zr_nexa_wan_wwanconfig_list_v2_t {
     uint32_t wwanconfig_num;      /* 0..50 */
     uint32_t default_wwan_handle; /* 0: the service names none */
     uint32_t wwan_handle[ZR_NEXA_WAN_PROFILES_MAX];
