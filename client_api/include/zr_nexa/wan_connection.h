@@ -51,10 +51,12 @@ typedef struct zr_nexa_wan_info_t {
 } zr_nexa_wan_info_t;
 
 /*
- * Traffic counts of a connection, the service's own record. A program that also includes the module's own headers
- * includes those first and defines ZR_NEXA_HAVE_PLATFORM_RECORDS, so that the record is not declared twice.
+ * Traffic counts of a connection: the platform's own record, for programs without the platform's headers. Headers of a
+ * module that do not know this guard are included first, and the guard is defined behind them; else the record is
+ * declared twice, which no compiler accepts.
  */
-#ifndef ZR_NEXA_HAVE_PLATFORM_RECORDS
+#ifndef QCMAP_MSGR_WWAN_STATISTICS_TYPE_V01_DEFINED
+#define QCMAP_MSGR_WWAN_STATISTICS_TYPE_V01_DEFINED
 typedef struct qcmap_msgr_wwan_statistics_type_v01 {
     uint64_t bytes_rx;
     uint64_t bytes_tx;
