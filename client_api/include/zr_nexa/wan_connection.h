@@ -77,7 +77,7 @@ typedef struct qcmap_msgr_wwan_statistics_type_v01 {
  * @param[out] v4_status    receives ZR_NEXA_WAN_V4_...; stays as it was when the service reports another value (a
  *                          failed attempt, say), and on failure: preset it to a value that is no state. Not checked for
  *                          null.
- * @param[out] v6_status    the same with ZR_NEXA_WAN_V6_....
+ * @param[out] v6_status    the same with ZR_NEXA_WAN_V6_...; not checked for null.
  *
  * @retval 13        no session
  * @retval 4         wwan_handle 0
@@ -95,7 +95,7 @@ ZR_NEXA_API uint32_t zr_nexa_wan_status_get_v1(uint32_t wwan_handle, uint32_t* v
  * @param[in] connect      1 connect, 0 disconnect.
  *
  * @retval 13        no session
- * @retval 4         wwan_handle 0 or connect above 1
+ * @retval 4         wwan_handle 0, or connect above 1
  * @retval e|0x1000  the profile could not be selected, error e
  * @retval e|0x2000  connecting refused with error e
  * @retval e|0x3000  disconnecting refused with error e
@@ -117,7 +117,7 @@ ZR_NEXA_API uint32_t zr_nexa_wan_connect_v6_set_v1(uint32_t wwan_handle, uint32_
  * @param[in] enable       1 on, 0 off.
  *
  * @retval 13        no session
- * @retval 4         wwan_handle 0 or enable above 1
+ * @retval 4         wwan_handle 0, or enable above 1
  * @retval e|0x1000  the profile could not be selected, error e
  * @retval e|0x2000  switching on refused with error e
  * @retval e|0x3000  switching off refused with error e
@@ -132,7 +132,7 @@ ZR_NEXA_API uint32_t zr_nexa_wan_reconnect_set_v1(uint32_t wwan_handle, uint32_t
  * @param[out] enable       receives the service's byte, 0 off, non-zero on; untouched on failure.
  *
  * @retval 13        no session
- * @retval 4         wwan_handle 0 or enable null
+ * @retval 4         wwan_handle 0, or enable null
  * @retval e|0x1000  the profile could not be selected, error e
  * @retval e|0x2000  the service refused with error e
  * @retval 0         success

@@ -55,7 +55,7 @@ typedef struct zr_nexa_wan_wwanconfig_list_v2_t {
  * @param[in]  apn_id       1..16.
  *
  * @retval 13        no session
- * @retval 4         wwan_handle null or apn_id outside 1..16
+ * @retval 4         wwan_handle null, or apn_id outside 1..16
  * @retval 11        tech_pref outside 0..2
  * @retval e|0x1000  the service refused to create it with error e (the table is full, ...)
  * @retval 0         success
@@ -70,7 +70,7 @@ ZR_NEXA_API uint32_t zr_nexa_wan_wwanconfig_add_v1(uint32_t* wwan_handle, int te
  *                          The apn_name is sent as the whole block of 50 bytes when its first byte is not zero.
  *
  * @retval 13        no session
- * @retval 4         wwan_handle null or apn_id outside 1..16
+ * @retval 4         wwan_handle null, or apn_id outside 1..16
  * @retval 11        tech_pref outside 0..2
  * @retval e|0x1000  the service refused to create it with error e
  * @retval 0         success
@@ -87,7 +87,7 @@ ZR_NEXA_API uint32_t zr_nexa_wan_wwanconfig_add_v2(uint32_t* wwan_handle, zr_nex
  * @param[in] apn_id       1..16.
  *
  * @retval 13        no session
- * @retval 4         wwan_handle 0 or apn_id outside 1..16
+ * @retval 4         wwan_handle 0, or apn_id outside 1..16
  * @retval e|0x1000  the profile could not be selected, error e
  * @retval 11        tech_pref outside 0..2 (found only now)
  * @retval e|0x2000  technology preference refused with error e
@@ -106,7 +106,7 @@ ZR_NEXA_API uint32_t zr_nexa_wan_wwanconfig_set_v1(uint32_t wwan_handle, int tec
  *                         away.
  *
  * @retval 13        no session
- * @retval 4         wwan_handle 0 or apn_id outside 1..16
+ * @retval 4         wwan_handle 0, or apn_id outside 1..16
  * @retval e|0x1000  the profile could not be selected, error e
  * @retval 11        tech_pref outside 0..2 (found only now)
  * @retval e|0x2000  technology preference refused with error e
