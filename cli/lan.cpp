@@ -15,9 +15,6 @@ namespace cli {
 
 namespace {
 
-constexpr uint16_t kFilterPortMax = 65534;
-constexpr uint8_t kAdaptiveModeMax = 10;
-
 bool is_vlan_id(uint16_t vlan_id)
 {
     return vlan_id >= 2 && vlan_id <= ZR_NEXA_LAN_ID_MAX;
@@ -30,7 +27,7 @@ bool is_vlan_type(uint8_t vlan_type)
 
 bool is_filter_port(uint16_t port)
 {
-    return port >= 1 && port <= kFilterPortMax;
+    return port >= 1 && port <= ZR_NEXA_LAN_IPPTGWFILTER_PORT_MAX;
 }
 
 // IPPTNAT and IPPTNATPDN print the same label. A mode without a line prints nothing.
@@ -215,7 +212,7 @@ int lan_ippt(int argc, char** argv)
     if (argc == 6 && same(argv[3], "adaptive")) {
         rec.ippt_adaptive_enable = 1;
         rec.ippt_adaptive = number_u8(argv[5]);
-        if (rec.ippt_adaptive > kAdaptiveModeMax) return invalid();
+        if (rec.ippt_adaptive > ZR_NEXA_LAN_IPPT_ADAPTIVE_MAX) return invalid();
         return result(zr_nexa_lan_ippt_set_v1(&rec));
     }
     if ((argc == 6 || argc == 7) && same(argv[3], "set")) {
@@ -248,7 +245,7 @@ int lan_ipptgwfilter(int argc, char** argv)
         const uint32_t code = zr_nexa_lan_ipptgwfilter_get_v1(lan_id, &list);
         if (code != 0) return result(code);
         puts(list.protocol[0] != 0 ? "LAN IPPTGWFilter:\r" : "LAN IPPTGWFilter: No GW Filter\r");
-        for (int i = 0; i < ZR_NEXA_LAN_IPPTGWFILTER_MAX; ++i) {
+        for (int i = 0; i < ZR_NEXA_LAN_IPPTGWFILTERS_MAX; ++i) {
             if (list.protocol[i] == 0) continue;
             printf("filterID: %d protocol: %d start_port: %d end_port %d\r\n", i + 1, list.protocol[i],
                    list.start_port[i], list.end_port[i]);
@@ -266,7 +263,7 @@ int lan_ipptgwfilter(int argc, char** argv)
     }
     if (argc == 6 && same(argv[3], "del")) {
         const uint8_t filter_id = number_u8(argv[5]);
-        if (filter_id < 1 || filter_id > ZR_NEXA_LAN_IPPTGWFILTER_MAX) return invalid();
+        if (filter_id < 1 || filter_id > ZR_NEXA_LAN_IPPTGWFILTERS_MAX) return invalid();
         return result(zr_nexa_lan_ipptgwfilter_del_v1(lan_id, filter_id));
     }
     return invalid();

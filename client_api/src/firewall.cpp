@@ -256,7 +256,7 @@ uint32_t zr_nexa_firewall_entry_get_v1(uint32_t wwan_handle, uint32_t ip_family,
         ZR_LOG_ERROR("Get FireWall Handles List (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
-    list->count = clamped(handles.count, ZR_NEXA_FIREWALL_MAX_ENTRIES);
+    list->count = clamped(handles.count, ZR_NEXA_FIREWALL_ENTRIES_MAX);
     for (uint32_t i = 0; i < list->count; ++i) {
         qcmap_msgr_firewall_entry_conf_t conf = {};
         conf.ip_family = asked_family;
@@ -327,8 +327,8 @@ uint32_t zr_nexa_firewall_hwfiltering_state_set_v1(uint32_t state, const zr_nexa
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (config == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     if (state > ZR_NEXA_FIREWALL_HWFILTER_STATE_MAX) return ZR_NEXA_ERR_ARGUMENT;
-    if (!in_list(config->num_of_macs, ZR_NEXA_FIREWALL_HWFILTER_MAX_MACS)) return ZR_NEXA_ERR_ARGUMENT;
-    if (!in_list(config->num_of_ifaces, ZR_NEXA_FIREWALL_HWFILTER_MAX_IFACES)) {
+    if (!in_list(config->num_of_macs, ZR_NEXA_FIREWALL_HWFILTER_MACS_MAX)) return ZR_NEXA_ERR_ARGUMENT;
+    if (!in_list(config->num_of_ifaces, ZR_NEXA_FIREWALL_HWFILTER_IFACES_MAX)) {
         ZR_LOG_ERROR("Invalid number of iface:%d", config->num_of_ifaces);
         return ZR_NEXA_ERR_ARGUMENT;
     }
@@ -357,9 +357,9 @@ uint32_t zr_nexa_firewall_hwfiltering_state_get_v1(uint32_t* state, zr_nexa_fire
         return failed_step(2, err);
     }
     *state = static_cast<uint32_t>(filter_state);
-    config->num_of_macs = clamped(filter.mac_count, ZR_NEXA_FIREWALL_HWFILTER_MAX_MACS);
+    config->num_of_macs = clamped(filter.mac_count, ZR_NEXA_FIREWALL_HWFILTER_MACS_MAX);
     std::memcpy(config->mac_addr, filter.mac, config->num_of_macs * sizeof(config->mac_addr[0]));
-    config->num_of_ifaces = clamped(filter.iface_count, ZR_NEXA_FIREWALL_HWFILTER_MAX_IFACES);
+    config->num_of_ifaces = clamped(filter.iface_count, ZR_NEXA_FIREWALL_HWFILTER_IFACES_MAX);
     std::memcpy(config->iface, filter.iface, config->num_of_ifaces * sizeof(config->iface[0]));
     return result_of(err);
 }

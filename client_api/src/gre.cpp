@@ -22,15 +22,15 @@ int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t* cfg)
         ZR_LOG_ERROR("gre_ipacfg is null");
         return ZR_NEXA_ERR_ARGUMENT;
     }
-    if (cfg->num_of_server_addrs > ZR_NEXA_GRE_MAX_SERVERS) {
-        ZR_LOG_ERROR("num_of_server_addrs greater than %d", ZR_NEXA_GRE_MAX_SERVERS);
-        if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_MAX_SUBNETS) {
-            ZR_LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_MAX_SUBNETS);
+    if (cfg->num_of_server_addrs > ZR_NEXA_GRE_SERVERS_MAX) {
+        ZR_LOG_ERROR("num_of_server_addrs greater than %d", ZR_NEXA_GRE_SERVERS_MAX);
+        if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_SUBNETS_MAX) {
+            ZR_LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_SUBNETS_MAX);
         }
         return ZR_NEXA_ERR_ARGUMENT;
     }
-    if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_MAX_SUBNETS) {
-        ZR_LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_MAX_SUBNETS);
+    if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_SUBNETS_MAX) {
+        ZR_LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_SUBNETS_MAX);
         return ZR_NEXA_ERR_ARGUMENT;
     }
     zr_nexa_wan_gre_ipacfg_t local = *cfg;

@@ -137,14 +137,14 @@ try {
         ZR_LOG_INFO_AS(kLogName, "GET gre ipa status:%d", cfg->gre_enabled);
     }
     for (const pugi::xml_node server : gre_flag.children("GREServer")) {
-        if (cfg->num_of_server_addrs == ZR_NEXA_GRE_MAX_SERVERS) break;
+        if (cfg->num_of_server_addrs == ZR_NEXA_GRE_SERVERS_MAX) break;
         const uint32_t address = address_in(server);
         cfg->server_ipv4_addr[cfg->num_of_server_addrs] = address;
         ZR_LOG_INFO_AS(kLogName, "cfg_value->server_ipv4_addr[%d]:%d", cfg->num_of_server_addrs, address);
         ++cfg->num_of_server_addrs;
     }
     for (const pugi::xml_node subnet : gre_flag.children("GREServerSubnet")) {
-        if (cfg->num_of_subnet_masks == ZR_NEXA_GRE_MAX_SUBNETS) break;
+        if (cfg->num_of_subnet_masks == ZR_NEXA_GRE_SUBNETS_MAX) break;
         const uint32_t mask = address_in(subnet);
         cfg->subnet_mask[cfg->num_of_subnet_masks] = mask;
         ZR_LOG_INFO_AS(kLogName, "cfg_value->subnet[%d]:%d", cfg->num_of_subnet_masks, mask);

@@ -18,20 +18,18 @@ constexpr uint32_t kFeatureWithNat = 1;
 constexpr uint32_t kFeatureWithoutNat = 2;
 constexpr uint32_t kFeatureWithNatOneDevice = 3;
 
-constexpr uint8_t kAdaptiveMax = 10;
 constexpr uint8_t kModeMax = ZR_NEXA_LAN_IPPT_ETH_NIC2;
 
 constexpr uint32_t kFilterRequest = 2;  // first header word of every request for the filters
-constexpr uint16_t kFilterPortMax = 65534;
 constexpr uint32_t kPlatformNoPorts = 4;
 
-static_assert(ZR_NEXA_LAN_IPPTGWFILTER_MAX == QCMAP_MAX_SW_PATH_FILTERS);
-static_assert(ZR_NEXA_LAN_SWPATHFILTER_MAX == QCMAP_MAX_SW_PATH_FILTERS);
+static_assert(ZR_NEXA_LAN_IPPTGWFILTERS_MAX == QCMAP_MAX_SW_PATH_FILTERS);
+static_assert(ZR_NEXA_LAN_SWPATHFILTERS_MAX == QCMAP_MAX_SW_PATH_FILTERS);
 static_assert(ZR_NEXA_LAN_IPPT_NAME_SIZE == sizeof(qcmap_msgr_ip_passthrough_config_v01::host_name));
 
 bool is_filter_port(uint16_t port)
 {
-    return port >= 1 && port <= kFilterPortMax;
+    return port >= 1 && port <= ZR_NEXA_LAN_IPPTGWFILTER_PORT_MAX;
 }
 
 // The devices that a passthrough is for.
@@ -184,7 +182,7 @@ uint32_t zr_nexa_lan_ippt_set_v1(const zr_nexa_lan_ippt_t* rec)
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (rec == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     if (!is_lan_id(rec->lan_id)) return ZR_NEXA_ERR_RANGE;
-    if (rec->ippt_adaptive > kAdaptiveMax) return ZR_NEXA_LAN_IPPT_ERR_ADAPTIVE;
+    if (rec->ippt_adaptive > ZR_NEXA_LAN_IPPT_ADAPTIVE_MAX) return ZR_NEXA_LAN_IPPT_ERR_ADAPTIVE;
     if (rec->ippt_mode > kModeMax) return ZR_NEXA_LAN_IPPT_ERR_MODE;
     if (rec->lan_id != 0 && rec->ippt_mode == ZR_NEXA_LAN_IPPT_WLAN) return ZR_NEXA_LAN_IPPT_ERR_WLAN_ON_VLAN;
 
@@ -336,7 +334,7 @@ uint32_t zr_nexa_lan_ipptgwfilter_del_v1(uint32_t lan_id, uint8_t number)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
-    if (number < 1 || number > ZR_NEXA_LAN_IPPTGWFILTER_MAX) return ZR_NEXA_ERR_ARGUMENT;
+    if (number < 1 || number > ZR_NEXA_LAN_IPPTGWFILTERS_MAX) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_sw_path_filters_conf_t filters;

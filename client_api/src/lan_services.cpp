@@ -41,7 +41,7 @@ void copy_device(zr_nexa_lan_connected_device_t* to, const qcmap_connected_devic
     std::memcpy(to->mac, from.mac, sizeof(to->mac));
     std::memcpy(to->host_name, from.host_name, sizeof(to->host_name));
     std::memset(to->reserved, 0, sizeof(to->reserved));
-    to->ipv6_count = clamped(from.ipv6_count, ZR_NEXA_LAN_DEVICE_IPV6_MAX);
+    to->ipv6_count = clamped(from.ipv6_count, ZR_NEXA_LAN_DEVICE_IPV6_ADDRS_MAX);
     std::memcpy(to->ipv6_addr, from.ipv6_addr, sizeof(to->ipv6_addr));
     to->rx_bytes = from.rx_bytes;
     to->tx_bytes = from.tx_bytes;

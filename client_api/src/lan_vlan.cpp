@@ -11,7 +11,7 @@ namespace {
 
 constexpr auto kLogSource = LogSource::kLanVlan;
 
-static_assert(ZR_NEXA_LAN_VLAN_MAX == QCMAP_MAX_VLAN_ENTRIES);
+static_assert(ZR_NEXA_LAN_VLANS_MAX == QCMAP_MAX_VLAN_ENTRIES);
 
 // phy_iface_type 1..4, in order.
 constexpr qcmap_msgr_interface_type_enum_v01 kInterfaceTypes[] = {

@@ -181,8 +181,8 @@ uint32_t zr_nexa_nat_ipv4portmapping_get_v1(uint32_t wwan_handle, zr_nexa_nat_ip
         ZR_LOG_ERROR("Get Static Nat Config List (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
-    static_assert(ZR_NEXA_NAT_IPV4PORTMAPPING_MAX == QCMAP_MAX_SNAT_ENTRIES, "one list holds the other");
-    list->count = clamped(num_entries, ZR_NEXA_NAT_IPV4PORTMAPPING_MAX);
+    static_assert(ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX == QCMAP_MAX_SNAT_ENTRIES, "one list holds the other");
+    list->count = clamped(num_entries, ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX);
     for (uint32_t i = 0; i < list->count; ++i) {
         list->private_ip[i] = entries[i].private_ip;
         list->private_port[i] = entries[i].private_port;

@@ -13,9 +13,6 @@ namespace {
 
 constexpr auto kLogSource = LogSource::kWanConnection;
 
-// The platform's own record here.
-static_assert(sizeof(qcmap_msgr_wwan_statistics_type_v01) == 32, "callers receive these 32 bytes whole");
-
 // The on/off modes of a profile differ in their platform methods and their texts only.
 using SetMode = bool (QCMAP_Client::*)(bool enable, qmi_error_type_v01* err);
 using GetMode = bool (QCMAP_Client::*)(unsigned char* enable, qmi_error_type_v01* err);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr auto kLogSource = LogSource::kWanMpdnMapping;
 
-static_assert(ZR_NEXA_WAN_MPDNMAPPING_MAX == QCMAP_MAX_WWAN_PROFILES * QCMAP_MAX_VLANS_PER_PDN);
+static_assert(ZR_NEXA_WAN_MPDNMAPPINGS_MAX == QCMAP_MAX_WWAN_PROFILES * QCMAP_MAX_VLANS_PER_PDN);
 
 bool is_clear(const qcmap_pdn_to_vlan_mapping& mapping)
 {

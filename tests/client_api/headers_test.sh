@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Every public header serves a C99 and a C++11 program, alone and beside the others, and no compiler says a word.
+# Every public header serves a C99 and a C++11 program, alone, beside the others and beside the platform's, and no
+# compiler says a word.
 #
 #   headers_test.sh INCLUDE_DIR CC CXX
 #
@@ -7,6 +8,7 @@
 set -euo pipefail
 
 include=$1
+platform=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../platform/include" && pwd)
 c_compilers=("$2")
 cxx_compilers=("$3")
 if command -v clang >/dev/null && command -v clang++ >/dev/null; then
@@ -15,27 +17,55 @@ if command -v clang >/dev/null && command -v clang++ >/dev/null; then
 fi
 failures=0
 
-# check UNIT COMPILER LANGUAGE STANDARD
-check() {
-    local unit=$1 said status=0
-    shift
-    said=$("$1" -x "$2" -std="$3" -Wall -Wextra -Wpedantic -Wredundant-decls -Werror -I "$include" -fsyntax-only - \
-        <<<"$unit" 2>&1) || status=$?
-    [ $status -eq 0 ] && [ -z "$said" ] && return
-    printf 'FAILED: %s -std=%s, status %s\n%s\n%s\n' "$1" "$3" "$status" "$unit" "$said" >&2
+# compile UNIT COMPILER LANGUAGE STANDARD
+compile() {
+    "$2" -x "$3" -std="$4" -Wall -Wextra -Wpedantic -Wredundant-decls -Werror -I "$include" -I "$platform" \
+        -fsyntax-only - <<<"$1" 2>&1
+}
+
+failed() {
+    printf 'FAILED: %s\n' "$@" >&2
     failures=$((failures + 1))
+}
+
+# accepted UNIT COMPILER LANGUAGE STANDARD
+accepted() {
+    local said status=0
+    said=$(compile "$@") || status=$?
+    if [ $status -ne 0 ] || [ -n "$said" ]; then
+        failed "$2 -std=$4, status $status" "$1" "$said"
+    fi
+}
+
+# refused UNIT COMPILER LANGUAGE STANDARD: for the record that is declared twice.
+refused() {
+    local said
+    if said=$(compile "$@") || ! grep -q 'error.*qcmap_msgr_wwan_statistics_type_v01' <<<"$said"; then
+        failed "not refused: $2 -std=$4" "$1" "$said"
+    fi
+}
+
+# in_c CHECK UNIT, in_cxx CHECK UNIT: with every compiler.
+in_c() {
+    local compiler
+    for compiler in "${c_compilers[@]}"; do
+        "$1" "$2" "$compiler" c c99
+    done
+}
+
+in_cxx() {
+    local compiler
+    for compiler in "${cxx_compilers[@]}"; do
+        "$1" "$2" "$compiler" c++ c++11
+    done
 }
 
 # serves HEADER...: one unit that includes them in this order.
 serves() {
-    local unit compiler
+    local unit
     unit=$(printf '#include <%s>\n' "$@")
-    for compiler in "${c_compilers[@]}"; do
-        check "$unit" "$compiler" c c99
-    done
-    for compiler in "${cxx_compilers[@]}"; do
-        check "$unit" "$compiler" c++ c++11
-    done
+    in_c accepted "$unit"
+    in_cxx accepted "$unit"
 }
 
 mapfile -t headers < <(cd "$include" && find . -name '*.h' -printf '%P\n' | LC_ALL=C sort)
@@ -51,5 +81,29 @@ done
 serves "${headers[@]}"
 serves "${reversed[@]}"
 serves zr_nexa_client_api.h zr_nexa_client_api.h
+
+# The platform's own record. The host platform's headers are C++; a module's may serve both and know no guard of ours.
+interface='#include <zr_nexa_client_api.h>'
+host='#include <qcmap_client.h>'
+module='#include <stdint.h>
+typedef struct {
+    uint64_t bytes_rx, bytes_tx;
+    uint32_t pkts_rx, pkts_tx, pkts_dropped_rx, pkts_dropped_tx;
+} qcmap_msgr_wwan_statistics_type_v01;'
+guard='#define QCMAP_MSGR_WWAN_STATISTICS_TYPE_V01_DEFINED'
+use='uint32_t use(qcmap_msgr_wwan_statistics_type_v01* counts);
+uint32_t use(qcmap_msgr_wwan_statistics_type_v01* counts)
+{
+    return zr_nexa_wan_statistics_get_v1(1, 4, counts);
+}'
+in_c accepted "$interface"$'\n'"$use"
+in_cxx accepted "$interface"$'\n'"$use"
+in_cxx accepted "$host"$'\n'"$interface"$'\n'"$use"
+in_cxx accepted "$interface"$'\n'"$host"$'\n'"$use"
+for run in in_c in_cxx; do
+    $run accepted "$module"$'\n'"$guard"$'\n'"$interface"$'\n'"$use"
+    $run refused "$module"$'\n'"$interface"$'\n'"$use"
+    $run refused "$interface"$'\n'"$module"$'\n'"$use"
+done
 
 [ $failures -eq 0 ]

@@ -14,11 +14,11 @@ inline zr_nexa_wan_gre_ipacfg_t gre_record(uint8_t enabled, uint8_t servers, uin
     std::memset(&cfg, 0xA5, sizeof(cfg));
     cfg.gre_enabled = enabled;
     cfg.num_of_server_addrs = servers;
-    for (uint32_t i = 0; i < ZR_NEXA_GRE_MAX_SERVERS; ++i) {
+    for (uint32_t i = 0; i < ZR_NEXA_GRE_SERVERS_MAX; ++i) {
         cfg.server_ipv4_addr[i] = htonl(0x0A000001 + i);
     }
     cfg.num_of_subnet_masks = masks;
-    for (uint32_t i = 0; i < ZR_NEXA_GRE_MAX_SUBNETS; ++i) {
+    for (uint32_t i = 0; i < ZR_NEXA_GRE_SUBNETS_MAX; ++i) {
         cfg.subnet_mask[i] = htonl(0xFFFF0000 + (i << 8));
     }
     return cfg;

@@ -15,11 +15,6 @@
 #include <type_traits>
 #include <vector>
 
-// For the interface's headers, which come behind this one.
-#ifndef ZR_NEXA_HAVE_PLATFORM_RECORDS
-#define ZR_NEXA_HAVE_PLATFORM_RECORDS
-#endif
-
 namespace scripted {
 
 // How one platform method answers.
