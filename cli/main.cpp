@@ -32,6 +32,6 @@ int main(int argc, char** argv)
         cli::print_menu(argc, argv);
     }
     const unsigned int unslept = sleep(1);
-    cli::block_ending_signals();
+    cli::ignore_ending_signals();
     return static_cast<int>(unslept);
 }

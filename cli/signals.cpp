@@ -14,18 +14,15 @@ void on_signal(int signo)
         printf("Receiver unexpected signal %d\r\n", signo);
         return;
     }
-    block_ending_signals();
+    ignore_ending_signals();
     zr_nexa_client_uninit();
     exit(0);
 }
 
-void block_ending_signals()
+void ignore_ending_signals()
 {
-    sigset_t ending;
-    sigemptyset(&ending);
-    sigaddset(&ending, SIGTERM);
-    sigaddset(&ending, SIGINT);
-    sigprocmask(SIG_BLOCK, &ending, nullptr);
+    signal(SIGTERM, SIG_IGN);
+    signal(SIGINT, SIG_IGN);
 }
 
 }  // namespace cli

@@ -8,7 +8,7 @@ namespace cli {
 void on_signal(int signo);
 
 // From here on the run ends by itself; a second end must not begin inside the first.
-void block_ending_signals();
+void ignore_ending_signals();
 
 }  // namespace cli
 

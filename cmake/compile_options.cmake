@@ -17,6 +17,7 @@ else()
 endif()
 
 # Hardening that every compiler for the CPU has: stack protector, and landing pads for indirect jumps (x86 CET, ARM BTI).
+set(CMAKE_REQUIRED_FLAGS -Werror)  # clang takes a flag of another CPU with a warning
 foreach(flag -fstack-protector-strong -fcf-protection -mbranch-protection=standard)
   string(MAKE_C_IDENTIFIER "ZR_NEXA_COMPILER_HAS${flag}" known)
   check_cxx_compiler_flag(${flag} ${known})
@@ -24,6 +25,7 @@ foreach(flag -fstack-protector-strong -fcf-protection -mbranch-protection=standa
     target_compile_options(zr_nexa_options INTERFACE ${flag})
   endif()
 endforeach()
+unset(CMAKE_REQUIRED_FLAGS)
 # The C library's checked functions want an optimised build; whoever brings a level of their own keeps it.
 string(TOUPPER "CMAKE_CXX_FLAGS_${CMAKE_BUILD_TYPE}" flags_of_type)
 set(flags "${CMAKE_CXX_FLAGS} ${${flags_of_type}}")

@@ -28,7 +28,7 @@
  *     lan_id that bridge; the choice stays, also when a later step fails.
  * 11. Nothing is locked. Call from one thread at a time; indications arrive on a thread of the platform's own
  *     (<zr_nexa/indications.h>).
- * 12. No exception crosses the interface. The functions are C functions; the headers serve C99 and C++.
+ * 12. No exception crosses the interface. The functions are C functions; the headers serve C99 and C++11.
  */
 #ifndef ZR_NEXA_CLIENT_API_H
 #define ZR_NEXA_CLIENT_API_H

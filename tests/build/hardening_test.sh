@@ -37,7 +37,6 @@ for file in "$build/lib/libzr_nexa_client_api.so" "$build/lib/libqcmap_client.so
 done
 asks_for "$build/bin/zr_nexa" __printf_chk
 asks_for "$build/lib/libzr_nexa_client_api.so" '_chk@'
-asks_for "$build/lib/libqcmap_client.so" '_chk@'
 
 # Every function that another library may call begins with a landing pad, on CPUs that know such.
 case $(readelf -h "$build/bin/zr_nexa" | sed -n 's/.*Machine: *//p') in

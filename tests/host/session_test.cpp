@@ -58,10 +58,7 @@ TEST_F(SessionHostTest, SelectionsBelongToTheObject)
     Session a(nullptr, nullptr);
     Session b(nullptr, nullptr);
     const auto in = [&](Session& session, const std::function<void(Store&)>& work) {
-        return method(&session, "Test", &err, [&](Store& db) {
-            work(db);
-            return QMI_ERR_NONE_V01;
-        });
+        return method(&session, "Test", &err, [&](Store& db) { work(db); });
     };
     EXPECT_TRUE(in(a, [](Store& db) {
         db.run(

@@ -57,9 +57,10 @@ fresh_state() {
     export MOBILE_AP_STATE=$work/state
 }
 
-# Programs and shared libraries below the folders, one a line; what only CMake made for itself is left out.
+# Programs and shared libraries below the folders, one a line, but for what CMake made for itself and what other test
+# scripts work with.
 elf_files() {
-    find "$@" -type f -not -path '*/CMakeFiles/*' -not -name '*.o' -exec sh -c '
+    find "$@" \( -name CMakeFiles -o -path '*/tests/scripts' \) -prune -o -type f -not -name '*.o' -exec sh -c '
         for file; do
             [ "$(head -c 4 "$file" | od -An -tx1)" = " 7f 45 4c 46" ] && echo "$file"
         done' sh {} +

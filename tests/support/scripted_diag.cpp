@@ -92,5 +92,6 @@ void msg_sprintf(const msg_const_type* record, ...)
         if (va_arg(values, unsigned int) != 0) complain("a value that the text does not use is not 0");
     }
     va_end(values);
+    scripted::platform().transcript.push_back({line.level == 0x4 ? "info" : "error", line.function, line.text});
     scripted::platform().log.push_back(line);
 }

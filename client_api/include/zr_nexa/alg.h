@@ -2,7 +2,6 @@
 #ifndef ZR_NEXA_ALG_H
 #define ZR_NEXA_ALG_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -31,13 +30,6 @@ typedef struct {
     uint8_t ipv6_addr[16];                /* of ZR_NEXA_ALG_SIP_INFO_IP; network byte order */
     char fqdn[ZR_NEXA_ALG_SIP_FQDN_SIZE]; /* of ZR_NEXA_ALG_SIP_INFO_FQDN; not terminated when it fills the field */
 } zr_nexa_ipv6_sip_server_info_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_sip_server_info_t) == 108, "IPv4 SIP server");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_sip_server_info_t, ipv4_addr) == 4, "IPv4 address");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_sip_server_info_t, fqdn) == 8, "FQDN of an IPv4 SIP server");
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_ipv6_sip_server_info_t) == 120, "IPv6 SIP server");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_ipv6_sip_server_info_t, ipv6_addr) == 4, "IPv6 address");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_ipv6_sip_server_info_t, fqdn) == 20, "FQDN of an IPv6 SIP server");
 
 /* Network-assigned SIP servers of one family, at most. */
 #define ZR_NEXA_ALG_SIP_SERVERS_MAX 25

@@ -4,14 +4,20 @@
 
 #include <stdint.h>
 
+/*
+ * The version of the headers. A program built against one version runs with every later library of the same major
+ * version.
+ */
+#define ZR_NEXA_VERSION_MAJOR 1
+#define ZR_NEXA_VERSION_MINOR 0
+#define ZR_NEXA_VERSION_PATCH 0
+
 #ifdef __cplusplus
 #define ZR_NEXA_C_BEGIN extern "C" {
 #define ZR_NEXA_C_END }
-#define ZR_NEXA_STATIC_ASSERT(condition, text) static_assert(condition, text)
 #else
 #define ZR_NEXA_C_BEGIN
 #define ZR_NEXA_C_END
-#define ZR_NEXA_STATIC_ASSERT(condition, text) extern int zr_nexa_static_assert_[(condition) ? 1 : -1]
 #endif
 
 #if defined(__GNUC__)

@@ -2,7 +2,6 @@
 #ifndef ZR_NEXA_FIREWALL_H
 #define ZR_NEXA_FIREWALL_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -72,21 +71,12 @@ typedef struct zr_nexa_firewall_entry_t {
     uint32_t esp_spi; /* security parameter index, host byte order */
 } zr_nexa_firewall_entry_t;
 
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_firewall_entry_t) == 104, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_firewall_entry_t, ipv4_tos_valid) == 32, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_firewall_entry_t, ipv6_nat_flag) == 71, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_firewall_entry_t, protocol) == 76, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_firewall_entry_t, icmp_type_valid) == 92, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_firewall_entry_t, esp_spi) == 100, "the layout is fixed");
-
 /* The entries of one profile, in the service's order; entry[i] belongs to handle[i]. */
 typedef struct zr_nexa_firewall_entry_list_t {
     uint32_t count;
     uint32_t handle[ZR_NEXA_FIREWALL_MAX_ENTRIES];
     zr_nexa_firewall_entry_t entry[ZR_NEXA_FIREWALL_MAX_ENTRIES];
 } zr_nexa_firewall_entry_list_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_firewall_entry_list_t) == 5404, "the layout is fixed");
 
 /* Hardware MAC filtering: which stations, on which interfaces. */
 #define ZR_NEXA_FIREWALL_HWFILTER_STATE_MAX 2u /* 0 off, 1 on, 2 as listed */
@@ -101,9 +91,6 @@ typedef struct zr_nexa_firewall_hwfilter_cfg_t {
     /* An interface is described by five words, which are handed to the service and back unchanged. */
     uint32_t iface[ZR_NEXA_FIREWALL_HWFILTER_MAX_IFACES][ZR_NEXA_FIREWALL_HWFILTER_IFACE_WORDS];
 } zr_nexa_firewall_hwfilter_cfg_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_firewall_hwfilter_cfg_t) == 264, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_firewall_hwfilter_cfg_t, num_of_ifaces) == 100, "the layout is fixed");
 
 /*
  * Adds a filter entry to a profile. The entry's handle is not given back: zr_nexa_firewall_entry_get_v1 tells it.

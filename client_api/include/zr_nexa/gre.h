@@ -2,22 +2,17 @@
  * GRE offload in the IPA connection manager's configuration file, /etc/data/ipa/IPACM_cfg.xml.
  *
  * Both functions work on the file alone: with or without a session, and without asking the service. Nothing is locked:
- * of two writers at the same time the last one wins. They need the library libzr_nexa_ipacm_cfg, which they load from
- * beside libzr_nexa_client_api when first called; without it they return -1.
+ * of two writers at the same time the last one wins.
  */
 #ifndef ZR_NEXA_GRE_H
 #define ZR_NEXA_GRE_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
 
 #define ZR_NEXA_GRE_MAX_SERVERS 10
 #define ZR_NEXA_GRE_MAX_SUBNETS 2
-
-/* Result when libzr_nexa_ipacm_cfg could not be loaded. */
-#define ZR_NEXA_GRE_ERR_NO_LIBRARY (-1)
 
 typedef struct zr_nexa_wan_gre_ipacfg_t {
     uint8_t gre_enabled;                                /* 1 on, any other value off */
@@ -27,11 +22,6 @@ typedef struct zr_nexa_wan_gre_ipacfg_t {
     uint32_t subnet_mask[ZR_NEXA_GRE_MAX_SUBNETS];      /* network byte order */
 } zr_nexa_wan_gre_ipacfg_t;
 
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_wan_gre_ipacfg_t) == 56, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, server_ipv4_addr) == 4, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, num_of_subnet_masks) == 44, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, subnet_mask) == 48, "the layout is fixed");
-
 /*
  * Writes the settings into the file. All that the file's GREFlag element held is replaced; with gre_enabled other than
  * 1 the addresses are dropped. The other elements stay as they are; comments, processing instructions and a document
@@ -40,10 +30,7 @@ ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, subnet_mask) == 48, "th
  *
  * Waits without limit, trying every 50 ms, while the file is missing or cannot be parsed.
  *
- * Returns, in order of the checks:
- *    4  cfg null; num_of_server_addrs above 10; num_of_subnet_masks above 2; the file is untouched
- *   -1  the library could not be loaded; the file is untouched
- *    0
+ * Returns 4 cfg null, num_of_server_addrs above 10 or num_of_subnet_masks above 2, and the file is untouched; 0.
  */
 ZR_NEXA_API int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t* cfg);
 
@@ -56,7 +43,7 @@ ZR_NEXA_API int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t
  *
  * Waits without limit, trying every 50 ms, while the file is missing or cannot be parsed.
  *
- * Returns 4 cfg null; -1 the library could not be loaded; 0. cfg is untouched on failure.
+ * Returns 4 cfg null; 0.
  */
 ZR_NEXA_API int32_t zr_nexa_wan_gre_ipacfg_get_v1(zr_nexa_wan_gre_ipacfg_t* cfg);
 

@@ -25,7 +25,6 @@
 #ifndef ZR_NEXA_INDICATIONS_H
 #define ZR_NEXA_INDICATIONS_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -78,19 +77,11 @@ typedef struct zr_nexa_ind_call_event {
     uint8_t v6_sec_dns_addr[16];
 } zr_nexa_ind_call_event_t;
 
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_ind_call_event_t) == 92, "length of a call event");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_ind_call_event_t, iface_name) == 12, "interface name of a call event");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_ind_call_event_t, wwan_handle) == 28, "profile of a call event");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_ind_call_event_t, v4_addr) == 32, "first address of a call event");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_ind_call_event_t, v6_addr) == 44, "first IPv6 address of a call event");
-
 /* Event 169: the service's report as it stands. */
 typedef struct zr_nexa_ind_status_report {
     uint32_t kind; /* 0 or 1; reports of other kinds are not handed on */
     uint8_t report[10884];
 } zr_nexa_ind_status_report_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_ind_status_report_t) == 10888, "length of a status report");
 
 /*
  * The callback.

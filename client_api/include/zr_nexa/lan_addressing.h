@@ -3,7 +3,6 @@
 #ifndef ZR_NEXA_LAN_ADDRESSING_H
 #define ZR_NEXA_LAN_ADDRESSING_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -26,10 +25,6 @@ typedef struct {
     uint32_t primary_dns;
     uint32_t secondary_dns;
 } zr_nexa_lan_dhcp_cfg_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_dhcp_cfg_t) == 36, "DHCP configuration");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_dhcp_cfg_t, lease_time) == 16, "lease time");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_dhcp_cfg_t, secondary_dns) == 32, "secondary DNS");
 
 /*
  * Sets the gateway URL: the host name under which the module's own pages answer on the LAN.

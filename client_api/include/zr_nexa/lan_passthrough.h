@@ -5,7 +5,6 @@
 #ifndef ZR_NEXA_LAN_PASSTHROUGH_H
 #define ZR_NEXA_LAN_PASSTHROUGH_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -53,12 +52,6 @@ typedef struct {
 } zr_nexa_lan_ippt_t;
 #pragma pack(pop)
 
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_ippt_t, ippt_adaptive_enable) == 2, "adaptive request");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_ippt_t, ippt_mode) == 4, "mode");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_ippt_t, host_mac) == 5, "host MAC");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_ippt_t, host_name) == 23, "host name");
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_ippt_t) == 123, "passthrough record");
-
 /* Gateway filters */
 enum {
     ZR_NEXA_LAN_IPPTGWFILTER_ERR_PORTS = 1,    /* ports out of range or reversed */
@@ -79,10 +72,6 @@ typedef struct {
     uint16_t end_port[ZR_NEXA_LAN_IPPTGWFILTER_MAX];
 } zr_nexa_lan_ipptgwfilter_list_t;
 
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_ipptgwfilter_list_t, start_port) == 20, "start ports");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_ipptgwfilter_list_t, end_port) == 30, "end ports");
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_ipptgwfilter_list_t) == 40, "gateway filters");
-
 /* Software-path addresses */
 #define ZR_NEXA_LAN_SWPATHFILTER_MAX 5
 
@@ -90,8 +79,6 @@ typedef struct {
     uint32_t count;
     uint32_t ipv4_address[ZR_NEXA_LAN_SWPATHFILTER_MAX]; /* network byte order */
 } zr_nexa_lan_swpathfilter_list_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_swpathfilter_list_t) == 24, "software-path addresses");
 
 /*
  * Sets the IP-passthrough NAT that holds for every LAN without a setting of its own.

@@ -6,7 +6,6 @@
 #ifndef ZR_NEXA_LAN_SERVICES_H
 #define ZR_NEXA_LAN_SERVICES_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -99,13 +98,6 @@ typedef struct zr_nexa_lan_l2tp_info_t {
     uint32_t tunnel_count;
     zr_nexa_lan_l2tp_tunnel_t tunnel[ZR_NEXA_LAN_L2TP_TUNNELS_MAX];
 } zr_nexa_lan_l2tp_info_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_dhcp_reserv_record_t) == 116, "layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_dhcp_reserv_record_t, enable) == 112, "layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_connected_device_t, rx_bytes) == 216, "layout is fixed");
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_connected_device_t) == 232, "layout is fixed");
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_unmanaged_l2tp_cfg_t) == 16, "layout is fixed");
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_l2tp_tunnel_t) == 132, "layout is fixed");
 
 /*
  * Adds a DHCP reservation.

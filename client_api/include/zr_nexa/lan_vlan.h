@@ -2,7 +2,6 @@
 #ifndef ZR_NEXA_LAN_VLAN_H
 #define ZR_NEXA_LAN_VLAN_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -26,11 +25,6 @@ typedef struct {
     uint8_t phy_iface_type[ZR_NEXA_LAN_VLAN_MAX]; /* ZR_NEXA_LAN_VLAN_IFACE_... */
     uint8_t is_accelerated[ZR_NEXA_LAN_VLAN_MAX]; /* 0 or 1 */
 } zr_nexa_lan_vlan_list_t;
-
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_vlan_list_t, vlan_id) == 2, "ids");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_vlan_list_t, phy_iface_type) == 4002, "interface types");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_vlan_list_t, is_accelerated) == 6002, "acceleration flags");
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_vlan_list_t) == 8002, "VLAN list");
 
 /*
  * Creates a VLAN. It selects no bridge and starts no DHCP server.

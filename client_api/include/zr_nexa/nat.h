@@ -2,7 +2,6 @@
 #ifndef ZR_NEXA_NAT_H
 #define ZR_NEXA_NAT_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -36,12 +35,6 @@ typedef struct {
     uint16_t global_port[ZR_NEXA_NAT_IPV4PORTMAPPING_MAX];
     uint8_t protocol[ZR_NEXA_NAT_IPV4PORTMAPPING_MAX]; /* ZR_NEXA_NAT_PROTO_... */
 } zr_nexa_nat_ipv4portmapping_list_t;
-
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_nat_ipv4portmapping_list_t, private_ip) == 4, "private addresses");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_nat_ipv4portmapping_list_t, private_port) == 204, "private ports");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_nat_ipv4portmapping_list_t, global_port) == 304, "global ports");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_nat_ipv4portmapping_list_t, protocol) == 404, "protocols");
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_nat_ipv4portmapping_list_t) == 456, "port mappings");
 
 /*
  * Sets the NAT type of a profile.

@@ -8,7 +8,6 @@
 #ifndef ZR_NEXA_WAN_CONNECTION_H
 #define ZR_NEXA_WAN_CONNECTION_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -51,15 +50,6 @@ typedef struct {
     uint32_t v6_mtu; /* bytes */
 } zr_nexa_wan_info_t;
 
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_wan_info_t) == 116, "layout of zr_nexa_wan_info_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_info_t, iface_name) == 1, "layout of zr_nexa_wan_info_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_info_t, v4_addr) == 20, "layout of zr_nexa_wan_info_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_info_t, v4_mtu) == 40, "layout of zr_nexa_wan_info_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_info_t, v6_prefix) == 44, "layout of zr_nexa_wan_info_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_info_t, v6_addr) == 45, "layout of zr_nexa_wan_info_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_info_t, v6_sec_dns_addr) == 93, "layout of zr_nexa_wan_info_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_info_t, v6_mtu) == 112, "layout of zr_nexa_wan_info_t");
-
 /*
  * Traffic counts of a connection, the service's own record. A program that also includes the module's own headers
  * includes those first and defines ZR_NEXA_HAVE_PLATFORM_RECORDS, so that the record is not declared twice.
@@ -74,9 +64,6 @@ typedef struct qcmap_msgr_wwan_statistics_type_v01 {
     uint32_t pkts_dropped_tx;
 } qcmap_msgr_wwan_statistics_type_v01;
 #endif
-
-ZR_NEXA_STATIC_ASSERT(sizeof(qcmap_msgr_wwan_statistics_type_v01) == 32,
-                      "layout of qcmap_msgr_wwan_statistics_type_v01");
 
 /*
  * Reads the states of a profile's backhauls.

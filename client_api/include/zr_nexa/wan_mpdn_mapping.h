@@ -2,7 +2,6 @@
 #ifndef ZR_NEXA_WAN_MPDN_MAPPING_H
 #define ZR_NEXA_WAN_MPDN_MAPPING_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -19,12 +18,6 @@ typedef struct {
     uint32_t profile_handle[ZR_NEXA_WAN_MPDNMAPPING_MAX];
     uint16_t vlan_id[ZR_NEXA_WAN_MPDNMAPPING_MAX];
 } zr_nexa_wan_mpdnmapping_list_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_wan_mpdnmapping_list_t) == 1228204, "layout of zr_nexa_wan_mpdnmapping_list_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_mpdnmapping_list_t, profile_handle) == 4,
-                      "layout of zr_nexa_wan_mpdnmapping_list_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_mpdnmapping_list_t, vlan_id) == 818804,
-                      "layout of zr_nexa_wan_mpdnmapping_list_t");
 
 /*
  * Maps a VLAN to a profile.

@@ -6,7 +6,6 @@
 #ifndef ZR_NEXA_WAN_PROFILE_H
 #define ZR_NEXA_WAN_PROFILE_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
@@ -30,11 +29,6 @@ typedef struct {
     char apn_name[ZR_NEXA_WAN_APN_NAME_SIZE]; /* zero-terminated when shorter; empty: no name is given */
 } zr_nexa_wan_wwanconfig_t;
 
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_wan_wwanconfig_t) == 60, "layout of zr_nexa_wan_wwanconfig_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_wwanconfig_t, ip_family) == 4, "layout of zr_nexa_wan_wwanconfig_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_wwanconfig_t, apn_id) == 8, "layout of zr_nexa_wan_wwanconfig_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_wwanconfig_t, apn_name) == 9, "layout of zr_nexa_wan_wwanconfig_t");
-
 /* All profiles; entry i of the three arrays describes the same profile, i below wwanconfig_num. */
 typedef struct {
     uint32_t wwanconfig_num;      /* 0..50 */
@@ -44,14 +38,6 @@ typedef struct {
     uint8_t apn_id[ZR_NEXA_WAN_PROFILES_MAX];
 } zr_nexa_wan_wwanconfig_list_t;
 
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_wan_wwanconfig_list_t) == 308, "layout of zr_nexa_wan_wwanconfig_list_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_wwanconfig_list_t, wwan_handle) == 8,
-                      "layout of zr_nexa_wan_wwanconfig_list_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_wwanconfig_list_t, tech_pref) == 208,
-                      "layout of zr_nexa_wan_wwanconfig_list_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_wwanconfig_list_t, apn_id) == 258,
-                      "layout of zr_nexa_wan_wwanconfig_list_t");
-
 /* All profiles, whole; profile i has the handle wwan_handle[i], i below wwanconfig_num. */
 typedef struct {
     uint32_t wwanconfig_num;      /* 0..50 */
@@ -59,10 +45,6 @@ typedef struct {
     uint32_t wwan_handle[ZR_NEXA_WAN_PROFILES_MAX];
     zr_nexa_wan_wwanconfig_t wwanconfig[ZR_NEXA_WAN_PROFILES_MAX];
 } zr_nexa_wan_wwanconfig_list_v2_t;
-
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_wan_wwanconfig_list_v2_t) == 3208, "layout of zr_nexa_wan_wwanconfig_list_v2_t");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_wwanconfig_list_v2_t, wwanconfig) == 208,
-                      "layout of zr_nexa_wan_wwanconfig_list_v2_t");
 
 /*
  * Creates a profile for IPv4 and IPv6 without an APN name.
