@@ -105,6 +105,10 @@ TEST_F(NatCliTest, DmzDisableIgnoresAFurtherWord)
 
 TEST_F(NatCliTest, DmzHandles)
 {
+    expect_each({"NAT IPV4DMZ disable ?",
+                 "NAT IPV4DMZ disable success\r\nCMD OK\r\n",
+                 {"SetWWANProfileHandlePreference(?)", "DeleteDMZ()"}},
+                {{"50", "50"}, {"65537", "65537"}, {"-1", "4294967295"}});
     for (const char* line :
          {"NAT IPV4DMZ get ? 1.2.3.4", "NAT IPV4DMZ enable ? 1.2.3.4", "NAT IPV4DMZ disable ? 1.2.3.4"})
         expect_invalid(line, {"0", "x"});
@@ -140,6 +144,14 @@ TEST_F(NatCliTest, PortMappingPortsAreCutToSixteenBits)
                  "NAT IPV4PortMapping delete success\r\nCMD OK\r\n",
                  {kSelect, "DeleteStaticNatEntry(private_ip=167772162 private_port=7 global_port=? protocol=253)"}},
                 ports);
+}
+
+TEST_F(NatCliTest, PortMappingHandles)
+{
+    expect_each({"NAT IPV4PortMapping get ?",
+                 "NAT IPV4PortMapping: no port mapping rule\r\nCMD OK\r\n",
+                 {"SetWWANProfileHandlePreference(?)", "GetStaticNatConfig()"}},
+                {{"50", "50"}, {"65537", "65537"}, {"-1", "4294967295"}});
 }
 
 TEST_F(NatCliTest, PortMappingAddAndDelRefuse)
