@@ -45,7 +45,7 @@ inline void expect_lines(const char* file, int line, const std::string& what, co
     scripted::platform().forget();
 }
 
-// What EXPECT_ROW makes: the transcript in front of the call must be empty, looked at or forgotten.
+// What EXPECT_ROW makes in front of the call: the transcript must be empty then, looked at or forgotten.
 class RowExpectation {
 public:
     RowExpectation(const char* file, int line) : file_(file), line_(line)
@@ -97,6 +97,7 @@ bool is_poisoned(const T& value)
     return bytes[0] == 0xA5 && std::memcmp(bytes, bytes + 1, sizeof(T) - 1) == 0;
 }
 
+// Of expect_row below.
 struct ExpectedRecord {
     uint32_t level;
     std::string text;
@@ -133,14 +134,11 @@ protected:
         platform.reset();
     }
 
-    // The whole journal since the session was opened.
-    void expect_calls(const std::vector<std::string>& calls)
+    // Calls and records of one call apart, for the tests of the IPA file work. Both are forgotten for the next one.
+    void expect_row(const std::string& function, const std::vector<std::string>& calls,
+                    const std::vector<ExpectedRecord>& records)
     {
         EXPECT_THAT(platform.journal, testing::ElementsAreArray(calls));
-    }
-    // All records since the session was opened, every one under the given function's name.
-    void expect_log(const std::string& function, const std::vector<ExpectedRecord>& records)
-    {
         std::vector<std::string> expected;
         for (const auto& record : records) {
             expected.push_back(shown(record.level, function, record.text));
@@ -150,18 +148,11 @@ protected:
             seen.push_back(shown(line.level, line.function, line.text));
         }
         EXPECT_THAT(seen, testing::ElementsAreArray(expected));
-    }
-    // A row: the whole journal and all records of one call, then both are forgotten for the next row.
-    void expect_row(const std::string& function, const std::vector<std::string>& calls,
-                    const std::vector<ExpectedRecord>& records)
-    {
-        expect_calls(calls);
-        expect_log(function, records);
         platform.forget();
     }
 };
 
-// A test with an open session; journal and log begin behind its opening.
+// A test with an open session; the transcript begins behind its opening.
 class ApiTest : public ClosedApiTest {
 protected:
     ApiTest()

@@ -69,7 +69,7 @@ void msg_sprintf(const msg_const_type* record, ...)
     va_list values;
     va_start(values, record);
     if (std::strcmp(va_arg(values, const char*), "ZR_NEXA") != 0) complain("wrong tag");
-    scripted::LogLine line{record->ss_mask, va_arg(values, const char*), "", record->line};
+    scripted::LogLine line{record->ss_mask, va_arg(values, const char*), ""};
     int taken = 0;
     for (const Conversion& piece : cut(record->fmt + std::strlen(kPrefix))) {
         line.text += piece.before;

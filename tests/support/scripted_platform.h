@@ -73,7 +73,6 @@ struct LogLine {
     uint32_t level;        // 4 information, 8 error
     std::string function;  // as the record gives it
     std::string text;      // what follows "[%s]%s(): ", with its values
-    uint16_t line;
 };
 
 class Platform {
