@@ -1,5 +1,5 @@
-// The floor: the platform calls of "NAT Type set 1 2" in their order, on an object on the heap as the service's users have
-// it, the verdict through puts, and the pause. Nothing here is the command's own.
+// The floor: the platform calls of "NAT Type set 1 2" in their order, on an object on the heap as the service's users
+// have it, the verdict through puts, and the pause. Nothing here is the command's own.
 #include <diag_msg.h>
 #include <qcmap_client.h>
 #include <unistd.h>

@@ -44,14 +44,11 @@ inline bool qcmap_is_set(int flags, unsigned int bit) { int flags_left = flags; 
 END
 
 # ---- the compilers of an SDK are taken, and configuring again keeps the folder ----
-for compiler in cc c++; do
-    name=ZR_NEXA_TEST_${compiler/c++/cxx}
-    name=${name^^}
-    printf '#!/bin/sh\nexec %s "$@"\n' "$(command -v "${!name:-$compiler}")" >"$work/tools/sdk-$compiler"
-    chmod +x "$work/tools/sdk-$compiler"
-done
+printf '#!/bin/sh\nexec %s "$@"\n' "${cc[*]}" >"$work/tools/sdk-cc"
+printf '#!/bin/sh\nexec %s "$@"\n' "${cxx[*]}" >"$work/tools/sdk-c++"
+chmod +x "$work"/tools/sdk-*
 with_sdk() {
-    CC=$work/tools/sdk-cc CXX=$work/tools/sdk-c++ for_device -DZR_NEXA_PLATFORM_SYSROOT="$sysroot" \
+    CC=$work/tools/sdk-cc CXX=$work/tools/sdk-c++ cmake -S "$source_dir" --preset device -B "$device" -DZR_NEXA_PLATFORM_SYSROOT="$sysroot" \
         -DZR_NEXA_WARNINGS_AS_ERRORS=ON
 }
 rm -rf "$device"

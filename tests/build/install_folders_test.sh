@@ -34,11 +34,12 @@ use() {
     local prefix=$1 lib=$1/$2
     fresh_state
     # shellcheck disable=SC2046  # words are what the compiler is to get
-    quietly link "$cc" -o "$work/outsider/sfe" "$work/outsider/sfe.c" \
+    quietly link "${cc[@]}" -o "$work/outsider/sfe" "$work/outsider/sfe.c" \
         $(PKG_CONFIG_PATH=$lib/pkgconfig pkg-config --cflags --libs zr_nexa_client_api) -Wl,-rpath,"$lib"
     [ "$(emulated "$work/outsider/sfe")" = "0x0 1" ] || fail "the outsider's program does not run on $lib"
     rm -rf "$work/cmake"
-    quietly find_package configure -S "$source_dir/examples" -B "$work/cmake" -Dzr_nexa_client_api_DIR="$lib/cmake/zr_nexa_client_api"
+    quietly find_package configure -S "$source_dir/examples" -B "$work/cmake" \
+        -Dzr_nexa_client_api_DIR="$lib/cmake/zr_nexa_client_api"
     quietly find_package_build cmake --build "$work/cmake" --target firewall
     emulated "$work/cmake/firewall" >"$work/firewall.txt" || fail "the example does not run on $lib"
     emulated "$prefix/bin/zr_nexa" General SFE get | grep -q '^CMD OK' || fail "the installed command does not run on $lib"

@@ -404,8 +404,10 @@ TEST_F(IpacmCfgMemoryTest, AWriteIsWholeOrIsNotDone)
 {
     int not_done = 0;
     const auto cfg = gre_record(1, 10, 2);
-    // The parser asks for memory in large pieces: files of many sizes, so that the new elements need another one.
-    for (int padding = 0; padding < 500; padding += 2) {
+    // The parser asks for memory in large pieces: files of many sizes, so that the new elements need another one. Where
+    // pointers are half as long, twice as many elements fit into one.
+    constexpr int kMostPadding = sizeof(void*) == 8 ? 500 : 1020;
+    for (int padding = 0; padding < kMostPadding; padding += 2) {
         std::string elements;
         for (int i = 0; i < padding; ++i) {
             elements += "<x/>";

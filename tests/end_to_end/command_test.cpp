@@ -11,6 +11,7 @@
 #include <fstream>
 #include <memory>
 
+#include "private_mounts.h"
 #include "run_tool.h"
 
 namespace {
@@ -166,6 +167,7 @@ TEST_F(CommandTest, AnIndicationInTheMiddleChangesNothing)
 {
     ToolOptions slow = options();
     slow.variables = {"MOBILE_AP_FAULTS=SetGatewayUrl=delay:1000", "MOBILE_AP_LOG=stderr"};
+    slow.tells = true;
     StartedTool listener({"LAN", "GWURL", "set", "my.module"}, slow);
     ASSERT_TRUE(listener.wait_for_handlers());
     usleep(300000);
@@ -220,7 +222,7 @@ TEST_F(CommandTest, AUrlOfAnyLengthHasItsOutcomeWithoutAnyEnvironment)
             EXPECT_EQ(run.status, 0) << kUrlRows[i].length;
         }
     });
-    if (!ran) GTEST_SKIP() << "private mounts are not allowed here";
+    if (!ran) GTEST_SKIP() << kNoPrivateMounts;
     EXPECT_TRUE(std::filesystem::exists(state.path() + "/.local/state/zr_nexa/mobile_ap.db"));
 }
 

@@ -17,6 +17,7 @@
 #include <set>
 #include <sstream>
 
+#include "program.h"
 #include "run_tool.h"
 
 namespace {
@@ -387,14 +388,7 @@ TEST_F(IndicationsTest, ReportsAreSentOnDemand)
 {
     ASSERT_EQ(zr_nexa_client_init(note_event), 0u);
     for (const char* kind : {"0", "1", "2", "4294967295"}) {
-        const pid_t demo = fork();
-        if (demo == 0) {
-            execl(ZR_NEXA_DEMO, "mobile_ap_demo", "report", kind, nullptr);
-            _exit(127);
-        }
-        int status = -1;
-        EXPECT_EQ(waitpid(demo, &status, 0), demo);
-        EXPECT_EQ(status, 0);
+        EXPECT_EQ(run_program(ZR_NEXA_DEMO, {"report", kind}), 0);
     }
     const std::vector<Event> events = heard.take(2);
     ASSERT_EQ(events.size(), 2u);

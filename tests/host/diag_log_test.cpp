@@ -11,6 +11,7 @@
 
 #include "diag_msg.h"
 #include "host_fixture.h"
+#include "private_mounts.h"
 #include "utc_time.h"
 
 namespace {
@@ -306,7 +307,7 @@ TEST_F(DiagLogHostTest, Syslog)
         return 0;
     });
     const int status = wait_child(child);
-    if (status == 77) GTEST_SKIP() << "no private mounts here";
+    if (status == 77) GTEST_SKIP() << kNoPrivateMounts;
     EXPECT_EQ(status, 0);
 }
 

@@ -3,9 +3,7 @@
 #define HOST_FIXTURE_H
 
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <stdlib.h>
-#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -76,17 +74,6 @@ inline int wait_child(pid_t child)
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
-}
-
-// Mounts made from here on are seen by this process alone. Returns false where that is not allowed.
-inline bool enter_private_mounts()
-{
-    const std::string user = std::to_string(getuid());
-    if (unshare(CLONE_NEWNS) != 0) {
-        if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
-        std::ofstream("/proc/self/uid_map") << "0 " << user << " 1\n";
-    }
-    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 // What work writes to standard error.

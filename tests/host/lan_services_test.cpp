@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "host_fixture.h"
+#include "program.h"
 
 namespace {
 
@@ -160,10 +161,14 @@ TEST_F(LanServicesHostTest, DevicesArePutInPlaceByTheDemonstrationTool)
     ASSERT_TRUE(client.GetConnectedDevicesInfo(&list, &count, &err));
     EXPECT_EQ(count, 0u);
 
-    ASSERT_EQ(std::system(MOBILE_AP_DEMO " device add 02:00:00:00:00:07 192.168.225.21 laptop --type 8 --rx 5000000000 "
-                                         "--tx 12 --ipv6 2001:db8::7 fe80::7"),
+    const auto device = [](std::vector<std::string> words) {
+        words.insert(words.begin(), "device");
+        return run_program(MOBILE_AP_DEMO, words);
+    };
+    ASSERT_EQ(device({"add", "02:00:00:00:00:07", "192.168.225.21", "laptop", "--type", "8", "--rx", "5000000000",
+                      "--tx", "12", "--ipv6", "2001:db8::7", "fe80::7"}),
               0);
-    ASSERT_EQ(std::system(MOBILE_AP_DEMO " device add 02:00:00:00:00:08 192.168.225.22 printer"), 0);
+    ASSERT_EQ(device({"add", "02:00:00:00:00:08", "192.168.225.22", "printer"}), 0);
     ASSERT_TRUE(client.GetConnectedDevicesInfo(&list, &count, &err));
     ASSERT_EQ(count, 2u);
     const qcmap_connected_device& laptop = list.device[0];
@@ -183,7 +188,7 @@ TEST_F(LanServicesHostTest, DevicesArePutInPlaceByTheDemonstrationTool)
     ASSERT_TRUE(client.GetConnectedDevicesInfo(&list, &count, &err));
     EXPECT_EQ(list.device[0].rx_bytes, 0u);
 
-    ASSERT_EQ(std::system(MOBILE_AP_DEMO " device clear"), 0);
+    ASSERT_EQ(device({"clear"}), 0);
     ASSERT_TRUE(client.GetConnectedDevicesInfo(&list, &count, &err));
     EXPECT_EQ(count, 0u);
 }

@@ -9,7 +9,8 @@ export LC_ALL=C
 failures=0
 
 # How this build's programs are made and started; the build says it where they are another CPU's.
-cc=${ZR_NEXA_TEST_CC:-cc}
+read -ra cc <<<"${ZR_NEXA_TEST_CC:-cc}"
+read -ra cxx <<<"${ZR_NEXA_TEST_CXX:-c++}"
 toolchain=${ZR_NEXA_TEST_TOOLCHAIN:-}
 read -ra emulator <<<"${ZR_NEXA_TEST_EMULATOR:-}"
 
@@ -49,6 +50,18 @@ refused() {
         cat "$work/$name.log" >&2
         fail "$* did not say: $text"
     }
+}
+
+# expect STATUS EXPECTED_FILE PROGRAM...: compares exit status and standard output, byte for byte.
+expect() {
+    local wanted_status=$1 wanted=$2 status=0
+    shift 2
+    emulated "$@" >"$work/out" 2>"$work/err" || status=$?
+    if [ "$status" -ne "$wanted_status" ]; then
+        cat "$work/err" >&2
+        fail "$* ended with $status, not $wanted_status"
+    fi
+    diff -u --label "expected: ${wanted##*/}" --label "$*" "$wanted" "$work/out" >&2 || fail "$*: wrong output"
 }
 
 fresh_state() {

@@ -2,20 +2,19 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sched.h>
 #include <signal.h>
 #include <sqlite3.h>
 #include <stdlib.h>
 #include <sys/mman.h>
-#include <sys/mount.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
+
+#include "private_mounts.h"
+#include "program.h"
 
 namespace {
 
@@ -47,18 +46,11 @@ std::vector<std::string> environment(const ToolOptions& options)
     // The handler of SIGINT and SIGTERM closes the session, whatever that takes.
     hand_on(variables, "TSAN_OPTIONS", ":report_signal_unsafe=0");
     if (!options.state.empty()) variables.push_back("MOBILE_AP_STATE=" + options.state);
-    if (!options.pauses) variables.push_back("LD_PRELOAD=" ZR_NEXA_NO_PAUSE);
+    std::string preloaded = options.pauses ? "" : ZR_NEXA_NO_PAUSE;
+    if (options.tells) preloaded += ":" ZR_NEXA_TELL;
+    if (!preloaded.empty()) variables.push_back("LD_PRELOAD=" + preloaded);
     variables.insert(variables.end(), options.variables.begin(), options.variables.end());
     return variables;
-}
-
-std::vector<char*> pointers(const std::vector<std::string>& texts)
-{
-    std::vector<char*> all;
-    for (const auto& text : texts)
-        all.push_back(const_cast<char*>(text.c_str()));
-    all.push_back(nullptr);
-    return all;
 }
 
 std::string contents(int fd)
@@ -77,36 +69,18 @@ bool can_be_read(int fd, int patience_ms)
     return found > 0;
 }
 
-int exit_status(pid_t pid)
-{
-    int status = 0;
-    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
-}
-
-// Mounts made from here on are seen by this process and its children alone.
-bool enter_private_mounts()
-{
-    const std::string user = std::to_string(getuid());
-    const std::string group = std::to_string(getgid());
-    if (unshare(CLONE_NEWNS) != 0) {
-        if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
-        std::ofstream("/proc/self/uid_map") << "0 " << user << " 1\n";
-        std::ofstream("/proc/self/setgroups") << "deny\n";
-        std::ofstream("/proc/self/gid_map") << "0 " << group << " 1\n";
-    }
-    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
 }  // namespace
 
 StartedTool::StartedTool(const std::vector<std::string>& words, const ToolOptions& options)
     : out_(memfd_create("stdout", MFD_CLOEXEC)), err_(memfd_create("stderr", MFD_CLOEXEC)), started_(now())
 {
-    std::vector<std::string> all = {"zr_nexa"};
-    all.insert(all.end(), words.begin(), words.end());
-    const std::vector<std::string> variables = environment(options);
+    int told[2] = {-1, -1};
+    std::vector<std::string> variables = environment(options);
+    if (options.tells) {
+        EXPECT_EQ(pipe2(told, O_CLOEXEC), 0);
+        variables.push_back("ZR_NEXA_TELL=" + std::to_string(told[1]));
+    }
+    const std::vector<std::string> all = program_words(ZR_NEXA_TOOL, words, &variables);
     const std::vector<char*> argv = pointers(all);
     const std::vector<char*> envp = pointers(variables);
 
@@ -116,12 +90,15 @@ StartedTool::StartedTool(const std::vector<std::string>& words, const ToolOption
         dup2(nothing, STDIN_FILENO);
         dup2(out_, STDOUT_FILENO);
         dup2(err_, STDERR_FILENO);
+        if (options.tells) fcntl(told[1], F_SETFD, 0);
         if (options.before_exec) options.before_exec();
-        execve(ZR_NEXA_TOOL, argv.data(), envp.data());
+        execvpe(argv[0], argv.data(), envp.data());
         _exit(127);
     }
     end_ = static_cast<int>(syscall(SYS_pidfd_open, pid_, 0));
     fcntl(end_, F_SETFD, FD_CLOEXEC);
+    told_ = told[0];
+    if (options.tells) close(told[1]);
 }
 
 StartedTool::~StartedTool()
@@ -129,17 +106,11 @@ StartedTool::~StartedTool()
     if (pid_ > 0) wait();
 }
 
-bool StartedTool::wait_for_handlers() const
+bool StartedTool::wait_to_be_told(char moment) const
 {
-    const std::string status = "/proc/" + std::to_string(pid_) + "/status";
-    constexpr unsigned long long kBoth = (1ULL << (SIGINT - 1)) | (1ULL << (SIGTERM - 1));
-    while (!can_be_read(end_, 0)) {
-        std::ifstream lines(status);
-        for (std::string line; std::getline(lines, line);) {
-            if (line.rfind("SigCgt:", 0) != 0) continue;
-            if ((std::stoull(line.substr(7), nullptr, 16) & kBoth) == kBoth) return true;
-        }
-        usleep(100);
+    char told = '\0';
+    while (can_be_read(told_, kPatienceMs) && read(told_, &told, 1) == 1) {
+        if (told == moment) return true;
     }
     return false;
 }
@@ -163,6 +134,7 @@ ToolRun StartedTool::wait()
     close(out_);
     close(err_);
     close(end_);
+    if (told_ >= 0) close(told_);
     pid_ = -1;
     return run;
 }

@@ -14,6 +14,7 @@ struct ToolOptions {
     std::vector<std::string> variables = {};  // more of the environment, "NAME=value"
     bool pauses = false;                      // keeps the pause of one second
     bool empty_environment = false;           // no variable at all, as under env -i; the tool pauses then
+    bool tells = false;                       // for wait_for_handlers() and wait_for_pause()
     std::function<void()> before_exec = {};   // runs in the new process
 };
 
@@ -36,17 +37,28 @@ public:
     {
         return pid_;
     }
-    // Waits until it handles SIGINT and SIGTERM itself. False: it ended before that was seen.
-    bool wait_for_handlers() const;
+    // Waits until it handles SIGINT and SIGTERM itself. False: it ended before that.
+    bool wait_for_handlers() const
+    {
+        return wait_to_be_told('h');
+    }
+    // Waits until its pause begins.
+    bool wait_for_pause() const
+    {
+        return wait_to_be_told('p');
+    }
     // False: it is no longer there.
     bool send(int signo) const;
     ToolRun wait();
 
 private:
+    bool wait_to_be_told(char moment) const;
+
     pid_t pid_ = -1;
     int out_ = -1;
     int err_ = -1;
-    int end_ = -1;  // readable when the process has ended
+    int end_ = -1;   // readable when the process has ended
+    int told_ = -1;  // what support/tell.c writes
     double started_ = 0;
 };
 
