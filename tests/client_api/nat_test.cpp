@@ -234,25 +234,22 @@ TEST_F(NatTest, PortMappingFindsAMissingPortBeforeABadProtocol)
 
 TEST_F(NatTest, PortMappingWithoutPortsTakesAnyPorts)
 {
-    struct Ports {
+    const struct {
         uint16_t private_port, global_port;
-    };
+        uint8_t code;
+        std::string protocol;
+    } rows[] = {{0, 0, 4, "1"},  {0, 443, 4, "1"},  {80, 0, 4, "1"},
+                {0, 0, 7, "50"}, {0, 443, 7, "50"}, {80, 0, 7, "50"}};
     for (const Twin& twin : twins()) {
-        for (const Ports& ports : {Ports{0, 0}, {0, 443}, {80, 0}}) {
-            EXPECT_ROW_OF(twin.function, twin.call(1, 1, ports.private_port, ports.global_port, 4), 0u,
+        for (const auto& row : rows) {
+            EXPECT_ROW_OF(twin.function, twin.call(1, 1, row.private_port, row.global_port, row.code), 0u,
                           "info  entry",
                           "call  SetWWANProfileHandlePreference(1)",
-                          "call  " + twin.method + "(private_ip=1 private_port=0 global_port=0 protocol=1)",
+                          "call  " + twin.method + "(private_ip=1 private_port=0 global_port=0 protocol=" +
+                              row.protocol + ")",
                           "info  " + twin.word +
                               " Static Nat Entry success : wwan_handle=1 private_ip=1 private_port=0 global_port=0",
-                          "info  " + twin.word + " Static Nat Entry success : wwan_handle=1 protocol=1");
-            EXPECT_ROW_OF(twin.function, twin.call(1, 1, ports.private_port, ports.global_port, 7), 0u,
-                          "info  entry",
-                          "call  SetWWANProfileHandlePreference(1)",
-                          "call  " + twin.method + "(private_ip=1 private_port=0 global_port=0 protocol=50)",
-                          "info  " + twin.word +
-                              " Static Nat Entry success : wwan_handle=1 private_ip=1 private_port=0 global_port=0",
-                          "info  " + twin.word + " Static Nat Entry success : wwan_handle=1 protocol=50");
+                          "info  " + twin.word + " Static Nat Entry success : wwan_handle=1 protocol=" + row.protocol);
         }
     }
 }
