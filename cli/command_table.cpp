@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "handlers.h"
+#include "words.h"
 
 namespace cli {
 
@@ -24,7 +25,7 @@ constexpr Setting kLan[] = {
     {1, "IPPT", lan_ippt, "IPPassthrough enable/disable configuration"},
     {1, "IPPTGWFilter", lan_ipptgwfilter, "IPPassthrough mode getway address software filter configuration"},
     {0, "L2TP", nullptr, nullptr},
-    {0, "DefaultDHCPEnable", lan_default_dhcp_enable, "Start DHCP server when first create VLAN or not"},
+    {0, "DefaultDHCPEnable", lan_defaultdhcpenable, "Start DHCP server when first create VLAN or not"},
 };
 
 constexpr Setting kWan[] = {
@@ -35,15 +36,15 @@ constexpr Setting kWan[] = {
     {0, "ReConnect", wan_reconnect, "Enable/Disable WWAN Reconnect"},
     {1, "AutoConnect", wan_autoconnect, "Enable/Disable WWAN Auto connect"},
     {1, "Info", wan_info, "Get WWAN Info"},
-    {1, "MPDNMapping", wan_mpdn_mapping, "Multi-Datacall WWAN to LAN/VLAN Mapping"},
-    {1, "RestartRadvd", wan_restart_radvd, "Restart Radvd (only support on RADVD supported project)"},
+    {1, "MPDNMapping", wan_mpdnmapping, "Multi-Datacall WWAN to LAN/VLAN Mapping"},
+    {1, "RestartRadvd", wan_restartradvd, "Restart Radvd (only support on RADVD supported project)"},
 };
 
 constexpr Setting kNat[] = {
     {1, "Type", nat_type, "NAT type configuration for LAN"},
     {1, "IPV4DMZ", nat_ipv4dmz, "IPV4 DMZ configuration"},
-    {1, "IPV4PortMapping", nat_ipv4_port_mapping, "IPV4 Port Mapping configuration"},
-    {1, "RoutingBH", nat_routing_bh, "IPV4 Routing Behind function"},
+    {1, "IPV4PortMapping", nat_ipv4portmapping, "IPV4 Port Mapping configuration"},
+    {1, "RoutingBH", nat_routingbh, "IPV4 Routing Behind function"},
     {0, "IPV6NAT", nullptr, nullptr},
     {0, "IPV6DNS", nullptr, nullptr},
 };
@@ -69,5 +70,21 @@ const Category kCategories[kCategoryCount] = {
     {0, count(kFirewall), "Firewall", kFirewall, "Firewall related configuration items"},
     {0, count(kTethering), "Tethering", kTethering, "NW Tethering related configuration items"},
 };
+
+const Category* find_category(const char* name)
+{
+    for (const Category& category : kCategories) {
+        if (same(category.name, name)) return &category;
+    }
+    return nullptr;
+}
+
+const Setting* find_setting(const Category& category, const char* name)
+{
+    for (int32_t i = 0; i < category.count; ++i) {
+        if (same(category.settings[i].name, name)) return &category.settings[i];
+    }
+    return nullptr;
+}
 
 }  // namespace cli

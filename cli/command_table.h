@@ -25,6 +25,10 @@ struct Category {
 constexpr int kCategoryCount = 7;
 extern const Category kCategories[kCategoryCount];
 
+// By exact name; null: there is none of that name.
+const Category* find_category(const char* name);
+const Setting* find_setting(const Category& category, const char* name);
+
 }  // namespace cli
 
 #endif

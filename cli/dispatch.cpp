@@ -2,38 +2,17 @@
 
 #include <cstdio>
 
-#include "words.h"
+#include "answers.h"
+#include "command_table.h"
 
 namespace cli {
 
-const Category* find_category(const char* name)
+void dispatch(int argc, char** argv)
 {
-    for (const Category& category : kCategories) {
-        if (same(category.name, name)) return &category;
-    }
-    return nullptr;
-}
-
-}  // namespace cli
-
-namespace {
-
-const cli::Setting* find_setting(const cli::Category& category, const char* name)
-{
-    for (int32_t i = 0; i < category.count; ++i) {
-        if (cli::same(category.settings[i].name, name)) return &category.settings[i];
-    }
-    return nullptr;
-}
-
-}  // namespace
-
-void zr_nexa_dispatch(int argc, char** argv)
-{
-    const cli::Category* const category = cli::find_category(argv[1]);
-    const cli::Setting* const setting = category != nullptr ? find_setting(*category, argv[2]) : nullptr;
+    const Category* const category = find_category(argv[1]);
+    const Setting* const setting = category != nullptr ? find_setting(*category, argv[2]) : nullptr;
     if (setting == nullptr) {
-        cli::invalid();
+        invalid();
         return;
     }
     if (setting->handler == nullptr) {
@@ -47,3 +26,5 @@ void zr_nexa_dispatch(int argc, char** argv)
         printf("CMD Error#0x%x\r\n", static_cast<unsigned int>(code));
     }
 }
+
+}  // namespace cli

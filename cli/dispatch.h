@@ -1,16 +1,11 @@
 #ifndef ZR_NEXA_CLI_DISPATCH_H
 #define ZR_NEXA_CLI_DISPATCH_H
 
-#include "command_table.h"
-
 namespace cli {
 
-// Null: no category of that name.
-const Category* find_category(const char* name);
+// Finds the handler of argv[1] and argv[2], calls it with all words and prints the verdict. At least three words.
+void dispatch(int argc, char** argv);
 
 }  // namespace cli
-
-// Finds the handler of argv[1] and argv[2], calls it with all words and prints the verdict. At least three words.
-void zr_nexa_dispatch(int argc, char** argv);
 
 #endif

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "answers.h"
 #include "handlers.h"
 #include "usage/general.h"
 #include "words.h"
@@ -13,10 +14,7 @@ int general_restore(int argc, char** argv)
 {
     if (argc == 3) return usage(kRestoreUsage);
     if (argc == 4 && same(argv[3], "yes")) {
-        const uint32_t code = zr_nexa_general_restore_nexa_v1();
-        if (code != 0) return result(code);
-        puts("General Restore: success, will reboot in 5s\r");
-        return 0;
+        return result(zr_nexa_general_restore_nexa_v1(), "General Restore: success, will reboot in 5s\r");
     }
     if (argc == 4 && same(argv[3], "no")) return 0;
     return invalid();

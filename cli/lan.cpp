@@ -6,6 +6,7 @@
 
 #include <cstdio>
 
+#include "answers.h"
 #include "handlers.h"
 #include "usage/lan.h"
 #include "words.h"
@@ -13,17 +14,6 @@
 namespace cli {
 
 namespace {
-
-constexpr int kUrlSize = ZR_NEXA_LAN_GWURL_SIZE;
-
-constexpr uint16_t kFilterPortMax = 65534;
-constexpr uint8_t kAdaptiveModeMax = 10;
-
-// A LAN as commands name it: 0 the default LAN, else a VLAN. 1 is none of theirs.
-bool is_lan_id(uint16_t lan_id)
-{
-    return lan_id <= ZR_NEXA_LAN_ID_MAX && lan_id != 1;
-}
 
 bool is_vlan_id(uint16_t vlan_id)
 {
@@ -37,7 +27,7 @@ bool is_vlan_type(uint8_t vlan_type)
 
 bool is_filter_port(uint16_t port)
 {
-    return port >= 1 && port <= kFilterPortMax;
+    return port >= 1 && port <= ZR_NEXA_LAN_IPPTGWFILTER_PORT_MAX;
 }
 
 // IPPTNAT and IPPTNATPDN print the same label. A mode without a line prints nothing.
@@ -54,17 +44,17 @@ int lan_gwurl(int argc, char** argv)
 {
     if (argc == 3) return usage(kGwurlUsage);
     if ((argc == 4 || argc == 5) && same(argv[3], "get")) {
-        char url[kUrlSize] = {};
+        char url[ZR_NEXA_LAN_GWURL_SIZE] = {};
         uint32_t length = 0;
         const uint32_t code = zr_nexa_lan_gwurl_get_v1(url, &length);
         if (code != 0) return result(code);
-        printf("LAN GWURL: %.*s\r\n", kUrlSize, url);
+        printf("LAN GWURL: %.*s\r\n", ZR_NEXA_LAN_GWURL_SIZE, url);
         return 0;
     }
     if (argc == 5 && same(argv[3], "set")) {
         // A longer word is cut to the block; the zero behind it ends the text that the interface measures.
-        char url[kUrlSize + 1] = {};
-        copy_block(url, kUrlSize, argv[4]);
+        char url[ZR_NEXA_LAN_GWURL_SIZE + 1] = {};
+        copy_block(url, ZR_NEXA_LAN_GWURL_SIZE, argv[4]);
         return result(zr_nexa_lan_gwurl_set_v1(url));
     }
     return invalid();
@@ -74,15 +64,16 @@ int lan_dhcp(int argc, char** argv)
 {
     if (argc == 3) return usage(kDhcpUsage);
     if (argc != 5 && argc != 10) return invalid();
-    const int lan_id = number(argv[4]);
-    if (lan_id == 1) return invalid();
+    // Neither check nor print has the cut: 65537 passes, is printed as 65537 and is LAN 1.
+    if (number_s32(argv[4]) == 1) return invalid();
+    const uint16_t lan_id = number_u16(argv[4]);
 
     zr_nexa_lan_dhcp_cfg_t cfg = {};
     if (same(argv[3], "get")) {
-        const uint32_t code = zr_nexa_lan_dhcp_get_v1(number_u16(argv[4]), &cfg);
+        const uint32_t code = zr_nexa_lan_dhcp_get_v1(lan_id, &cfg);
         if (code != 0) return result(code);
         puts("(V)LAN DHCP Config:\r");
-        printf("(v)lan_id:       %d\r\n", lan_id);
+        printf("(v)lan_id:       %d\r\n", number_s32(argv[4]));
         printf("Gateway IP:      %s\r\n", ipv4_text(cfg.gateway_ip));
         printf("Netmask:         %s\r\n", ipv4_text(cfg.netmask));
         printf("DHCP Start IP:   %s\r\n", ipv4_text(cfg.dhcp_start_ip));
@@ -90,19 +81,19 @@ int lan_dhcp(int argc, char** argv)
         printf("DHCP Lease Time: %d\r\n", cfg.lease_time);
         return 0;
     }
-    if (same(argv[3], "set") && argc == 10) {
+    if (argc == 10 && same(argv[3], "set")) {
         cfg.lease_time = number_u32(argv[9]);
         if (!ipv4_from_word(argv[5], &cfg.gateway_ip) || !ipv4_from_word(argv[6], &cfg.netmask) ||
             !ipv4_from_word(argv[7], &cfg.dhcp_start_ip) || !ipv4_from_word(argv[8], &cfg.dhcp_end_ip) ||
             cfg.lease_time == 0) {
             return invalid();
         }
-        return result(zr_nexa_lan_dhcp_set_v1(number_u16(argv[4]), &cfg));
+        return result(zr_nexa_lan_dhcp_set_v1(lan_id, &cfg));
     }
     return invalid();
 }
 
-int lan_default_dhcp_enable(int argc, char** argv)
+int lan_defaultdhcpenable(int argc, char** argv)
 {
     if (argc == 3) return usage(kDefaultDhcpEnableUsage);
     if ((argc == 4 || argc == 5) && same(argv[3], "get")) {
@@ -115,10 +106,7 @@ int lan_default_dhcp_enable(int argc, char** argv)
     if (argc == 5 && same(argv[3], "set")) {
         const uint32_t action = number_u32(argv[4]);
         if (action > 1) return invalid();
-        const uint32_t code = zr_nexa_lan_dhcp_default_action_set_v1(action);
-        if (code != 0) return result(code);
-        puts("Set DefaultDHCPEnable successful\r");
-        return 0;
+        return result(zr_nexa_lan_dhcp_default_action_set_v1(action), "Set DefaultDHCPEnable successful\r");
     }
     return invalid();
 }
@@ -217,14 +205,14 @@ int lan_ippt(int argc, char** argv)
             printf("current effective ippt configuration:");
         }
         printf("--ippt_mode: %d", rec.ippt_mode);
-        printf("--ippt_host_mac: %.*s", static_cast<int>(sizeof(rec.host_mac)), rec.host_mac);
-        printf("--ippt_host_name: %.*s", static_cast<int>(sizeof(rec.host_name)), rec.host_name);
+        printf("--ippt_host_mac: %.*s", ZR_NEXA_LAN_IPPT_MAC_SIZE, rec.host_mac);
+        printf("--ippt_host_name: %.*s", ZR_NEXA_LAN_IPPT_NAME_SIZE, rec.host_name);
         return 0;
     }
     if (argc == 6 && same(argv[3], "adaptive")) {
         rec.ippt_adaptive_enable = 1;
         rec.ippt_adaptive = number_u8(argv[5]);
-        if (rec.ippt_adaptive > kAdaptiveModeMax) return invalid();
+        if (rec.ippt_adaptive > ZR_NEXA_LAN_IPPT_ADAPTIVE_MAX) return invalid();
         return result(zr_nexa_lan_ippt_set_v1(&rec));
     }
     if ((argc == 6 || argc == 7) && same(argv[3], "set")) {
@@ -253,11 +241,11 @@ int lan_ipptgwfilter(int argc, char** argv)
     if (!is_lan_id(lan_id)) return invalid();
 
     if (same(argv[3], "get")) {
-        zr_nexa_lan_ipptgwfilter_list_t list;
+        zr_nexa_lan_ipptgwfilter_list_t list = {};
         const uint32_t code = zr_nexa_lan_ipptgwfilter_get_v1(lan_id, &list);
         if (code != 0) return result(code);
         puts(list.protocol[0] != 0 ? "LAN IPPTGWFilter:\r" : "LAN IPPTGWFilter: No GW Filter\r");
-        for (int i = 0; i < ZR_NEXA_LAN_IPPTGWFILTER_MAX; ++i) {
+        for (int i = 0; i < ZR_NEXA_LAN_IPPTGWFILTERS_MAX; ++i) {
             if (list.protocol[i] == 0) continue;
             printf("filterID: %d protocol: %d start_port: %d end_port %d\r\n", i + 1, list.protocol[i],
                    list.start_port[i], list.end_port[i]);
@@ -275,7 +263,7 @@ int lan_ipptgwfilter(int argc, char** argv)
     }
     if (argc == 6 && same(argv[3], "del")) {
         const uint8_t filter_id = number_u8(argv[5]);
-        if (filter_id < 1 || filter_id > ZR_NEXA_LAN_IPPTGWFILTER_MAX) return invalid();
+        if (filter_id < 1 || filter_id > ZR_NEXA_LAN_IPPTGWFILTERS_MAX) return invalid();
         return result(zr_nexa_lan_ipptgwfilter_del_v1(lan_id, filter_id));
     }
     return invalid();

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "dispatch.h"
+#include "command_table.h"
 
 namespace cli {
 
@@ -36,26 +36,26 @@ void MenuText::append_row(const char* name, const char* description)
     append("\r\n");
 }
 
-}  // namespace cli
-
-void zr_nexa_print_menu(int argc, char** argv)
+void print_menu(int argc, char** argv)
 {
-    cli::MenuText menu;
+    MenuText menu;
     menu.append("Korvane MoblieAP CMD\r\n\r\n");
     if (argc < 2) {
         menu.append("Main Setting List:\r\n");
-        for (const cli::Category& category : cli::kCategories) {
-            if (cli::listed(category.supported)) menu.append_row(category.name, category.description);
+        for (const Category& category : kCategories) {
+            if (listed(category.supported)) menu.append_row(category.name, category.description);
         }
-    } else if (const cli::Category* const category = cli::find_category(argv[1]); category != nullptr) {
+    } else if (const Category* const category = find_category(argv[1]); category != nullptr) {
         menu.append(category->name);
         menu.append(" Setting List:\r\n");
         for (int32_t i = 0; i < category->count; ++i) {
-            const cli::Setting& setting = category->settings[i];
-            if (cli::listed(setting.supported)) menu.append_row(setting.name, setting.description);
+            const Setting& setting = category->settings[i];
+            if (listed(setting.supported)) menu.append_row(setting.name, setting.description);
         }
     } else {
         menu.append("Input Setting Invalid\r\n");
     }
     printf("%s\r\n", menu.text());
 }
+
+}  // namespace cli

@@ -25,9 +25,9 @@ private:
     size_t length_ = 0;
 };
 
-}  // namespace cli
-
 // One word: the categories. Two words: the settings of category argv[1].
-void zr_nexa_print_menu(int argc, char** argv);
+void print_menu(int argc, char** argv);
+
+}  // namespace cli
 
 #endif

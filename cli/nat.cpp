@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "answers.h"
 #include "handlers.h"
 #include "usage/nat.h"
 #include "words.h"
@@ -46,7 +47,7 @@ bool rule_from_words(char** argv, Rule* rule)
 
 int nat_type(int argc, char** argv)
 {
-    if (argc == 3) return usage(kNatTypeUsage);
+    if (argc == 3) return usage(kTypeUsage);
     if (argc != 5 && argc != 6) return invalid();
     const uint32_t wwan_handle = number_u32(argv[4]);
     if (wwan_handle == 0) return invalid();
@@ -61,20 +62,17 @@ int nat_type(int argc, char** argv)
         if (type == ZR_NEXA_NAT_TYPE_ADDRESS_RESTRICTED) puts("NAT Type: ADDRESS RESTRICTED NAT\r");
         return 0;
     }
-    if (same(argv[3], "set") && argc == 6) {
+    if (argc == 6 && same(argv[3], "set")) {
         const uint8_t type = number_u8(argv[5]);
         if (type > ZR_NEXA_NAT_TYPE_ADDRESS_RESTRICTED) return invalid();
-        const uint32_t code = zr_nexa_nat_type_set_v1(wwan_handle, type);
-        if (code != 0) return result(code);
-        puts("NAT Type set success\r");
-        return 0;
+        return result(zr_nexa_nat_type_set_v1(wwan_handle, type), "NAT Type set success\r");
     }
     return invalid();
 }
 
 int nat_ipv4dmz(int argc, char** argv)
 {
-    if (argc == 3) return usage(kNatIpv4DmzUsage);
+    if (argc == 3) return usage(kIpv4DmzUsage);
     if (argc != 5 && argc != 6) return invalid();
     const uint32_t wwan_handle = number_u32(argv[4]);
     if (wwan_handle == 0) return invalid();
@@ -92,26 +90,20 @@ int nat_ipv4dmz(int argc, char** argv)
         }
         return 0;
     }
-    if (same(argv[3], "enable") && argc == 6) {
+    if (argc == 6 && same(argv[3], "enable")) {
         uint32_t dmz_ip = 0;
         if (!ipv4_from_word(argv[5], &dmz_ip)) return invalid();
-        const uint32_t code = zr_nexa_nat_ipv4dmz_set_v1(wwan_handle, 1, dmz_ip);
-        if (code != 0) return result(code);
-        puts("NAT IPV4DMZ enable success\r");
-        return 0;
+        return result(zr_nexa_nat_ipv4dmz_set_v1(wwan_handle, 1, dmz_ip), "NAT IPV4DMZ enable success\r");
     }
     if (same(argv[3], "disable")) {
-        const uint32_t code = zr_nexa_nat_ipv4dmz_set_v1(wwan_handle, 0, 0);
-        if (code != 0) return result(code);
-        puts("NAT IPV4DMZ disable success\r");
-        return 0;
+        return result(zr_nexa_nat_ipv4dmz_set_v1(wwan_handle, 0, 0), "NAT IPV4DMZ disable success\r");
     }
     return invalid();
 }
 
-int nat_ipv4_port_mapping(int argc, char** argv)
+int nat_ipv4portmapping(int argc, char** argv)
 {
-    if (argc == 3) return usage(kNatIpv4PortMappingUsage);
+    if (argc == 3) return usage(kIpv4PortMappingUsage);
     if (argc != 5 && argc != 9) return invalid();
     const uint32_t wwan_handle = number_u32(argv[4]);
     if (wwan_handle == 0) return invalid();
@@ -128,28 +120,24 @@ int nat_ipv4_port_mapping(int argc, char** argv)
         return 0;
     }
     Rule rule = {};
-    if (same(argv[3], "add") && argc == 9) {
-        if (!rule_from_words(argv, &rule)) return invalid();
-        const uint32_t code = zr_nexa_nat_ipv4portmapping_add_v1(wwan_handle, rule.private_ip, rule.private_port,
-                                                                 rule.global_port, rule.protocol);
-        if (code != 0) return result(code);
-        puts("NAT IPV4PortMapping add success\r");
-        return 0;
+    if (argc != 9 || !rule_from_words(argv, &rule)) return invalid();
+
+    if (same(argv[3], "add")) {
+        return result(zr_nexa_nat_ipv4portmapping_add_v1(wwan_handle, rule.private_ip, rule.private_port,
+                                                         rule.global_port, rule.protocol),
+                      "NAT IPV4PortMapping add success\r");
     }
-    if (same(argv[3], "del") && argc == 9) {
-        if (!rule_from_words(argv, &rule)) return invalid();
-        const uint32_t code = zr_nexa_nat_ipv4portmapping_del_v1(wwan_handle, rule.private_ip, rule.private_port,
-                                                                 rule.global_port, rule.protocol);
-        if (code != 0) return result(code);
-        puts("NAT IPV4PortMapping delete success\r");
-        return 0;
+    if (same(argv[3], "del")) {
+        return result(zr_nexa_nat_ipv4portmapping_del_v1(wwan_handle, rule.private_ip, rule.private_port,
+                                                         rule.global_port, rule.protocol),
+                      "NAT IPV4PortMapping delete success\r");
     }
     return invalid();
 }
 
-int nat_routing_bh(int argc, char** argv)
+int nat_routingbh(int argc, char** argv)
 {
-    if (argc == 3) return usage(kNatRoutingBhUsage);
+    if (argc == 3) return usage(kRoutingBhUsage);
     if (argc == 4 && same(argv[3], "get")) {
         uint32_t routingbh = 0;
         const uint32_t code = zr_nexa_nat_routingbh_get_v1(&routingbh);
@@ -161,10 +149,8 @@ int nat_routing_bh(int argc, char** argv)
     if (argc == 5 && same(argv[3], "set")) {
         const uint32_t routingbh = number_u32(argv[4]);
         if (routingbh > 1) return invalid();
-        const uint32_t code = zr_nexa_nat_routingbh_set_v1(routingbh);
-        if (code != 0) return result(code);
-        puts("NAT RoutingBH modify success\r\nneed reboot to take effect\r");
-        return 0;
+        return result(zr_nexa_nat_routingbh_set_v1(routingbh),
+                      "NAT RoutingBH modify success\r\nneed reboot to take effect\r");
     }
     return invalid();
 }

@@ -1,8 +1,8 @@
 #include "words.h"
 
 #include <arpa/inet.h>
+#include <zr_nexa/base.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -13,29 +13,34 @@ bool same(const char* word, const char* other)
     return strcmp(word, other) == 0;
 }
 
-int number(const char* word)
+int32_t number_s32(const char* word)
 {
     return atoi(word);
 }
 
 uint32_t number_u32(const char* word)
 {
-    return static_cast<uint32_t>(number(word));
+    return static_cast<uint32_t>(number_s32(word));
 }
 
 uint16_t number_u16(const char* word)
 {
-    return static_cast<uint16_t>(number(word));
+    return static_cast<uint16_t>(number_s32(word));
 }
 
 uint8_t number_u8(const char* word)
 {
-    return static_cast<uint8_t>(number(word));
+    return static_cast<uint8_t>(number_s32(word));
 }
 
 int8_t number_s8(const char* word)
 {
-    return static_cast<int8_t>(number(word));
+    return static_cast<int8_t>(number_s32(word));
+}
+
+bool is_lan_id(uint16_t lan_id)
+{
+    return lan_id <= ZR_NEXA_LAN_ID_MAX && lan_id != 1;
 }
 
 bool ipv4_from_word(const char* word, uint32_t* address)
@@ -52,26 +57,20 @@ const char* ipv4_text(uint32_t address)
     return inet_ntoa(network_order);
 }
 
+const char* ipv4_bytes_text(uint32_t bytes)
+{
+    return ipv4_text(ntohl(bytes));
+}
+
+const char* ipv6_bytes_text(const uint8_t (&bytes)[16])
+{
+    static char text[INET6_ADDRSTRLEN];
+    return inet_ntop(AF_INET6, bytes, text, sizeof(text));
+}
+
 void copy_block(char* field, size_t size, const char* word)
 {
     strncpy(field, word, size);
-}
-
-int usage(const char* text)
-{
-    printf("%s", text);
-    return 0;
-}
-
-int invalid()
-{
-    puts("Input Parameter Invalid\r");
-    return 65535;
-}
-
-int result(uint32_t code)
-{
-    return static_cast<int>(code);
 }
 
 }  // namespace cli

@@ -1,205 +1,204 @@
-// Usage texts of the LAN settings, one printed line per source line. Their slips ("getway", a set line that says get)
-// are known to scripts and stay.
+// Usage texts of the LAN settings. Their slips ("getway", a set line that says get) are known to scripts and stay.
 #ifndef ZR_NEXA_CLI_USAGE_LAN_H
 #define ZR_NEXA_CLI_USAGE_LAN_H
 
 namespace cli {
 
-inline constexpr char kGwurlUsage[] =
-    "How to use:\r\n"
-    "zr_nexa LAN GWURL <option> [parameters]\r\n"
-    "\r\n"
-    "<option>\r\n"
-    "get: zr_nexa LAN GWURL get\r\n"
-    "     get getway url\r\n"
-    "set: zr_nexa LAN GWURL get <url>\r\n"
-    "     set getway url\r\n"
-    "\r\n"
-    "<url>\r\n"
-    "url type\r\n"
-    "exp: mobileap.home\r\n"
-    "\r\n";
+inline constexpr char kGwurlUsage[] = R"(How to use:
+zr_nexa LAN GWURL <option> [parameters]
 
-inline constexpr char kDhcpUsage[] =
-    "How to use:\r\n"
-    "zr_nexa LAN DHCP <option> [parameters]\r\n"
-    "\r\n"
-    "<option>\r\n"
-    "get: zr_nexa LAN DHCP get <lan_id>\r\n"
-    "     get lan dhcp configs\r\n"
-    "set: zr_nexa LAN DHCP set <lan_id> <gw_ip> <netmask> <start_ip> <end_ip> <lease_time>\r\n"
-    "     set lan dhcp configs\r\n"
-    "\r\n"
-    "<lan_id>\r\n"
-    "int type\r\n"
-    "if you mean default lan, this value is 0; if you mean vlan, this value is vlan_id\r\n"
-    "\r\n"
-    "<gw_ip> <netmask> <start_ip> <end_ip>\r\n"
-    "IP address type\r\n"
-    "exp: 192.168.225.1 255.255.255.0 192.168.225.20 192.168.225.60\r\n"
-    "\r\n"
-    "<lease_time>\r\n"
-    "int type\r\n"
-    "unit is second, exp: 43200\r\n"
-    "\r\n";
+<option>
+get: zr_nexa LAN GWURL get
+     get getway url
+set: zr_nexa LAN GWURL get <url>
+     set getway url
 
-inline constexpr char kDefaultDhcpEnableUsage[] =
-    "How to use:\r\n"
-    "zr_nexa LAN DefaultDHCPEnable <option> [action]\r\n"
-    "\r\n"
-    "<option>\r\n"
-    "get: zr_nexa LAN DefaultDHCPEnable get\r\n"
-    "     get current DefaultDHCPEnable config\r\n"
-    "set: zr_nexa LAN DefaultDHCPEnable set <action>\r\n"
-    "     get current DefaultDHCPEnable config\r\n"
-    "\r\n"
-    "<action>\r\n"
-    "0: do not Start DHCP server when create LAN or boot\r\n"
-    "1: Start DHCP server when create LAN or boot\r\n";
+<url>
+url type
+exp: mobileap.home
 
-inline constexpr char kVlanUsage[] =
-    "How to use:\r\n"
-    "zr_nexa LAN VLAN <option> [parameters]\r\n"
-    "\r\n"
-    "<option>\r\n"
-    "add: zr_nexa LAN VLAN add <vlan_id> <vlan_type> <vlan_accelerated>\r\n"
-    "     add a vlan entry\r\n"
-    "get: zr_nexa LAN VLAN get\r\n"
-    "     get all currently existing vlan entries, no other parameters are required\r\n"
-    "del: zr_nexa LAN VLAN del <vlan_id> <vlan_type>\r\n"
-    "     delete a currently existing vlan entry\r\n"
-    "\r\n"
-    "<vlan_id>\r\n"
-    "int type, 2-255\r\n"
-    "\r\n"
-    "<vlan_type>\r\n"
-    "int type\r\n"
-    "1: ETH type\r\n"
-    "2: ECM type\r\n"
-    "3: RNDIS type\r\n"
-    "4: ETH_NIC2 type\r\n"
-    "\r\n"
-    "<vlan_accelerated>\r\n"
-    "bool type\r\n"
-    "1: enable vlan IPA\r\n"
-    "0: disable vlan IPA\r\n"
-    "\r\n";
+)";
 
-inline constexpr char kIpptNatUsage[] =
-    "How to use:\r\n"
-    "zr_nexa LAN IPPTNAT <option> [parameters]\r\n"
-    "\r\n"
-    "<option>\r\n"
-    "set: zr_nexa LAN IPPTNAT set <ippt_nat>\r\n"
-    "     set ippt nat mode\r\n"
-    "get: zr_nexa LAN IPPTNAT get\r\n"
-    "     get ippt nat mode\r\n"
-    "\r\n"
-    "<ippt_nat>\r\n"
-    "int type\r\n"
-    "1: ippt withnat mode, module will config network NAT for ippt device\r\n"
-    "0: ippt withoutnat mode, module will not config network NAT for ippt device\r\n"
-    "2: ippt withnat only one device mode, module will config network NAT for ippt device\r\n"
-    "\r\n";
+inline constexpr char kDhcpUsage[] = R"(How to use:
+zr_nexa LAN DHCP <option> [parameters]
 
-inline constexpr char kIpptNatPdnUsage[] =
-    "How to use:\r\n"
-    "zr_nexa LAN IPPTNATPDN <option> [parameters]\r\n"
-    "\r\n"
-    "<option>\r\n"
-    "set: zr_nexa LAN IPPTNATPDN set <lan_id> <ippt_nat>\r\n"
-    "     set ippt nat mode\r\n"
-    "get: zr_nexa LAN IPPTNATPDN get <lan_id>\r\n"
-    "     get ippt nat mode\r\n"
-    "\r\n"
-    "<lan_id>\r\n"
-    "int type\r\n"
-    "if you mean default lan, this value is 0; if you mean vlan, this value is vlan_id\r\n"
-    "\r\n"
-    "<ippt_nat>\r\n"
-    "int type\r\n"
-    "1: ippt withnat mode, module will config network NAT for ippt device\r\n"
-    "0: ippt withoutnat mode, module will not config network NAT for ippt device\r\n"
-    "2: ippt withnat only one device mode, module will config network NAT for ippt device\r\n"
-    "-1: ippt default mode for PDN, use the global value of IPPTNAT configuration\r\n"
-    "\r\n";
+<option>
+get: zr_nexa LAN DHCP get <lan_id>
+     get lan dhcp configs
+set: zr_nexa LAN DHCP set <lan_id> <gw_ip> <netmask> <start_ip> <end_ip> <lease_time>
+     set lan dhcp configs
 
-inline constexpr char kIpptUsage[] =
-    "How to use:\r\n"
-    "zr_nexa LAN IPPT <option> [parameters]\r\n"
-    "\r\n"
-    "<option>\r\n"
-    "adaptive: zr_nexa LAN IPPT adaptive <lan_id> <adaptive_mode>\r\n"
-    "          set ippt mode\r\n"
-    "set:      zr_nexa LAN IPPT set <lan_id> <ippt_mode> [<ippt_host_info>]\r\n"
-    "          set ippt mode\r\n"
-    "get:      zr_nexa LAN IPPT get <lan_id>\r\n"
-    "          get ippt mode\r\n"
-    "\r\n"
-    "<lan_id>\r\n"
-    "int type\r\n"
-    "if you mean default lan, this value is 0; if you mean vlan, this value is vlan_id\r\n"
-    "\r\n"
-    "<adaptive_mode>\r\n"
-    "int type\r\n"
-    "0:  disable adaptive ippt\r\n"
-    "1:  enable adaptive ippt: ETH newest device\r\n"
-    "2:  enable adaptive ippt: ETH first device\r\n"
-    "3:  enable adaptive ippt: USB(ECM/RNDIS) newest device\r\n"
-    "4:  enable adaptive ippt: USB(ECM/RNDIS) first device\r\n"
-    "5:  enable adaptive ippt: Wi-Fi newest device\r\n"
-    "6:  enable adaptive ippt: Wi-Fi first device\r\n"
-    "7:  enable adaptive ippt: Any newest device\r\n"
-    "8:  enable adaptive ippt: Any first device\r\n"
-    "9:  enable adaptive ippt: ETH-NIC2 newest device\r\n"
-    "10: enable adaptive ippt: ETH-NIC2 first device\r\n"
-    "\r\n"
-    "<ippt_mode>\r\n"
-    "int type\r\n"
-    "0: disable ippt mode\r\n"
-    "1: enable ippt mode on ETH interface\r\n"
-    "2: enable ippt mode on WLAN interface, not support when <lan_id> is a vlan interface\r\n"
-    "3: enable ippt mode on USB(ECM/RNDIS) interface\r\n"
-    "4: enable ippt mode on ETH_NIC2 interface\r\n"
-    "\r\n"
-    "<ippt_host_info>\r\n"
-    "string type\r\n"
-    "if <ippt_mode> is 0 this value can be omitted\r\n"
-    "if <ippt_mode> is 1/2/4 this value should be hosts mac address, exp: 00:01:02:03:04:05\r\n"
-    "if <ippt_mode> is 3 this value should be hosts name, exp: Korvane_PC\r\n"
-    "\r\n";
+<lan_id>
+int type
+if you mean default lan, this value is 0; if you mean vlan, this value is vlan_id
 
-inline constexpr char kIpptGwFilterUsage[] =
-    "How to use:\r\n"
-    "zr_nexa LAN IPPTGWFilter <option> [parameters]\r\n"
-    "\r\n"
-    "<option>\r\n"
-    "add: zr_nexa LAN IPPTGWFilter add <lan_id> <protocol> <start_port> <end_port>\r\n"
-    "     add a ippt getway address software filter config\r\n"
-    "del: zr_nexa LAN IPPTGWFilter del <lan_id> <filter_ID>\r\n"
-    "     del a ippt getway address software filter config\r\n"
-    "get: zr_nexa LAN IPPTGWFilter get <lan_id>\r\n"
-    "     get all ippt getway address software filter config\r\n"
-    "\r\n"
-    "<lan_id>\r\n"
-    "int type\r\n"
-    "if you mean default lan, this value is 0; if you mean vlan, this value is vlan_id\r\n"
-    "\r\n"
-    "<protocol>\r\n"
-    "int type\r\n"
-    "1: TCP\r\n"
-    "2: UDP\r\n"
-    "\r\n"
-    "<start_port>\r\n"
-    "int type, 1-65534\r\n"
-    "\r\n"
-    "<end_port>\r\n"
-    "int type, 1-65534, must be equal to or greater than <start_port>\r\n"
-    "\r\n"
-    "<filter_ID>\r\n"
-    "int type, 1-5\r\n"
-    "IPPT GW Filter num\r\n"
-    "\r\n";
+<gw_ip> <netmask> <start_ip> <end_ip>
+IP address type
+exp: 192.168.225.1 255.255.255.0 192.168.225.20 192.168.225.60
+
+<lease_time>
+int type
+unit is second, exp: 43200
+
+)";
+
+inline constexpr char kDefaultDhcpEnableUsage[] = R"(How to use:
+zr_nexa LAN DefaultDHCPEnable <option> [action]
+
+<option>
+get: zr_nexa LAN DefaultDHCPEnable get
+     get current DefaultDHCPEnable config
+set: zr_nexa LAN DefaultDHCPEnable set <action>
+     get current DefaultDHCPEnable config
+
+<action>
+0: do not Start DHCP server when create LAN or boot
+1: Start DHCP server when create LAN or boot
+)";
+
+inline constexpr char kVlanUsage[] = R"(How to use:
+zr_nexa LAN VLAN <option> [parameters]
+
+<option>
+add: zr_nexa LAN VLAN add <vlan_id> <vlan_type> <vlan_accelerated>
+     add a vlan entry
+get: zr_nexa LAN VLAN get
+     get all currently existing vlan entries, no other parameters are required
+del: zr_nexa LAN VLAN del <vlan_id> <vlan_type>
+     delete a currently existing vlan entry
+
+<vlan_id>
+int type, 2-255
+
+<vlan_type>
+int type
+1: ETH type
+2: ECM type
+3: RNDIS type
+4: ETH_NIC2 type
+
+<vlan_accelerated>
+bool type
+1: enable vlan IPA
+0: disable vlan IPA
+
+)";
+
+inline constexpr char kIpptNatUsage[] = R"(How to use:
+zr_nexa LAN IPPTNAT <option> [parameters]
+
+<option>
+set: zr_nexa LAN IPPTNAT set <ippt_nat>
+     set ippt nat mode
+get: zr_nexa LAN IPPTNAT get
+     get ippt nat mode
+
+<ippt_nat>
+int type
+1: ippt withnat mode, module will config network NAT for ippt device
+0: ippt withoutnat mode, module will not config network NAT for ippt device
+2: ippt withnat only one device mode, module will config network NAT for ippt device
+
+)";
+
+inline constexpr char kIpptNatPdnUsage[] = R"(How to use:
+zr_nexa LAN IPPTNATPDN <option> [parameters]
+
+<option>
+set: zr_nexa LAN IPPTNATPDN set <lan_id> <ippt_nat>
+     set ippt nat mode
+get: zr_nexa LAN IPPTNATPDN get <lan_id>
+     get ippt nat mode
+
+<lan_id>
+int type
+if you mean default lan, this value is 0; if you mean vlan, this value is vlan_id
+
+<ippt_nat>
+int type
+1: ippt withnat mode, module will config network NAT for ippt device
+0: ippt withoutnat mode, module will not config network NAT for ippt device
+2: ippt withnat only one device mode, module will config network NAT for ippt device
+-1: ippt default mode for PDN, use the global value of IPPTNAT configuration
+
+)";
+
+inline constexpr char kIpptUsage[] = R"(How to use:
+zr_nexa LAN IPPT <option> [parameters]
+
+<option>
+adaptive: zr_nexa LAN IPPT adaptive <lan_id> <adaptive_mode>
+          set ippt mode
+set:      zr_nexa LAN IPPT set <lan_id> <ippt_mode> [<ippt_host_info>]
+          set ippt mode
+get:      zr_nexa LAN IPPT get <lan_id>
+          get ippt mode
+
+<lan_id>
+int type
+if you mean default lan, this value is 0; if you mean vlan, this value is vlan_id
+
+<adaptive_mode>
+int type
+0:  disable adaptive ippt
+1:  enable adaptive ippt: ETH newest device
+2:  enable adaptive ippt: ETH first device
+3:  enable adaptive ippt: USB(ECM/RNDIS) newest device
+4:  enable adaptive ippt: USB(ECM/RNDIS) first device
+5:  enable adaptive ippt: Wi-Fi newest device
+6:  enable adaptive ippt: Wi-Fi first device
+7:  enable adaptive ippt: Any newest device
+8:  enable adaptive ippt: Any first device
+9:  enable adaptive ippt: ETH-NIC2 newest device
+10: enable adaptive ippt: ETH-NIC2 first device
+
+<ippt_mode>
+int type
+0: disable ippt mode
+1: enable ippt mode on ETH interface
+2: enable ippt mode on WLAN interface, not support when <lan_id> is a vlan interface
+3: enable ippt mode on USB(ECM/RNDIS) interface
+4: enable ippt mode on ETH_NIC2 interface
+
+<ippt_host_info>
+string type
+if <ippt_mode> is 0 this value can be omitted
+if <ippt_mode> is 1/2/4 this value should be hosts mac address, exp: 00:01:02:03:04:05
+if <ippt_mode> is 3 this value should be hosts name, exp: Korvane_PC
+
+)";
+
+inline constexpr char kIpptGwFilterUsage[] = R"(How to use:
+zr_nexa LAN IPPTGWFilter <option> [parameters]
+
+<option>
+add: zr_nexa LAN IPPTGWFilter add <lan_id> <protocol> <start_port> <end_port>
+     add a ippt getway address software filter config
+del: zr_nexa LAN IPPTGWFilter del <lan_id> <filter_ID>
+     del a ippt getway address software filter config
+get: zr_nexa LAN IPPTGWFilter get <lan_id>
+     get all ippt getway address software filter config
+
+<lan_id>
+int type
+if you mean default lan, this value is 0; if you mean vlan, this value is vlan_id
+
+<protocol>
+int type
+1: TCP
+2: UDP
+
+<start_port>
+int type, 1-65534
+
+<end_port>
+int type, 1-65534, must be equal to or greater than <start_port>
+
+<filter_ID>
+int type, 1-5
+IPPT GW Filter num
+
+)";
 
 }  // namespace cli
 

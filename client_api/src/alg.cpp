@@ -1,19 +1,15 @@
 // Application-level gateways of the NAT, and SIP servers of a LAN bridge.
-#include <string.h>
 #include <zr_nexa/alg.h>
+
+#include <cstring>
 
 #include "session.h"
 
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_bridge;
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kAlg;
+constexpr auto kLogSource = LogSource::kAlg;
 
 static_assert(ZR_NEXA_ALG_SIP_NETWORK_OFFSET == sizeof(zr_nexa_sip_server_info_t), "behind the configured server");
 static_assert(ZR_NEXA_ALG_SIP_BUFFER_SIZE == sizeof(zr_nexa_sip_server_info_t) +
@@ -28,17 +24,17 @@ void write_entry(unsigned char* to, const qcmap_msgr_sip_server_info_v01& from)
     zr_nexa_sip_server_info_t entry;
     entry.pcscf_info_type = from.pcscf_info_type;
     entry.ipv4_addr = from.ipv4_addr;
-    memcpy(entry.fqdn, from.fqdn, sizeof(entry.fqdn));
-    memcpy(to, &entry, sizeof(entry));
+    std::memcpy(entry.fqdn, from.fqdn, sizeof(entry.fqdn));
+    std::memcpy(to, &entry, sizeof(entry));
 }
 
 void write_entry(unsigned char* to, const qcmap_msgr_ipv6_sip_server_info_v01& from)
 {
     zr_nexa_ipv6_sip_server_info_t entry;
     entry.pcscf_info_type = from.pcscf_info_type;
-    memcpy(entry.ipv6_addr, from.ipv6_addr, sizeof(entry.ipv6_addr));
-    memcpy(entry.fqdn, from.fqdn, sizeof(entry.fqdn));
-    memcpy(to, &entry, sizeof(entry));
+    std::memcpy(entry.ipv6_addr, from.ipv6_addr, sizeof(entry.ipv6_addr));
+    std::memcpy(entry.fqdn, from.fqdn, sizeof(entry.fqdn));
+    std::memcpy(to, &entry, sizeof(entry));
 }
 
 uint32_t get_ipv4_servers(const char* function, int* count, unsigned char* out)
@@ -48,17 +44,17 @@ uint32_t get_ipv4_servers(const char* function, int* count, unsigned char* out)
     qcmap_msgr_sip_server_info_v01 network[QCMAP_MAX_SIP_SERVERS] = {};
     int reported = 0;
     if (!client->GetSIPServerInfo(&configured, network, &reported, &err)) {
-        LOG_ERROR_AS(function, "Failed to get IPV4 SIP server info. Error:0x%x", static_cast<uint32_t>(err));
+        ZR_LOG_ERROR_AS(function, "Failed to get IPV4 SIP server info. Error:0x%x", err);
         return failed_step(2, err);
     }
     const uint32_t n = clamped(reported, QCMAP_MAX_SIP_SERVERS);
     *count = static_cast<int>(n);
-    if (n > 0) LOG_INFO_AS(function, "IPv4: Number of network assigned SIP server info is %d", n);
+    if (n > 0) ZR_LOG_INFO_AS(function, "IPv4: Number of network assigned SIP server info is %d", n);
     write_entry(out, configured);
     for (uint32_t i = 0; i < n; ++i) {
         write_entry(out + ZR_NEXA_ALG_SIP_NETWORK_OFFSET + i * sizeof(zr_nexa_sip_server_info_t), network[i]);
     }
-    LOG_INFO_AS(function, "Successfully get IPV4 SIP server info.");
+    ZR_LOG_INFO_AS(function, "Successfully get IPV4 SIP server info.");
     return result_of(err);
 }
 
@@ -68,7 +64,7 @@ uint32_t get_ipv6_servers(const char* function, int* count, unsigned char* out)
     qcmap_msgr_ipv6_sip_server_info_v01 network[QCMAP_MAX_SIP_SERVERS] = {};
     int reported = 0;
     if (!client->GetV6SIPServerInfo(network, &reported, &err)) {
-        LOG_ERROR_AS(function, "Failed to get IPV6 SIP server info. Error:0x%x", static_cast<uint32_t>(err));
+        ZR_LOG_ERROR_AS(function, "Failed to get IPV6 SIP server info. Error:0x%x", err);
         return failed_step(3, err);
     }
     const uint32_t n = clamped(reported, QCMAP_MAX_SIP_SERVERS);
@@ -76,9 +72,9 @@ uint32_t get_ipv6_servers(const char* function, int* count, unsigned char* out)
     for (uint32_t i = 0; i < n; ++i) {
         write_entry(out + ZR_NEXA_ALG_SIP_NETWORK_OFFSET + i * sizeof(zr_nexa_ipv6_sip_server_info_t), network[i]);
     }
-    if (n > 0) LOG_INFO_AS(function, "IPv6: Number of network assigned SIP server info is %d", n);
+    if (n > 0) ZR_LOG_INFO_AS(function, "IPv6: Number of network assigned SIP server info is %d", n);
     // The IPv4 text: log readers look for it after either family.
-    LOG_INFO_AS(function, "Successfully get IPV4 SIP server info.");
+    ZR_LOG_INFO_AS(function, "Successfully get IPV4 SIP server info.");
     return result_of(err);
 }
 
@@ -88,27 +84,27 @@ uint32_t zr_nexa_alg_enable_type_set_v1(uint32_t enable, uint64_t alg_types)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (enable > 1) {
-        LOG_ERROR("invalid enable(%d)", enable);
+        ZR_LOG_ERROR("invalid enable(%d)", enable);
         return ZR_NEXA_ALG_ERR_ENABLE;
     }
     const auto shown_types = static_cast<unsigned long long>(alg_types);
     if (alg_types != 1 && alg_types != 2) {
-        LOG_ERROR("Invalid ALG types(%llu)", shown_types);
+        ZR_LOG_ERROR("Invalid ALG types(%llu)", shown_types);
         return ZR_NEXA_ALG_ERR_VALUE;
     }
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (enable == 1) {
         if (!client->EnableAlg(alg_types, &err)) {
-            LOG_ERROR("Failed to Enable ALG. Error:0x%x", static_cast<uint32_t>(err));
+            ZR_LOG_ERROR("Failed to Enable ALG. Error:0x%x", err);
             return failed_step(1, err);
         }
-        LOG_INFO("Successfully Enable ALG types(%llu)", shown_types);
+        ZR_LOG_INFO("Successfully Enable ALG types(%llu)", shown_types);
     } else {
         if (!client->DisableAlg(alg_types, &err)) {
-            LOG_ERROR("Failed to Disable ALG. Error:0x%x", static_cast<uint32_t>(err));
+            ZR_LOG_ERROR("Failed to Disable ALG. Error:0x%x", err);
             return failed_step(2, err);
         }
-        LOG_INFO("Successfully Disable ALG types(%llu)", shown_types);
+        ZR_LOG_INFO("Successfully Disable ALG types(%llu)", shown_types);
     }
     return result_of(err);
 }
@@ -117,7 +113,7 @@ uint32_t zr_nexa_alg_sip_server_info_set_v1(uint32_t lan_id, const zr_nexa_sip_s
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (info == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
 
@@ -126,16 +122,16 @@ uint32_t zr_nexa_alg_sip_server_info_set_v1(uint32_t lan_id, const zr_nexa_sip_s
     if (info->pcscf_info_type == ZR_NEXA_ALG_SIP_INFO_IP) {
         record.ipv4_addr = info->ipv4_addr;
     } else if (info->pcscf_info_type == ZR_NEXA_ALG_SIP_INFO_FQDN) {
-        memcpy(record.fqdn, info->fqdn, sizeof(record.fqdn));
+        std::memcpy(record.fqdn, info->fqdn, sizeof(record.fqdn));
     } else {
-        LOG_ERROR("pcscf_info_type:%d, it must be IP ADDRESS or FQDN", info->pcscf_info_type);
+        ZR_LOG_ERROR("pcscf_info_type:%d, it must be IP ADDRESS or FQDN", info->pcscf_info_type);
         return ZR_NEXA_ALG_ERR_VALUE;
     }
     if (!client->SetSIPServerInfo(&record, &err)) {
-        LOG_ERROR("Failed to set SIP server information. Error:0x%x", static_cast<uint32_t>(err));
+        ZR_LOG_ERROR("Failed to set SIP server information. Error:0x%x", err);
         return failed_step(2, err);
     }
-    LOG_INFO("Successfully set SIP server information.");
+    ZR_LOG_INFO("Successfully set SIP server information.");
     return result_of(err);
 }
 
@@ -143,13 +139,13 @@ uint32_t zr_nexa_alg_sip_server_info_get_v1(uint32_t lan_id, uint32_t ip_family,
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (count == nullptr || out == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
 
     auto* const buffer = static_cast<unsigned char*>(out);
     if (ip_family == ZR_NEXA_IP_V4) return get_ipv4_servers(__func__, count, buffer);
     if (ip_family == ZR_NEXA_IP_V6) return get_ipv6_servers(__func__, count, buffer);
-    LOG_ERROR("Domain only suuport ZR_NEXA_IP_V4 or ZR_NEXA_IP_V6");
+    ZR_LOG_ERROR("Domain only suuport ZR_NEXA_IP_V4 or ZR_NEXA_IP_V6");
     return ZR_NEXA_ALG_ERR_VALUE;
 }

@@ -7,9 +7,11 @@
 
 #include "session.h"
 
+using namespace zr_nexa;
+
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kFirewall;
+constexpr auto kLogSource = LogSource::kFirewall;
 
 using Entry = zr_nexa_firewall_entry_t;
 using Filter = qcmap_firewall_filter;
@@ -215,25 +217,18 @@ constexpr bool in_list(uint32_t count, uint32_t capacity)
 
 }  // namespace
 
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
-
 uint32_t zr_nexa_firewall_entry_add_v1(uint32_t wwan_handle, const zr_nexa_firewall_entry_t* entry)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (entry == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     if (entry->ip_version != ZR_NEXA_IP_V4 && entry->ip_version != ZR_NEXA_IP_V6) return ZR_NEXA_ERR_ARGUMENT;
     if (entry->src_port_valid != 0 && leaves_port_space(entry->src_port, entry->src_port_range)) {
-        LOG_ERROR("port range exception: source port = %d, port_range = %d", entry->src_port, entry->src_port_range);
+        ZR_LOG_ERROR("port range exception: source port = %d, port_range = %d", entry->src_port, entry->src_port_range);
         return ZR_NEXA_ERR_ARGUMENT;
     }
     if (entry->dst_port_valid != 0 && leaves_port_space(entry->dst_port, entry->dst_port_range)) {
-        LOG_ERROR("port range exception: Destination port = %d, port_range = %d !", entry->dst_port,
-                  entry->dst_port_range);
+        ZR_LOG_ERROR("port range exception: Destination port = %d, port_range = %d !", entry->dst_port,
+                     entry->dst_port_range);
         return ZR_NEXA_ERR_ARGUMENT;
     }
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
@@ -242,7 +237,7 @@ uint32_t zr_nexa_firewall_entry_add_v1(uint32_t wwan_handle, const zr_nexa_firew
     if (is_direction(entry->direction)) conf.direction = entry->direction;
     to_platform(*entry, &conf.filter);
     if (!client->AddFireWallEntry(&conf, &err)) {
-        LOG_ERROR("Add Firewall Entry error %d", err);
+        ZR_LOG_ERROR("Add Firewall Entry error %d", err);
         return failed_step(2, err);
     }
     return result_of(err);
@@ -258,16 +253,16 @@ uint32_t zr_nexa_firewall_entry_get_v1(uint32_t wwan_handle, uint32_t ip_family,
     if (ip_family == ZR_NEXA_IP_V4 || ip_family == ZR_NEXA_IP_V6) handles.ip_family = ip_family;
     const uint32_t asked_family = handles.ip_family;
     if (!client->GetFireWallHandlesList(&handles, &err)) {
-        LOG_ERROR("Get FireWall Handles List (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Get FireWall Handles List (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
-    list->count = clamped(handles.count, ZR_NEXA_FIREWALL_MAX_ENTRIES);
+    list->count = clamped(handles.count, ZR_NEXA_FIREWALL_ENTRIES_MAX);
     for (uint32_t i = 0; i < list->count; ++i) {
         qcmap_msgr_firewall_entry_conf_t conf = {};
         conf.ip_family = asked_family;
         conf.handle = handles.handle[i];
         if (!client->GetFireWallEntry(&conf, &err)) {
-            LOG_ERROR("Get FireWall Entry (wwan_handle=%d index=%d) error %d", wwan_handle, i, err);
+            ZR_LOG_ERROR("Get FireWall Entry (wwan_handle=%d index=%d) error %d", wwan_handle, i, err);
             return failed_step(3, err);
         }
         list->handle[i] = handles.handle[i];
@@ -285,11 +280,11 @@ uint32_t zr_nexa_firewall_entry_del_v1(uint32_t wwan_handle, int32_t firewall_en
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
     if (!client->DeleteFireWallEntry(firewall_entry_handle, &err)) {
         // Log readers know the selection's text here too.
-        LOG_ERROR("Set WWAN Profile Handle Preference (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Set WWAN Profile Handle Preference (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
-    LOG_INFO("Delete Firewall entry success, wwan_handle=%d firewall_entry_handle=%d", wwan_handle,
-             firewall_entry_handle);
+    ZR_LOG_INFO("Delete Firewall entry success, wwan_handle=%d firewall_entry_handle=%d", wwan_handle,
+                firewall_entry_handle);
     return result_of(err);
 }
 
@@ -301,11 +296,11 @@ uint32_t zr_nexa_firewall_config_set_v1(uint32_t wwan_handle, uint32_t enable_fi
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
     if (!client->SetFirewall(enable_firewall, pkts_allowed, &err)) {
-        LOG_ERROR("Set Firewall Config error %d", err);
+        ZR_LOG_ERROR("Set Firewall Config error %d", err);
         return failed_step(2, err);
     }
-    LOG_INFO("Set Firewall Config success, wwan_handle=%d enable_firewall=%d pkts_allowed=%d", wwan_handle,
-             enable_firewall, pkts_allowed);
+    ZR_LOG_INFO("Set Firewall Config success, wwan_handle=%d enable_firewall=%d pkts_allowed=%d", wwan_handle,
+                enable_firewall, pkts_allowed);
     return result_of(err);
 }
 
@@ -318,12 +313,12 @@ uint32_t zr_nexa_firewall_config_get_v1(uint32_t wwan_handle, uint8_t* enable_fi
     unsigned char enable = 0;
     unsigned char pkts = 0;
     if (!client->GetFirewall(&enable, &pkts, &err)) {
-        LOG_ERROR("Get Firewall Config error %d", err);
+        ZR_LOG_ERROR("Get Firewall Config error %d", err);
         return failed_step(2, err);
     }
     *enable_firewall = enable;
     *pkts_allowed = pkts;
-    LOG_INFO("Get Firewall Config enable_firewall=%d, pkts_allowed=%d", enable, pkts);
+    ZR_LOG_INFO("Get Firewall Config enable_firewall=%d, pkts_allowed=%d", enable, pkts);
     return result_of(err);
 }
 
@@ -332,9 +327,9 @@ uint32_t zr_nexa_firewall_hwfiltering_state_set_v1(uint32_t state, const zr_nexa
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (config == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     if (state > ZR_NEXA_FIREWALL_HWFILTER_STATE_MAX) return ZR_NEXA_ERR_ARGUMENT;
-    if (!in_list(config->num_of_macs, ZR_NEXA_FIREWALL_HWFILTER_MAX_MACS)) return ZR_NEXA_ERR_ARGUMENT;
-    if (!in_list(config->num_of_ifaces, ZR_NEXA_FIREWALL_HWFILTER_MAX_IFACES)) {
-        LOG_ERROR("Invalid number of iface:%d", config->num_of_ifaces);
+    if (!in_list(config->num_of_macs, ZR_NEXA_FIREWALL_HWFILTER_MACS_MAX)) return ZR_NEXA_ERR_ARGUMENT;
+    if (!in_list(config->num_of_ifaces, ZR_NEXA_FIREWALL_HWFILTER_IFACES_MAX)) {
+        ZR_LOG_ERROR("Invalid number of iface:%d", config->num_of_ifaces);
         return ZR_NEXA_ERR_ARGUMENT;
     }
     qcmap_hw_filter_config filter = {};
@@ -344,7 +339,7 @@ uint32_t zr_nexa_firewall_hwfiltering_state_set_v1(uint32_t state, const zr_nexa
     std::memcpy(filter.iface, config->iface, config->num_of_ifaces * sizeof(config->iface[0]));
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SetHWMACFilteringState(static_cast<qcmap_msgr_config_state_enum_v01>(state), filter, &err)) {
-        LOG_ERROR("Set Hardware Filtering State error %d", err);
+        ZR_LOG_ERROR("Set Hardware Filtering State error %d", err);
         return failed_step(2, err);
     }
     return result_of(err);
@@ -358,13 +353,13 @@ uint32_t zr_nexa_firewall_hwfiltering_state_get_v1(uint32_t* state, zr_nexa_fire
     qcmap_msgr_config_state_enum_v01 filter_state = QCMAP_MSGR_CONFIG_STATE_OFF_V01;
     qcmap_hw_filter_config filter = {};
     if (!client->GetHWMACFilteringState(&filter_state, &filter, &err)) {
-        LOG_ERROR("Get Hardware Filtering State error %d", err);
+        ZR_LOG_ERROR("Get Hardware Filtering State error %d", err);
         return failed_step(2, err);
     }
     *state = static_cast<uint32_t>(filter_state);
-    config->num_of_macs = clamped(filter.mac_count, ZR_NEXA_FIREWALL_HWFILTER_MAX_MACS);
+    config->num_of_macs = clamped(filter.mac_count, ZR_NEXA_FIREWALL_HWFILTER_MACS_MAX);
     std::memcpy(config->mac_addr, filter.mac, config->num_of_macs * sizeof(config->mac_addr[0]));
-    config->num_of_ifaces = clamped(filter.iface_count, ZR_NEXA_FIREWALL_HWFILTER_MAX_IFACES);
+    config->num_of_ifaces = clamped(filter.iface_count, ZR_NEXA_FIREWALL_HWFILTER_IFACES_MAX);
     std::memcpy(config->iface, filter.iface, config->num_of_ifaces * sizeof(config->iface[0]));
     return result_of(err);
 }

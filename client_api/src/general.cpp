@@ -3,22 +3,16 @@
 
 #include "session.h"
 
-namespace {
-constexpr auto kLogSource = zr_nexa::LogSource::kGeneral;
-}
+using namespace zr_nexa;
 
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::pointer_word;
-using zr_nexa::result_of;
+constexpr auto kLogSource = LogSource::kGeneral;
 
 uint32_t zr_nexa_general_restore_nexa_v1()
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->RestoreFactoryConfig(&err)) {
-        LOG_ERROR("Restore factory config error %d", err);
+        ZR_LOG_ERROR("Restore factory config error %d", err);
         return failed_step(1, err);
     }
     return result_of(err);
@@ -30,10 +24,10 @@ uint32_t zr_nexa_general_sfe_set_v1(uint32_t sfe_config)
     if (sfe_config > 1) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SetDataPathOptStatus(static_cast<unsigned char>(sfe_config), &err)) {
-        LOG_ERROR("Set data path opt status error %d, sfe_config=%d", err, sfe_config);
+        ZR_LOG_ERROR("Set data path opt status error %d, sfe_config=%d", err, sfe_config);
         return failed_step(1, err);
     }
-    LOG_INFO("Set data path opt status sfe_config=%d, error %d", sfe_config, err);
+    ZR_LOG_INFO("Set data path opt status sfe_config=%d, error %d", sfe_config, err);
     return result_of(err);
 }
 
@@ -43,10 +37,10 @@ uint32_t zr_nexa_general_sfe_get_v1(uint8_t* sfe_config)
     if (sfe_config == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetDataPathOptStatus(sfe_config, &err)) {
-        LOG_ERROR("Get data path opt status error %d", err);
+        ZR_LOG_ERROR("Get data path opt status error %d", err);
         return failed_step(1, err);
     }
     // The record shows where the switch was written, not the switch: log readers know it as it is.
-    LOG_INFO("Get data path opt status sfe_config=%d, error %d", pointer_word(sfe_config), err);
+    ZR_LOG_INFO("Get data path opt status sfe_config=%d, error %d", pointer_word(sfe_config), err);
     return result_of(err);
 }

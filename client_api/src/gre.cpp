@@ -1,32 +1,15 @@
 // GRE offload in the IPA connection manager's configuration file.
 #include <zr_nexa/gre.h>
 
-#include <dlfcn.h>
-
-#include <atomic>
 #include <cstring>
 
 #include "ipacm_cfg.h"
-#include "ipv4_text.h"
 #include "log.h"
+#include "texts.h"
 
 namespace {
 
 constexpr auto kLogSource = zr_nexa::LogSource::kGre;
-
-// Loads the library that does the work when it is first asked for; it stays.
-int32_t get_set_ipacm_config(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg)
-{
-    using Work = decltype(&ZR_GetSetIpacmConfigFromXML);
-    static std::atomic<Work> loaded = nullptr;  // threads that come together load it twice: that is the same library
-    Work work = loaded;
-    if (work == nullptr) {
-        void* const library = dlopen(ZR_NEXA_IPACM_CFG_LIBRARY, RTLD_NOW);
-        if (library != nullptr) work = reinterpret_cast<Work>(dlsym(library, "ZR_GetSetIpacmConfigFromXML"));
-        loaded = work;
-    }
-    return work != nullptr ? work(is_set, cfg) : ZR_NEXA_GRE_ERR_NO_LIBRARY;
-}
 
 }  // namespace
 
@@ -34,53 +17,53 @@ using zr_nexa::Ipv4Text;
 
 int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t* cfg)
 {
-    LOG_INFO("entry");
+    ZR_LOG_INFO("entry");
     if (cfg == nullptr) {
-        LOG_ERROR("gre_ipacfg is null");
+        ZR_LOG_ERROR("gre_ipacfg is null");
         return ZR_NEXA_ERR_ARGUMENT;
     }
-    if (cfg->num_of_server_addrs > ZR_NEXA_GRE_MAX_SERVERS) {
-        LOG_ERROR("num_of_server_addrs greater than %d", ZR_NEXA_GRE_MAX_SERVERS);
-        if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_MAX_SUBNETS) {
-            LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_MAX_SUBNETS);
+    if (cfg->num_of_server_addrs > ZR_NEXA_GRE_SERVERS_MAX) {
+        ZR_LOG_ERROR("num_of_server_addrs greater than %d", ZR_NEXA_GRE_SERVERS_MAX);
+        if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_SUBNETS_MAX) {
+            ZR_LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_SUBNETS_MAX);
         }
         return ZR_NEXA_ERR_ARGUMENT;
     }
-    if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_MAX_SUBNETS) {
-        LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_MAX_SUBNETS);
+    if (cfg->num_of_subnet_masks > ZR_NEXA_GRE_SUBNETS_MAX) {
+        ZR_LOG_ERROR("num_of_subnet_masks greater than %d", ZR_NEXA_GRE_SUBNETS_MAX);
         return ZR_NEXA_ERR_ARGUMENT;
     }
     zr_nexa_wan_gre_ipacfg_t local = *cfg;
     for (uint32_t i = 0; i < local.num_of_server_addrs; ++i) {
-        LOG_INFO("gre_config.server_ipv4_addr[%d]:%s", i, Ipv4Text(local.server_ipv4_addr[i]).c_str());
+        ZR_LOG_INFO("gre_config.server_ipv4_addr[%d]:%s", i, Ipv4Text(local.server_ipv4_addr[i]).c_str());
     }
     for (uint32_t i = 0; i < local.num_of_subnet_masks; ++i) {
-        LOG_INFO("gre_config.subnet_mask[%d]:%s", i, Ipv4Text(local.subnet_mask[i]).c_str());
+        ZR_LOG_INFO("gre_config.subnet_mask[%d]:%s", i, Ipv4Text(local.subnet_mask[i]).c_str());
     }
     // Both texts below name the function without its area word: log readers know them so.
-    const int32_t result = get_set_ipacm_config(1, &local);
+    const int32_t result = ZR_GetSetIpacmConfigFromXML(1, &local);
     if (result != 0) {
-        LOG_ERROR("zr_nexa_gre_ipacfg_set_v1 failed, ret:%d", result);
+        ZR_LOG_ERROR("zr_nexa_gre_ipacfg_set_v1 failed, ret:%d", result);
         return result;
     }
-    LOG_INFO("zr_nexa_gre_ipacfg_set_v1 success");
+    ZR_LOG_INFO("zr_nexa_gre_ipacfg_set_v1 success");
     return ZR_NEXA_OK;
 }
 
 int32_t zr_nexa_wan_gre_ipacfg_get_v1(zr_nexa_wan_gre_ipacfg_t* cfg)
 {
-    LOG_INFO("entry");
+    ZR_LOG_INFO("entry");
     if (cfg == nullptr) {
-        LOG_ERROR("gre_ipacfg is null!");
+        ZR_LOG_ERROR("gre_ipacfg is null!");
         return ZR_NEXA_ERR_ARGUMENT;
     }
     zr_nexa_wan_gre_ipacfg_t local = {};
-    const int32_t result = get_set_ipacm_config(0, &local);
+    const int32_t result = ZR_GetSetIpacmConfigFromXML(0, &local);
     if (result != 0) {
-        LOG_ERROR("zr_nexa_gre_ipacfg_get_v1 failed, ret:%d", result);
+        ZR_LOG_ERROR("zr_nexa_gre_ipacfg_get_v1 failed, ret:%d", result);
         return result;
     }
-    LOG_INFO("zr_nexa_gre_ipacfg_get_v1 success");
+    ZR_LOG_INFO("zr_nexa_gre_ipacfg_get_v1 success");
     std::memcpy(cfg, &local, sizeof(local));  // padding included
     return ZR_NEXA_OK;
 }

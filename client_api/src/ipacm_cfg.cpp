@@ -1,6 +1,7 @@
 // The work on the IPA connection manager's file.
 //
-// No exception leaves it. The parser itself throws none, but takes its memory where the application told it to.
+// No exception leaves it: a change that cannot be completed for want of memory ends in one. The parser itself throws
+// none, but where it is a shared library it takes its memory where the application told it to.
 #include "ipacm_cfg.h"
 
 #include <arpa/inet.h>
@@ -14,21 +15,22 @@
 #include <string_view>
 
 #include "log.h"
+#include "texts.h"
 
 namespace {
 
 constexpr auto kLogSource = zr_nexa::LogSource::kIpacmCfg;
 
-constexpr const char* kConfigFile = "/etc/data/ipa/IPACM_cfg.xml";
-constexpr const char* kTemporaryFile = "/var/run/data/zr_IPACM_cfg.tmp";
+constexpr zr_nexa::IpacmFiles kIpacmFiles = {"/etc/data/ipa/IPACM_cfg.xml", "/var/run/data/zr_IPACM_cfg.tmp"};
+constexpr const char* kLogName = "ZR_GetSetIpacmConfigFromXML";
 constexpr useconds_t kRetryInterval = 50000;  // microseconds
 constexpr size_t kCommandSize = 200;
 
 // Short of memory, a file cannot be parsed like any other.
-bool load(pugi::xml_document* document)
+bool load(const char* file, pugi::xml_document* document)
 {
     try {
-        return document->load_file(kConfigFile);
+        return document->load_file(file);
     } catch (const std::exception&) {
         return false;
     }
@@ -56,12 +58,6 @@ void append_text_element(pugi::xml_node parent, const char* name, const char* te
     if (parent && !appended) throw std::bad_alloc();
 }
 
-// Writes the dotted text of a network-order address.
-void dotted(uint32_t address, char (&text)[INET_ADDRSTRLEN])
-{
-    inet_ntop(AF_INET, &address, text, sizeof(text));
-}
-
 // 0 for a text that is no address.
 uint32_t address_in(const pugi::xml_node& element)
 {
@@ -77,32 +73,33 @@ void run(const char* command)
 
 }  // namespace
 
+namespace zr_nexa {
+
 // The file is replaced by copy, not by rename: others may hold it open. The blanks at the end are part of the lines.
-void zr_nexa_ipacm_cfg_save(const pugi::xml_document& document)
+void save_ipacm_cfg(const IpacmFiles& files, const pugi::xml_document& document)
 {
-    document.save_file(kTemporaryFile, "\t", pugi::format_indent, pugi::encoding_auto);
+    document.save_file(files.temporary, "\t", pugi::format_indent, pugi::encoding_auto);
     char command[kCommandSize];
-    std::snprintf(command, sizeof(command), "fsync -d %s", kTemporaryFile);
+    std::snprintf(command, sizeof(command), "fsync -d %s", files.temporary);
     run(command);
-    std::snprintf(command, sizeof(command), "cp %s %s ", kTemporaryFile, kConfigFile);
+    std::snprintf(command, sizeof(command), "cp %s %s ", files.temporary, files.config);
     run(command);
-    std::snprintf(command, sizeof(command), "fsync -d %s", kConfigFile);
+    std::snprintf(command, sizeof(command), "fsync -d %s", files.config);
     run(command);
-    std::snprintf(command, sizeof(command), "rm %s ", kTemporaryFile);
+    std::snprintf(command, sizeof(command), "rm %s ", files.temporary);
     run(command);
 }
 
-int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg)
+int32_t get_set_ipacm_cfg(const IpacmFiles& files, uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg)
 try {
     pugi::xml_document document;
-    while (!load(&document)) {
+    while (!load(files.config, &document)) {
         usleep(kRetryInterval);
     }
     pugi::xml_node gre_flag = document.child("system").child("IPACM").child("GREFlag");
-    char text[INET_ADDRSTRLEN];
 
     if (is_set != 0) {
-        LOG_INFO("SET gre ipa option");
+        ZR_LOG_INFO_AS(kLogName, "SET gre ipa option");
         remove_children(gre_flag);
         append_text_element(gre_flag, "GREEnabled", "0");
         // The addresses alone once more. Behind the clearing of all children this finds none.
@@ -113,24 +110,24 @@ try {
         }
         if (cfg->gre_enabled == 1) {
             gre_flag.child("GREEnabled").first_child().set_value("1");
-            LOG_INFO("GRE ipa enable, num_of_server_addrs:%d, num_of_subnet_masks:%d", cfg->num_of_server_addrs,
-                     cfg->num_of_subnet_masks);
+            ZR_LOG_INFO_AS(kLogName, "GRE ipa enable, num_of_server_addrs:%d, num_of_subnet_masks:%d",
+                           cfg->num_of_server_addrs, cfg->num_of_subnet_masks);
             for (uint32_t i = 0; i < cfg->num_of_server_addrs; ++i) {
-                dotted(cfg->server_ipv4_addr[i], text);
-                append_text_element(gre_flag, "GREServer", text);
-                LOG_INFO("serverIP[%d]:%s", i, text);
+                const Ipv4Text server(cfg->server_ipv4_addr[i]);
+                append_text_element(gre_flag, "GREServer", server.c_str());
+                ZR_LOG_INFO_AS(kLogName, "serverIP[%d]:%s", i, server.c_str());
             }
             for (uint32_t i = 0; i < cfg->num_of_subnet_masks; ++i) {
-                dotted(cfg->subnet_mask[i], text);
-                append_text_element(gre_flag, "GREServerSubnet", text);
-                LOG_INFO("subnetIP[%d]:%s", i, text);
+                const Ipv4Text subnet(cfg->subnet_mask[i]);
+                append_text_element(gre_flag, "GREServerSubnet", subnet.c_str());
+                ZR_LOG_INFO_AS(kLogName, "subnetIP[%d]:%s", i, subnet.c_str());
             }
         }
-        zr_nexa_ipacm_cfg_save(document);
+        save_ipacm_cfg(files, document);
         return 0;
     }
 
-    LOG_INFO("GET gre ipa option");
+    ZR_LOG_INFO_AS(kLogName, "GET gre ipa option");
     std::memset(cfg, 0, sizeof(*cfg));
     if (std::strcmp(gre_flag.child("GREEnabled").child_value(), "0") == 0) {
         // In memory only: addresses of a disabled offload do not count.
@@ -138,24 +135,36 @@ try {
         append_text_element(gre_flag, "GREEnabled", "0");
     } else {
         cfg->gre_enabled = 1;
-        LOG_INFO("GET gre ipa status:%d", cfg->gre_enabled);
+        ZR_LOG_INFO_AS(kLogName, "GET gre ipa status:%d", cfg->gre_enabled);
     }
     for (const pugi::xml_node server : gre_flag.children("GREServer")) {
-        if (cfg->num_of_server_addrs == ZR_NEXA_GRE_MAX_SERVERS) break;
+        if (cfg->num_of_server_addrs == ZR_NEXA_GRE_SERVERS_MAX) break;
         const uint32_t address = address_in(server);
         cfg->server_ipv4_addr[cfg->num_of_server_addrs] = address;
-        LOG_INFO("cfg_value->server_ipv4_addr[%d]:%d", cfg->num_of_server_addrs, address);
+        ZR_LOG_INFO_AS(kLogName, "cfg_value->server_ipv4_addr[%d]:%d", cfg->num_of_server_addrs, address);
         ++cfg->num_of_server_addrs;
     }
     for (const pugi::xml_node subnet : gre_flag.children("GREServerSubnet")) {
-        if (cfg->num_of_subnet_masks == ZR_NEXA_GRE_MAX_SUBNETS) break;
+        if (cfg->num_of_subnet_masks == ZR_NEXA_GRE_SUBNETS_MAX) break;
         const uint32_t mask = address_in(subnet);
         cfg->subnet_mask[cfg->num_of_subnet_masks] = mask;
-        LOG_INFO("cfg_value->subnet[%d]:%d", cfg->num_of_subnet_masks, mask);
+        ZR_LOG_INFO_AS(kLogName, "cfg_value->subnet[%d]:%d", cfg->num_of_subnet_masks, mask);
         ++cfg->num_of_subnet_masks;
     }
     return 0;
 } catch (const std::exception&) {
     // Short of memory in the middle: nothing was saved, and half a file never is.
     return 0;
+}
+
+}  // namespace zr_nexa
+
+int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg)
+{
+    return zr_nexa::get_set_ipacm_cfg(kIpacmFiles, is_set, cfg);
+}
+
+void zr_nexa_ipacm_cfg_save(const pugi::xml_document& document)
+{
+    zr_nexa::save_ipacm_cfg(kIpacmFiles, document);
 }

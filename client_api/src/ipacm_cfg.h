@@ -1,5 +1,4 @@
-// The work on the IPA connection manager's file. It is a library of its own, loaded on first use: programs that never
-// ask for it do not pay for an XML parser.
+// The work on the IPA connection manager's file.
 #ifndef ZR_NEXA_IPACM_CFG_H
 #define ZR_NEXA_IPACM_CFG_H
 
@@ -9,11 +8,24 @@ namespace pugi {
 class xml_document;
 }
 
+namespace zr_nexa {
+
+struct IpacmFiles {
+    const char* config;
+    const char* temporary;  // copied over the other
+};
+
 // is_set 0 fills *cfg from the file, any other value writes it; its counts must be in range. Blocks while the file
 // cannot be parsed. Always returns 0.
-extern "C" ZR_NEXA_API int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg);
+int32_t get_set_ipacm_cfg(const IpacmFiles& files, uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg);
 
 // Replaces the file by the document. Nothing is reported.
-extern "C" ZR_NEXA_API void zr_nexa_ipacm_cfg_save(const pugi::xml_document& document);
+void save_ipacm_cfg(const IpacmFiles& files, const pugi::xml_document& document);
+
+}  // namespace zr_nexa
+
+// The same on the module's own files.
+int32_t ZR_GetSetIpacmConfigFromXML(uint32_t is_set, zr_nexa_wan_gre_ipacfg_t* cfg);
+void zr_nexa_ipacm_cfg_save(const pugi::xml_document& document);
 
 #endif

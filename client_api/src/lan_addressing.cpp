@@ -1,48 +1,53 @@
 // LAN addressing: gateway URL, addresses and DHCP server of a LAN bridge, default DHCP action, IPv4 and IPv6 switches.
-#include <arpa/inet.h>
-#include <string.h>
 #include <zr_nexa/lan_addressing.h>
 
-#include "ipv4_text.h"
+#include <arpa/inet.h>
+
+#include <cstring>
+
 #include "session.h"
+#include "texts.h"
+
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kLanAddressing;
+constexpr auto kLogSource = LogSource::kLanAddressing;
 
-// The gateway URL in a caller's buffer, which need not be terminated.
-struct BoundedUrl {
-    explicit BoundedUrl(const char* url)
-    {
-        const size_t length = strnlen(url, ZR_NEXA_LAN_GWURL_SIZE);
-        memcpy(text, url, length);
-        text[length] = '\0';
-    }
-    char text[ZR_NEXA_LAN_GWURL_SIZE + 1];
-};
-
-using zr_nexa::Ipv4Text;
+using UrlText = FieldText<ZR_NEXA_LAN_GWURL_SIZE>;
 
 void log_dhcp_cfg(const char* function, uint32_t lan_id, const zr_nexa_lan_dhcp_cfg_t& cfg)
 {
-    LOG_INFO_AS(function, "LAN_ID=%d GatewayIP=%s", lan_id, Ipv4Text(htonl(cfg.gateway_ip)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d Netmask=%s", lan_id, Ipv4Text(htonl(cfg.netmask)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPStartIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_start_ip)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPEndIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_end_ip)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPLeaseTime=%d", lan_id, cfg.lease_time);
-    LOG_INFO_AS(function, "LAN_ID=%d DHCPMTU=%d", lan_id, cfg.mtu);
-    LOG_INFO_AS(function, "LAN_ID=%d DNSMode=%d PriDNSAddr=%s", lan_id, cfg.dns_mode,
-                Ipv4Text(htonl(cfg.primary_dns)).c_str());
-    LOG_INFO_AS(function, "LAN_ID=%d SecDNSAddr=%s", lan_id, Ipv4Text(htonl(cfg.secondary_dns)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d GatewayIP=%s", lan_id, Ipv4Text(htonl(cfg.gateway_ip)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d Netmask=%s", lan_id, Ipv4Text(htonl(cfg.netmask)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DHCPStartIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_start_ip)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DHCPEndIP=%s", lan_id, Ipv4Text(htonl(cfg.dhcp_end_ip)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DHCPLeaseTime=%d", lan_id, cfg.lease_time);
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DHCPMTU=%d", lan_id, cfg.mtu);
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d DNSMode=%d PriDNSAddr=%s", lan_id, cfg.dns_mode,
+                   Ipv4Text(htonl(cfg.primary_dns)).c_str());
+    ZR_LOG_INFO_AS(function, "LAN_ID=%d SecDNSAddr=%s", lan_id, Ipv4Text(htonl(cfg.secondary_dns)).c_str());
+}
+
+// Both ways between the interface's record and the platform's. The DNS servers are taken only with the mode that has
+// them, and an unknown mode not at all.
+template <typename To, typename From>
+void copy_addressing(To* to, const From& from)
+{
+    to->gateway_ip = from.gateway_ip;
+    to->netmask = from.netmask;
+    to->dhcp_start_ip = from.dhcp_start_ip;
+    to->dhcp_end_ip = from.dhcp_end_ip;
+    to->lease_time = from.lease_time;
+    to->mtu = from.mtu;
+    if (from.dns_mode >= 1 && from.dns_mode <= ZR_NEXA_LAN_DNS_MODE_ADDRESSES) to->dns_mode = from.dns_mode;
+    if (from.dns_mode == ZR_NEXA_LAN_DNS_MODE_ADDRESSES) {
+        to->primary_dns = from.primary_dns;
+        to->secondary_dns = from.secondary_dns;
+    }
 }
 
 }  // namespace
-
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_bridge;
 
 uint32_t zr_nexa_lan_gwurl_set_v1(const char* url)
 {
@@ -51,11 +56,11 @@ uint32_t zr_nexa_lan_gwurl_set_v1(const char* url)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     // The service only reads the text, although it does not say so.
     auto* const text = reinterpret_cast<unsigned char*>(const_cast<char*>(url));
-    if (!client->SetGatewayUrl(text, static_cast<unsigned int>(strlen(url)), &err)) {
-        LOG_ERROR("Set gateway url error %d, gwurl:%s", err, url);
+    if (!client->SetGatewayUrl(text, static_cast<unsigned int>(std::strlen(url)), &err)) {
+        ZR_LOG_ERROR("Set gateway url error %d, gwurl:%s", err, url);
         return failed_step(1, err);
     }
-    LOG_INFO("Set gateway url:%s, error %d", url, err);
+    ZR_LOG_INFO("Set gateway url:%s, error %d", url, err);
     return result_of(err);
 }
 
@@ -65,60 +70,60 @@ uint32_t zr_nexa_lan_gwurl_get_v1(char* url, uint32_t* len)
     if (url == nullptr || len == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetGatewayUrl(reinterpret_cast<unsigned char*>(url), len, &err)) {
-        LOG_ERROR("Get gateway url error %d, gwurl:%s gwurl_len=%d", err, BoundedUrl(url).text, *len);
+        ZR_LOG_ERROR("Get gateway url error %d, gwurl:%s gwurl_len=%d", err, UrlText(url).c_str(), *len);
         return failed_step(1, err);
     }
-    LOG_INFO("Get gateway url:%s gwurl_len=%d, error %d", BoundedUrl(url).text, *len, err);
+    ZR_LOG_INFO("Get gateway url:%s gwurl_len=%d, error %d", UrlText(url).c_str(), *len, err);
     return result_of(err);
 }
 
 uint32_t zr_nexa_lan_dhcp_srvctl_set_v1(uint32_t lan_id, int32_t enable)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    LOG_INFO("lan_id: %d", lan_id);
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    ZR_LOG_INFO("lan_id: %d", lan_id);
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SelectLANBridge(static_cast<short>(lan_id), &err)) {
         // No such bridge yet: the switch is kept as the default for bridges to come.
         if (!client->ZR_SetDefaultEnableDHCP(static_cast<qcmap_msgr_config_state_enum_v01>(enable & 1), &err)) {
-            LOG_ERROR("Set ZR DHCP Default Action failure");
+            ZR_LOG_ERROR("Set ZR DHCP Default Action failure");
             return failed_step(1, err);
         }
-        LOG_INFO("Set ZR DHCP Default Action successfully ");
+        ZR_LOG_INFO("Set ZR DHCP Default Action successfully ");
         return result_of(err);
     }
     qcmap_msgr_lan_config_v01 lan = {};
     if (!client->GetLANConfig(&lan, &err)) {
-        LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, enable, err);
+        ZR_LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, enable, err);
         return failed_step(2, err);
     }
     lan.enable_dhcp = static_cast<uint8_t>(enable);
     if (!client->SetLANConfig(lan, &err)) {
-        LOG_ERROR("Set LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, enable, err);
+        ZR_LOG_ERROR("Set LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, enable, err);
         return failed_step(3, err);
     }
-    LOG_INFO("Set LAN ID %d DHCP Server(enable_dhcp=%x) config successfully", lan_id, static_cast<uint32_t>(enable));
+    ZR_LOG_INFO("Set LAN ID %d DHCP Server(enable_dhcp=%x) config successfully", lan_id, enable);
     return result_of(err);
 }
 
 uint32_t zr_nexa_lan_dhcp_srvctl_get_v1(uint32_t lan_id, uint32_t* enable)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SelectLANBridge(static_cast<short>(lan_id), &err)) {
         qcmap_msgr_config_state_enum_v01 state = QCMAP_MSGR_CONFIG_STATE_OFF_V01;
         if (!client->ZR_GetDefaultEnableDHCP(&state, &err)) {
-            LOG_ERROR("Get ZR DHCP Default Action failure");
+            ZR_LOG_ERROR("Get ZR DHCP Default Action failure");
             return failed_step(1, err);
         }
         *enable = state == QCMAP_MSGR_CONFIG_STATE_ON_V01 ? 1 : 0;
-        LOG_INFO("Get ZR DHCP Default Action successfully: %d", *enable);
+        ZR_LOG_INFO("Get ZR DHCP Default Action successfully: %d", *enable);
         return result_of(err);
     }
     qcmap_msgr_lan_config_v01 lan = {};
     if (!client->GetLANConfig(&lan, &err)) {
-        LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, lan.enable_dhcp, err);
+        ZR_LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, lan.enable_dhcp, err);
         return failed_step(2, err);
     }
     *enable = lan.enable_dhcp;
@@ -129,36 +134,26 @@ uint32_t zr_nexa_lan_dhcp_set_v1(uint32_t lan_id, const zr_nexa_lan_dhcp_cfg_t* 
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (cfg == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
 
     qcmap_msgr_lan_config_v01 lan = {};
-    lan.gateway_ip = cfg->gateway_ip;
-    lan.netmask = cfg->netmask;
-    lan.dhcp_start_ip = cfg->dhcp_start_ip;
-    lan.dhcp_end_ip = cfg->dhcp_end_ip;
-    lan.lease_time = cfg->lease_time;
-    lan.mtu = cfg->mtu;
-    if (cfg->dns_mode >= 1 && cfg->dns_mode <= ZR_NEXA_LAN_DNS_MODE_ADDRESSES) lan.dns_mode = cfg->dns_mode;
-    if (cfg->dns_mode == ZR_NEXA_LAN_DNS_MODE_ADDRESSES) {
-        lan.primary_dns = cfg->primary_dns;
-        lan.secondary_dns = cfg->secondary_dns;
-    }
+    copy_addressing(&lan, *cfg);
     log_dhcp_cfg(__func__, lan_id, *cfg);
 
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_lan_config_v01 current = {};
     if (!client->GetLANConfig(&current, &err)) {
-        LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, current.enable_dhcp, err);
+        ZR_LOG_ERROR("Get LAN ID %d DHCP Server(enable_dhcp=%d) config error %d", lan_id, current.enable_dhcp, err);
         return failed_step(2, err);
     }
     lan.enable_dhcp = current.enable_dhcp;
     if (!client->SetLANConfig(lan, &err)) {
-        LOG_ERROR("Set LAN (LAN_ID=%d) config error %d", lan_id, err);
+        ZR_LOG_ERROR("Set LAN (LAN_ID=%d) config error %d", lan_id, err);
         return failed_step(3, err);
     }
     if (!client->ActivateLAN(&err)) {
-        LOG_ERROR("Activate LAN (LAN_ID=%d) error %d", lan_id, err);
+        ZR_LOG_ERROR("Activate LAN (LAN_ID=%d) error %d", lan_id, err);
         return failed_step(4, err);
     }
     return result_of(err);
@@ -168,25 +163,15 @@ uint32_t zr_nexa_lan_dhcp_get_v1(uint32_t lan_id, zr_nexa_lan_dhcp_cfg_t* cfg)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (cfg == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_lan_config_v01 lan = {};
     if (!client->GetLANConfig(&lan, &err)) {
-        LOG_ERROR("Get LAN (LAN_ID=%d) config error %d", lan_id, err);
+        ZR_LOG_ERROR("Get LAN (LAN_ID=%d) config error %d", lan_id, err);
         return failed_step(2, err);
     }
-    cfg->gateway_ip = lan.gateway_ip;
-    cfg->netmask = lan.netmask;
-    cfg->dhcp_start_ip = lan.dhcp_start_ip;
-    cfg->dhcp_end_ip = lan.dhcp_end_ip;
-    cfg->lease_time = lan.lease_time;
-    cfg->mtu = lan.mtu;
-    if (lan.dns_mode >= 1 && lan.dns_mode <= ZR_NEXA_LAN_DNS_MODE_ADDRESSES) cfg->dns_mode = lan.dns_mode;
-    if (lan.dns_mode == ZR_NEXA_LAN_DNS_MODE_ADDRESSES) {
-        cfg->primary_dns = lan.primary_dns;
-        cfg->secondary_dns = lan.secondary_dns;
-    }
+    copy_addressing(cfg, lan);
     log_dhcp_cfg(__func__, lan_id, *cfg);
     return result_of(err);
 }
@@ -197,11 +182,11 @@ uint32_t zr_nexa_lan_dhcp_default_action_get_v1(uint8_t* enable)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     qcmap_msgr_config_state_enum_v01 state = QCMAP_MSGR_CONFIG_STATE_OFF_V01;
     if (!client->ZR_GetDefaultEnableDHCP(&state, &err)) {
-        LOG_ERROR("Get DHCP Default Action failure");
+        ZR_LOG_ERROR("Get DHCP Default Action failure");
         return failed_step(1, err);
     }
     *enable = state == QCMAP_MSGR_CONFIG_STATE_ON_V01 ? 1 : 0;
-    LOG_INFO("Get DHCP Default Action successfully: %d", *enable);
+    ZR_LOG_INFO("Get DHCP Default Action successfully: %d", *enable);
     return result_of(err);
 }
 
@@ -210,10 +195,10 @@ uint32_t zr_nexa_lan_dhcp_default_action_set_v1(uint32_t state)
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->ZR_SetDefaultEnableDHCP(static_cast<qcmap_msgr_config_state_enum_v01>(state), &err)) {
-        LOG_ERROR("Set DHCP Default Action failure");
+        ZR_LOG_ERROR("Set DHCP Default Action failure");
         return failed_step(1, err);
     }
-    LOG_INFO("Set DHCP Default Action successfully ");
+    ZR_LOG_INFO("Set DHCP Default Action successfully ");
     return result_of(err);
 }
 
@@ -224,27 +209,27 @@ uint32_t zr_nexa_lan_ipv4v6_set_v1(uint32_t ipv4, uint32_t ipv6)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (ipv4 == 1) {
         if (!client->EnableIPV4(&err)) {
-            LOG_ERROR("Enable NEXA IPv4 cfg error %d", err);
+            ZR_LOG_ERROR("Enable NEXA IPv4 cfg error %d", err);
             return failed_step(1, err);
         }
     } else {
         if (!client->DisableIPV4(&err)) {
-            LOG_ERROR("Disable NEXA IPv4 cfg error %d", err);
+            ZR_LOG_ERROR("Disable NEXA IPv4 cfg error %d", err);
             return failed_step(2, err);
         }
     }
     if (ipv6 == 1) {
         if (!client->EnableIPV6(&err)) {
-            LOG_ERROR("Enable NEXA IPv6 cfg error %d", err);
+            ZR_LOG_ERROR("Enable NEXA IPv6 cfg error %d", err);
             return failed_step(3, err);
         }
     } else {
         if (!client->DisableIPV6(&err)) {
-            LOG_ERROR("Disable NEXA IPv6 cfg error %d", err);
+            ZR_LOG_ERROR("Disable NEXA IPv6 cfg error %d", err);
             return failed_step(4, err);
         }
     }
-    LOG_INFO("Set IPv4 cfg:%d, IPv6 cfg:%d, error %d", ipv4, ipv6, err);
+    ZR_LOG_INFO("Set IPv4 cfg:%d, IPv6 cfg:%d, error %d", ipv4, ipv6, err);
     return result_of(err);
 }
 
@@ -256,16 +241,16 @@ uint32_t zr_nexa_lan_ipv4v6_get_v1(uint8_t* ipv4, uint8_t* ipv6)
     unsigned char v4_state = 0;
     // The tags begin with the second: callers know them so.
     if (!client->GetIPv4State(&v4_state, &err)) {
-        LOG_ERROR("Get NEXA IPv4 cfg error %d", err);
+        ZR_LOG_ERROR("Get NEXA IPv4 cfg error %d", err);
         return failed_step(2, err);
     }
     *ipv4 = v4_state;
     unsigned char v6_state = 0;
     if (!client->GetIPv6State(&v6_state, &err)) {
-        LOG_ERROR("Get NEXA IPv6 cfg error %d", err);
+        ZR_LOG_ERROR("Get NEXA IPv6 cfg error %d", err);
         return failed_step(3, err);
     }
     *ipv6 = v6_state;
-    LOG_INFO("Get NEXA IPv4 cfg %d, IPv6 cfg %d, error %d", v4_state, v6_state, err);
+    ZR_LOG_INFO("Get NEXA IPv4 cfg %d, IPv6 cfg %d, error %d", v4_state, v6_state, err);
     return result_of(err);
 }

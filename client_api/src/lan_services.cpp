@@ -1,15 +1,17 @@
 // LAN services: DHCP reservations, packet statistics, connected devices, L2TP tunnels.
 #include <zr_nexa/lan_services.h>
 
+#include <cstddef>
 #include <cstring>
 
-#include "field_text.h"
-#include "ipv4_text.h"
 #include "session.h"
+#include "texts.h"
+
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kLanServices;
+constexpr auto kLogSource = LogSource::kLanServices;
 
 constexpr uint32_t kMtuMin = 576;
 constexpr uint32_t kMtuMax = 9000;
@@ -22,14 +24,6 @@ static_assert(sizeof(zr_nexa_lan_dhcp_reserv_record_t) == sizeof(qcmap_msgr_dhcp
                   offsetof(zr_nexa_lan_dhcp_reserv_record_t, enable) ==
                       offsetof(qcmap_msgr_dhcp_reservation_v01, enable),
               "the two reservations have one layout");
-
-struct MacText {
-    char text[18];
-    explicit MacText(const uint8_t (&mac)[6])
-    {
-        ds_mac_addr_ntop(mac, text);
-    }
-};
 
 template <typename To, typename From>
 void copy_reservation(To* to, const From& from)
@@ -47,7 +41,7 @@ void copy_device(zr_nexa_lan_connected_device_t* to, const qcmap_connected_devic
     std::memcpy(to->mac, from.mac, sizeof(to->mac));
     std::memcpy(to->host_name, from.host_name, sizeof(to->host_name));
     std::memset(to->reserved, 0, sizeof(to->reserved));
-    to->ipv6_count = zr_nexa::clamped(from.ipv6_count, ZR_NEXA_LAN_DEVICE_IPV6_MAX);
+    to->ipv6_count = clamped(from.ipv6_count, ZR_NEXA_LAN_DEVICE_IPV6_ADDRS_MAX);
     std::memcpy(to->ipv6_addr, from.ipv6_addr, sizeof(to->ipv6_addr));
     to->rx_bytes = from.rx_bytes;
     to->tx_bytes = from.tx_bytes;
@@ -67,7 +61,7 @@ void copy_tunnel(To* to, const From& from)
     std::memcpy(to->local_ipv6, from.local_ipv6, sizeof(to->local_ipv6));
     std::memcpy(to->peer_ipv6, from.peer_ipv6, sizeof(to->peer_ipv6));
     to->mtu = from.mtu;
-    to->session_count = zr_nexa::clamped(from.session_count, ZR_NEXA_LAN_L2TP_SESSIONS_MAX);
+    to->session_count = clamped(from.session_count, ZR_NEXA_LAN_L2TP_SESSIONS_MAX);
     for (uint32_t i = 0; i < to->session_count; ++i) {
         to->session[i].local_session_id = from.session[i].local_session_id;
         to->session[i].peer_session_id = from.session[i].peer_session_id;
@@ -128,30 +122,21 @@ uint32_t check_tunnel(const zr_nexa_lan_l2tp_cfg_t& config)
 
 }  // namespace
 
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::FieldText;
-using zr_nexa::guard;
-using zr_nexa::Ipv4Text;
-using zr_nexa::result_of;
-using zr_nexa::select_bridge;
-
 uint32_t zr_nexa_lan_dhcp_reserv_record_add_v1(const zr_nexa_lan_dhcp_reserv_record_t* record)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (record == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qcmap_msgr_dhcp_reservation_v01 reservation = {};
     copy_reservation(&reservation, *record);
-    LOG_INFO("Add a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
-             MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
-             FieldText(reservation.device_name).c_str(), reservation.enable);
+    ZR_LOG_INFO("Add a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
+                MacText(reservation.mac).c_str(), Ipv4Text(reservation.reserved_ip).c_str(),
+                FieldText(reservation.device_name).c_str(), reservation.enable);
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->AddDHCPReservRecord(&reservation, &err)) {
-        LOG_ERROR("Failed to Add DHCP Reservation record. Error 0x%x.", err);
+        ZR_LOG_ERROR("Failed to Add DHCP Reservation record. Error 0x%x.", err);
         return failed_step(1, err);
     }
-    LOG_INFO("DHCP Reservation Record added successfully");
+    ZR_LOG_INFO("DHCP Reservation Record added successfully");
     return result_of(err);
 }
 
@@ -163,15 +148,15 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_get_v1(zr_nexa_lan_dhcp_reserv_list_t* l
     unsigned int count = 0;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetDHCPReservRecords(reservations, &count, &err)) {
-        LOG_ERROR("Failed to Get DHCP Reservation record. Error 0x%x.", err);
+        ZR_LOG_ERROR("Failed to Get DHCP Reservation record. Error 0x%x.", err);
         return failed_step(1, err);
     }
     list->count = clamped(count, ZR_NEXA_LAN_DHCP_RESERVATIONS_MAX);
-    if (list->count == 0) LOG_INFO("No DHCP Reservation Records");
+    if (list->count == 0) ZR_LOG_INFO("No DHCP Reservation Records");
     for (uint32_t i = 0; i < list->count; ++i) {
         copy_reservation(&list->record[i], reservations[i]);
     }
-    LOG_INFO("DHCP Reservation Record get successfully");
+    ZR_LOG_INFO("DHCP Reservation Record get successfully");
     return result_of(err);
 }
 
@@ -179,31 +164,31 @@ uint32_t zr_nexa_lan_dhcp_reserv_record_edit_v1(uint32_t ip_address, const zr_ne
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (record == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());
+    ZR_LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());
     qcmap_msgr_dhcp_reservation_v01 reservation = {};
     copy_reservation(&reservation, *record);
-    LOG_INFO("Edit a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
-             MacText(reservation.mac).text, Ipv4Text(reservation.reserved_ip).c_str(),
-             FieldText(reservation.device_name).c_str(), reservation.enable);
+    ZR_LOG_INFO("Edit a DHCP Reservation Record, MAC:%s, Reserved IP:%s, Device name:%s, enable:%d",
+                MacText(reservation.mac).c_str(), Ipv4Text(reservation.reserved_ip).c_str(),
+                FieldText(reservation.device_name).c_str(), reservation.enable);
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->EditDHCPReservRecord(&ip_address, &reservation, &err)) {
-        LOG_ERROR("Failed to Edit DHCP Reservation record. Error 0x%x.", err);
+        ZR_LOG_ERROR("Failed to Edit DHCP Reservation record. Error 0x%x.", err);
         return failed_step(1, err);
     }
-    LOG_INFO("DHCP Reservation Record edited successfully");
+    ZR_LOG_INFO("DHCP Reservation Record edited successfully");
     return result_of(err);
 }
 
 uint32_t zr_nexa_lan_dhcp_reserv_record_del_v1(uint32_t ip_address)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());  // a delete says "edit" too
+    ZR_LOG_INFO("IP addr to edit:%s", Ipv4Text(ip_address).c_str());  // a delete says "edit" too
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->DeleteDHCPReservRecord(&ip_address, &err)) {
-        LOG_ERROR("Failed to Delete DHCP Reservation record. Error 0x%x.", err);
+        ZR_LOG_ERROR("Failed to Delete DHCP Reservation record. Error 0x%x.", err);
         return failed_step(1, err);
     }
-    LOG_INFO("DHCP Reservation Record deleted successfully");
+    ZR_LOG_INFO("DHCP Reservation Record deleted successfully");
     return result_of(err);
 }
 
@@ -214,16 +199,16 @@ uint32_t zr_nexa_lan_packetstats_set_v1(uint32_t enable)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (enable == 1) {
         if (!client->EnablePacketStats(&err)) {
-            LOG_ERROR("Packet Stats Enable failed");
+            ZR_LOG_ERROR("Packet Stats Enable failed");
             return failed_step(1, err);
         }
-        LOG_INFO("Packet Stats Enable successfully");
+        ZR_LOG_INFO("Packet Stats Enable successfully");
     } else {
         if (!client->DisablePacketStats(&err)) {
-            LOG_ERROR("Packet Stats Disable failed");
+            ZR_LOG_ERROR("Packet Stats Disable failed");
             return failed_step(2, err);
         }
-        LOG_INFO("Packet Stats Disable succeeded");
+        ZR_LOG_INFO("Packet Stats Disable succeeded");
     }
     return result_of(err);
 }
@@ -235,12 +220,12 @@ uint32_t zr_nexa_lan_packetstats_get_v1(uint8_t* state)
     qcmap_msgr_packet_stats_status_enum_v01 status = {};
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetPacketStatsStatus(&status, &err)) {
-        LOG_ERROR("Get Packet Stats failed");
+        ZR_LOG_ERROR("Get Packet Stats failed");
         return failed_step(1, err);
     }
     if (status == QCMAP_MSGR_PACKET_STATS_ENABLED_V01) *state = 1;
     if (status == QCMAP_MSGR_PACKET_STATS_DISABLED_V01) *state = 0;
-    LOG_INFO("Get Packet Stats succeeded");
+    ZR_LOG_INFO("Get Packet Stats succeeded");
     return result_of(err);
 }
 
@@ -249,10 +234,10 @@ uint32_t zr_nexa_lan_packetstats_reset_v1()
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->ResetPacketStats(&err)) {
-        LOG_ERROR("Packet Stats reset request failed");
+        ZR_LOG_ERROR("Packet Stats reset request failed");
         return failed_step(1, err);
     }
-    LOG_INFO("Packet Stats reset request succeeded");
+    ZR_LOG_INFO("Packet Stats reset request succeeded");
     return result_of(err);
 }
 
@@ -260,27 +245,27 @@ uint32_t zr_nexa_lan_connected_device_info_get_v1(zr_nexa_lan_connected_device_t
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (devices == nullptr || count == nullptr) {
-        LOG_ERROR("Error, incorrect input parameter.");
+        ZR_LOG_ERROR("Error, incorrect input parameter.");
         return ZR_NEXA_ERR_ARGUMENT;
     }
     qcmap_connected_devices list = {};
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetConnectedDevicesInfo(&list, count, &err)) {
-        LOG_ERROR("GetConnectedDevicesInfo failed(%d)", err);
+        ZR_LOG_ERROR("GetConnectedDevicesInfo failed(%d)", err);
         return failed_step(1, err);
     }
     *count = clamped(*count, ZR_NEXA_LAN_CONNECTED_DEVICES_MAX);
     for (uint32_t i = 0; i < *count; ++i) {
         const qcmap_connected_device& device = list.device[i];
         copy_device(&devices[i], device);
-        LOG_INFO("[No %d]device type(%d), IP Addr(%s), MAC(%s)", i, device.device_type,
-                 Ipv4Text(device.ipv4_addr).c_str(), MacText(device.mac).text);
+        ZR_LOG_INFO("[No %d]device type(%d), IP Addr(%s), MAC(%s)", i, device.device_type,
+                    Ipv4Text(device.ipv4_addr).c_str(), MacText(device.mac).c_str());
         // The record has room for 32 bits of each count.
-        LOG_INFO("[No %d]RX bytes: %lu TX bytes: %lu", i,
-                 static_cast<unsigned long>(static_cast<uint32_t>(device.rx_bytes)),
-                 static_cast<unsigned long>(static_cast<uint32_t>(device.tx_bytes)));
+        ZR_LOG_INFO("[No %d]RX bytes: %lu TX bytes: %lu", i,
+                    static_cast<unsigned long>(static_cast<uint32_t>(device.rx_bytes)),
+                    static_cast<unsigned long>(static_cast<uint32_t>(device.tx_bytes)));
     }
-    LOG_INFO("GetConnectedDevicesInfo successful");
+    ZR_LOG_INFO("GetConnectedDevicesInfo successful");
     return result_of(err);
 }
 
@@ -288,7 +273,7 @@ uint32_t zr_nexa_lan_unmanaged_l2tp_state_set_v1(uint32_t lan_id, const zr_nexa_
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (config == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     if (const uint32_t bad = check_unmanaged(*config); bad != ZR_NEXA_OK) return bad;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
@@ -298,10 +283,10 @@ uint32_t zr_nexa_lan_unmanaged_l2tp_state_set_v1(uint32_t lan_id, const zr_nexa_
     request.mss = config->mss;
     request.clamp_mss = static_cast<uint8_t>(config->clamp_mss);
     if (!client->SetUnmanagedL2TPStateEx(&request, &err)) {
-        LOG_ERROR("Set L2TP Unmanaged state fails, Error: 0x%x", err);
+        ZR_LOG_ERROR("Set L2TP Unmanaged state fails, Error: 0x%x", err);
         return failed_step(2, err);
     }
-    LOG_INFO("Set L2TP Unmanaged state succeeds.");
+    ZR_LOG_INFO("Set L2TP Unmanaged state succeeds.");
     return result_of(err);
 }
 
@@ -309,12 +294,12 @@ uint32_t zr_nexa_lan_l2tp_get_v1(uint32_t lan_id, zr_nexa_lan_l2tp_info_t* confi
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (config == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_l2tp_conf_t answer = {};
     if (!client->GetL2TPConfig(&answer, &err)) {
-        LOG_ERROR("Get L2TP Config Failed, Error: 0x%x", err);
+        ZR_LOG_ERROR("Get L2TP Config Failed, Error: 0x%x", err);
         return failed_step(2, err);
     }
     config->state = answer.state;
@@ -326,7 +311,7 @@ uint32_t zr_nexa_lan_l2tp_get_v1(uint32_t lan_id, zr_nexa_lan_l2tp_info_t* confi
     for (uint32_t i = 0; i < config->tunnel_count; ++i) {
         copy_tunnel(&config->tunnel[i], answer.tunnel[i]);
     }
-    LOG_INFO("Get L2TP Config succeeds.");
+    ZR_LOG_INFO("Get L2TP Config succeeds.");
     return result_of(err);
 }
 
@@ -334,33 +319,33 @@ uint32_t zr_nexa_lan_l2tp_set_v1(uint32_t lan_id, const zr_nexa_lan_l2tp_cfg_t* 
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (config == nullptr) return ZR_NEXA_ERR_ARGUMENT;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     if (const uint32_t bad = check_tunnel(*config); bad != ZR_NEXA_OK) return bad;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_l2tp_config_v01 request = {};
     copy_tunnel(&request, config->tunnel);
     if (!client->SetL2TPConfig(static_cast<qcmap_msgr_l2tp_mode_enum_v01>(config->mode), request, &err)) {
-        LOG_ERROR("Set L2TP Config error %d", err);
+        ZR_LOG_ERROR("Set L2TP Config error %d", err);
         return failed_step(2, err);
     }
-    LOG_INFO("Set L2TP Config succeeds.");
+    ZR_LOG_INFO("Set L2TP Config succeeds.");
     return result_of(err);
 }
 
 uint32_t zr_nexa_lan_l2tp_delete_v1(uint32_t lan_id, uint32_t tunnel_id)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
-    if (lan_id > ZR_NEXA_LAN_ID_MAX) return ZR_NEXA_ERR_RANGE;
+    if (!is_lan_id(lan_id)) return ZR_NEXA_ERR_RANGE;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_bridge(__func__, lan_id, &err)) return failed_step(1, err);
     qcmap_msgr_delete_l2tp_config_v01 request = {};
     request.tunnel_id = tunnel_id;
     if (!client->DeleteL2TPTunnelConfig(&request, &err)) {
-        if (err == QMI_ERR_NO_EFFECT_V01) LOG_ERROR("Tunnel config is not found to delete.");
-        LOG_ERROR("Delete L2TP Config fails, Error: 0x%x", err);
+        if (err == QMI_ERR_NO_EFFECT_V01) ZR_LOG_ERROR("Tunnel config is not found to delete.");
+        ZR_LOG_ERROR("Delete L2TP Config fails, Error: 0x%x", err);
         return failed_step(2, err);
     }
-    LOG_INFO("Delete L2TP Config succeeds.");
+    ZR_LOG_INFO("Delete L2TP Config succeeds.");
     return result_of(err);
 }

@@ -1,15 +1,17 @@
 // VLANs of the LAN.
 #include <zr_nexa/lan_vlan.h>
 
+#include <iterator>
+
 #include "session.h"
+
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kLanVlan;
+constexpr auto kLogSource = LogSource::kLanVlan;
 
-constexpr uint16_t kVlanIdMax = 4094;
-
-static_assert(ZR_NEXA_LAN_VLAN_MAX == QCMAP_MAX_VLAN_ENTRIES);
+static_assert(ZR_NEXA_LAN_VLANS_MAX == QCMAP_MAX_VLAN_ENTRIES);
 
 // phy_iface_type 1..4, in order.
 constexpr qcmap_msgr_interface_type_enum_v01 kInterfaceTypes[] = {
@@ -18,33 +20,21 @@ constexpr qcmap_msgr_interface_type_enum_v01 kInterfaceTypes[] = {
     QCMAP_MSGR_INTERFACE_TYPE_RNDIS_V01,
     QCMAP_MSGR_INTERFACE_TYPE_ETH_NIC2_V01,
 };
-constexpr uint8_t kInterfaceTypeCount = 4;
-
-bool is_vlan_id(uint16_t vlan_id)
-{
-    return vlan_id >= 1 && vlan_id <= kVlanIdMax;
-}
 
 bool is_phy_iface_type(uint8_t phy_iface_type)
 {
-    return phy_iface_type >= 1 && phy_iface_type <= kInterfaceTypeCount;
+    return phy_iface_type >= 1 && phy_iface_type <= std::size(kInterfaceTypes);
 }
 
 // The phy_iface_type of a platform interface type; one without a number leaves it as it is.
 void read_interface_type(qcmap_msgr_interface_type_enum_v01 type, uint8_t* phy_iface_type)
 {
-    for (uint8_t i = 0; i < kInterfaceTypeCount; ++i) {
+    for (size_t i = 0; i < std::size(kInterfaceTypes); ++i) {
         if (kInterfaceTypes[i] == type) *phy_iface_type = static_cast<uint8_t>(i + 1);
     }
 }
 
 }  // namespace
-
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
 
 uint32_t zr_nexa_lan_vlan_add_v1(uint16_t vlan_id, uint8_t phy_iface_type, uint32_t is_accelerated)
 {
@@ -52,7 +42,7 @@ uint32_t zr_nexa_lan_vlan_add_v1(uint16_t vlan_id, uint8_t phy_iface_type, uint3
     if (!is_vlan_id(vlan_id)) return ZR_NEXA_ERR_RANGE;
     if (is_accelerated > 1) return ZR_NEXA_ERR_ARGUMENT;
     if (!is_phy_iface_type(phy_iface_type)) {
-        LOG_ERROR("Invalid phy_iface_type:(%d)", phy_iface_type);
+        ZR_LOG_ERROR("Invalid phy_iface_type:(%d)", phy_iface_type);
         return ZR_NEXA_LAN_VLAN_ERR_IFACE_TYPE;
     }
     qcmap_msgr_vlan_config_ex_v01 vlan = {};
@@ -62,11 +52,12 @@ uint32_t zr_nexa_lan_vlan_add_v1(uint16_t vlan_id, uint8_t phy_iface_type, uint3
     bool accelerated = is_accelerated != 0;  // the platform may change it; nobody asks for its answer
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->CreateVLANConfig(vlan, &err, &accelerated)) {
-        LOG_ERROR("Create VLAN(%d) Config error %d", vlan_id, err);
+        ZR_LOG_ERROR("Create VLAN(%d) Config error %d", vlan_id, err);
         return failed_step(1, err);
     }
     if (err == QMI_ERR_ALREADY_THERE_V01) err = QMI_ERR_NONE_V01;
-    LOG_INFO("Create VLAN(%d) vlan_type=%d is_accelerated=%d error %d", vlan_id, phy_iface_type, is_accelerated, err);
+    ZR_LOG_INFO("Create VLAN(%d) vlan_type=%d is_accelerated=%d error %d", vlan_id, phy_iface_type, is_accelerated,
+                err);
     return err == QMI_ERR_NONE_V01 ? static_cast<uint32_t>(ZR_NEXA_OK) : failed_step(2, err);
 }
 
@@ -77,7 +68,7 @@ uint32_t zr_nexa_lan_vlan_get_v1(zr_nexa_lan_vlan_list_t* list)
     qcmap_msgr_vlan_conf_t vlans = {};  // cleared: a count may promise more entries than were filled in
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->GetVLANConfig(&vlans, &err)) {
-        LOG_ERROR("Get VLAN List Config error %d", err);
+        ZR_LOG_ERROR("Get VLAN List Config error %d", err);
         return failed_step(1, err);
     }
     if (err == QMI_ERR_EMPTY_LIST_V01) err = QMI_ERR_NONE_V01;
@@ -88,7 +79,7 @@ uint32_t zr_nexa_lan_vlan_get_v1(zr_nexa_lan_vlan_list_t* list)
         list->is_accelerated[i] = vlans.vlan[i].is_accelerated;
         read_interface_type(vlans.vlan[i].interface_type, &list->phy_iface_type[i]);
     }
-    LOG_INFO("Get VLAN List Config Len %d, error %d", count, err);
+    ZR_LOG_INFO("Get VLAN List Config Len %d, error %d", count, err);
     return err == QMI_ERR_NONE_V01 ? static_cast<uint32_t>(ZR_NEXA_OK) : failed_step(2, err);
 }
 
@@ -97,15 +88,15 @@ uint32_t zr_nexa_lan_vlan_del_v1(uint16_t vlan_id, uint8_t phy_iface_type)
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (!is_vlan_id(vlan_id)) return ZR_NEXA_ERR_RANGE;
     if (!is_phy_iface_type(phy_iface_type)) {
-        LOG_ERROR("Invalid phy_iface_type:(%d)", phy_iface_type);
+        ZR_LOG_ERROR("Invalid phy_iface_type:(%d)", phy_iface_type);
         return ZR_NEXA_LAN_VLAN_ERR_IFACE_TYPE;
     }
     const qcmap_msgr_interface_type_enum_v01 type = kInterfaceTypes[phy_iface_type - 1];
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->DeleteVLANConfig(static_cast<short>(vlan_id), type, &err)) {
-        LOG_ERROR("Delete VLAN(ID=%d type=%d) Config error %d", vlan_id, type, err);
+        ZR_LOG_ERROR("Delete VLAN(ID=%d type=%d) Config error %d", vlan_id, type, err);
         return failed_step(1, err);
     }
-    LOG_INFO("Delete VLAN(ID=%d type=%d) Config error %d", vlan_id, type, err);
+    ZR_LOG_INFO("Delete VLAN(ID=%d type=%d) Config error %d", vlan_id, type, err);
     return result_of(err);
 }

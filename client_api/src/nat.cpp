@@ -3,9 +3,11 @@
 
 #include "session.h"
 
+using namespace zr_nexa;
+
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kNat;
+constexpr auto kLogSource = LogSource::kNat;
 
 constexpr uint32_t kNatTypeMax = ZR_NEXA_NAT_TYPE_ADDRESS_RESTRICTED;
 constexpr uint32_t kBroadcastAddress = 0xFFFFFFFF;
@@ -53,29 +55,21 @@ uint32_t build_entry(uint32_t wwan_handle, uint32_t private_ip, uint16_t private
 
 }  // namespace
 
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::pointer_word;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
-
 uint32_t zr_nexa_nat_type_set_v1(uint32_t wwan_handle, uint32_t nat_type)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
     if (nat_type > kNatTypeMax) {
-        LOG_ERROR("Invalid NAT Type : %d, wwan_handle : %d", nat_type, wwan_handle);
+        ZR_LOG_ERROR("Invalid NAT Type : %d, wwan_handle : %d", nat_type, wwan_handle);
         return ZR_NEXA_ERR_ARGUMENT;
     }
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
     if (!client->SetNatType(static_cast<qcmap_msgr_nat_enum_v01>(nat_type), &err)) {
-        LOG_ERROR("Set Nat Type (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Set Nat Type (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
-    LOG_INFO("Set Nat Type success : wwan_handle=%d set_nat_type=%d", wwan_handle, nat_type);
+    ZR_LOG_INFO("Set Nat Type success : wwan_handle=%d set_nat_type=%d", wwan_handle, nat_type);
     return result_of(err);
 }
 
@@ -87,11 +81,11 @@ uint32_t zr_nexa_nat_type_get_v1(uint32_t wwan_handle, uint8_t* nat_type)
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
     qcmap_msgr_nat_enum_v01 type = QCMAP_MSGR_NAT_SYMMETRIC_V01;
     if (!client->GetNatType(&type, &err)) {
-        LOG_ERROR("Get Nat Type (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Get Nat Type (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
     if (static_cast<uint32_t>(type) <= kNatTypeMax) *nat_type = static_cast<uint8_t>(type);
-    LOG_INFO("Get Nat Type (wwan_handle=%d) %d, error %d", wwan_handle, type, err);
+    ZR_LOG_INFO("Get Nat Type (wwan_handle=%d) %d, error %d", wwan_handle, type, err);
     return result_of(err);
 }
 
@@ -104,17 +98,17 @@ uint32_t zr_nexa_nat_ipv4dmz_set_v1(uint32_t wwan_handle, uint32_t enable, uint3
     if (enable == 1) {
         if (dmz_ip == 0) return ZR_NEXA_NAT_ERR_DMZ_ADDRESS;
         if (!client->AddDMZ(dmz_ip, &err)) {
-            LOG_ERROR("Add DMZ IP (wwan_handle=%d) error %d", wwan_handle, err);
+            ZR_LOG_ERROR("Add DMZ IP (wwan_handle=%d) error %d", wwan_handle, err);
             return failed_step(2, err);
         }
-        LOG_INFO("Add DMZ IP success : wwan_handle=%d dmz_ip=%d", wwan_handle, dmz_ip);
+        ZR_LOG_INFO("Add DMZ IP success : wwan_handle=%d dmz_ip=%d", wwan_handle, dmz_ip);
         return result_of(err);
     }
     if (!client->DeleteDMZ(&err)) {
-        LOG_ERROR("Delete DMZ IP (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Delete DMZ IP (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(3, err);
     }
-    LOG_INFO("Delete DMZ IP success : wwan_handle=%d dmz_ip=%d", wwan_handle, dmz_ip);
+    ZR_LOG_INFO("Delete DMZ IP success : wwan_handle=%d dmz_ip=%d", wwan_handle, dmz_ip);
     return result_of(err);
 }
 
@@ -126,14 +120,14 @@ uint32_t zr_nexa_nat_ipv4dmz_get_v1(uint32_t wwan_handle, uint8_t* enable, uint3
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
     uint32_t ip = 0;
     if (!client->GetDMZ(&ip, &err)) {
-        LOG_ERROR("Get DMZ IP (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Get DMZ IP (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
     *enable = ip != 0 ? 1 : 0;
     *dmz_ip = ip;
     // The record shows where the answer was written, not the answer: log readers know it as it is.
-    LOG_INFO("Get DMZ IP success : wwan_handle=%d dmz_enable=%d dmz_ip=%d", wwan_handle, pointer_word(enable),
-             pointer_word(dmz_ip));
+    ZR_LOG_INFO("Get DMZ IP success : wwan_handle=%d dmz_enable=%d dmz_ip=%d", wwan_handle, pointer_word(enable),
+                pointer_word(dmz_ip));
     return result_of(err);
 }
 
@@ -147,12 +141,12 @@ uint32_t zr_nexa_nat_ipv4portmapping_add_v1(uint32_t wwan_handle, uint32_t priva
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
     if (!client->AddStaticNatEntry(&entry, &err)) {
-        LOG_ERROR("Add Static Nat Entry (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Add Static Nat Entry (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
-    LOG_INFO("Add Static Nat Entry success : wwan_handle=%d private_ip=%d private_port=%d global_port=%d", wwan_handle,
-             entry.private_ip, entry.private_port, entry.global_port);
-    LOG_INFO("Add Static Nat Entry success : wwan_handle=%d protocol=%d", wwan_handle, entry.protocol);
+    ZR_LOG_INFO("Add Static Nat Entry success : wwan_handle=%d private_ip=%d private_port=%d global_port=%d",
+                wwan_handle, entry.private_ip, entry.private_port, entry.global_port);
+    ZR_LOG_INFO("Add Static Nat Entry success : wwan_handle=%d protocol=%d", wwan_handle, entry.protocol);
     return result_of(err);
 }
 
@@ -166,12 +160,12 @@ uint32_t zr_nexa_nat_ipv4portmapping_del_v1(uint32_t wwan_handle, uint32_t priva
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
     if (!client->DeleteStaticNatEntry(&entry, &err)) {
-        LOG_ERROR("Delete Static Nat Entry (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Delete Static Nat Entry (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
-    LOG_INFO("Delete Static Nat Entry success : wwan_handle=%d private_ip=%d private_port=%d global_port=%d",
-             wwan_handle, entry.private_ip, entry.private_port, entry.global_port);
-    LOG_INFO("Delete Static Nat Entry success : wwan_handle=%d protocol=%d", wwan_handle, entry.protocol);
+    ZR_LOG_INFO("Delete Static Nat Entry success : wwan_handle=%d private_ip=%d private_port=%d global_port=%d",
+                wwan_handle, entry.private_ip, entry.private_port, entry.global_port);
+    ZR_LOG_INFO("Delete Static Nat Entry success : wwan_handle=%d protocol=%d", wwan_handle, entry.protocol);
     return result_of(err);
 }
 
@@ -184,11 +178,11 @@ uint32_t zr_nexa_nat_ipv4portmapping_get_v1(uint32_t wwan_handle, zr_nexa_nat_ip
     qcmap_msgr_snat_entry_config_v01 entries[QCMAP_MAX_SNAT_ENTRIES] = {};
     int num_entries = 0;
     if (!client->GetStaticNatConfig(entries, &num_entries, &err)) {
-        LOG_ERROR("Get Static Nat Config List (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Get Static Nat Config List (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
-    static_assert(ZR_NEXA_NAT_IPV4PORTMAPPING_MAX == QCMAP_MAX_SNAT_ENTRIES, "one list holds the other");
-    list->count = clamped(num_entries, ZR_NEXA_NAT_IPV4PORTMAPPING_MAX);
+    static_assert(ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX == QCMAP_MAX_SNAT_ENTRIES, "one list holds the other");
+    list->count = clamped(num_entries, ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX);
     for (uint32_t i = 0; i < list->count; ++i) {
         list->private_ip[i] = entries[i].private_ip;
         list->private_port[i] = entries[i].private_port;
@@ -205,10 +199,10 @@ uint32_t zr_nexa_nat_routingbh_set_v1(uint32_t routingbh)
     if (routingbh > 1) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->ZR_SetRoutingBH(routingbh, &err)) {
-        LOG_ERROR("Set RoutingBH(routingbh=%d) error %d", routingbh, err);
+        ZR_LOG_ERROR("Set RoutingBH(routingbh=%d) error %d", routingbh, err);
         return failed_step(1, err);
     }
-    LOG_INFO("Set RoutingBH(routingbh=%d) error %d", routingbh, err);
+    ZR_LOG_INFO("Set RoutingBH(routingbh=%d) error %d", routingbh, err);
     return result_of(err);
 }
 
@@ -219,11 +213,11 @@ uint32_t zr_nexa_nat_routingbh_get_v1(uint32_t* routingbh)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     uint32_t value = 0;
     if (!client->ZR_GetRoutingBH(&value, &err)) {
-        LOG_ERROR("Get RoutingBH error %d", err);
+        ZR_LOG_ERROR("Get RoutingBH error %d", err);
         return failed_step(1, err);
     }
     if (value > 1) return ZR_NEXA_NAT_ERR_ROUTINGBH;
     *routingbh = value;
-    LOG_INFO("Get RoutingBH(routingbh=%d) error %d", value, err);
+    ZR_LOG_INFO("Get RoutingBH(routingbh=%d) error %d", value, err);
     return result_of(err);
 }

@@ -10,9 +10,10 @@
 #include <qmi_client.h>
 #include <qmi_error.h>
 
-// The interface's headers then leave the platform's own records to these: include this file first.
-#ifndef ZR_NEXA_HAVE_PLATFORM_RECORDS
-#define ZR_NEXA_HAVE_PLATFORM_RECORDS
+// <zr_nexa/wan_connection.h> then leaves this record to the platform's headers, where those do not say so themselves.
+#ifndef QCMAP_MSGR_WWAN_STATISTICS_TYPE_V01_DEFINED
+#define QCMAP_MSGR_WWAN_STATISTICS_TYPE_V01_DEFINED
 #endif
+static_assert(sizeof(qcmap_msgr_wwan_statistics_type_v01) == 32, "callers have room for 32 bytes");
 
 #endif

@@ -5,6 +5,8 @@
 #include <zr_nexa/base.h>
 #include <zr_nexa/indications.h>
 
+#include <algorithm>
+
 #include "log.h"
 #include "platform.h"
 
@@ -34,17 +36,21 @@ constexpr uint32_t result_of(qmi_error_type_v01 err)
 bool select_profile(const char* function, uint32_t wwan_handle, qmi_error_type_v01* err);
 bool select_bridge(const char* function, uint32_t lan_id, qmi_error_type_v01* err);
 
-// The platform's counts are not trusted: nothing is written past an array.
-template <typename Count>
-uint32_t clamped(Count count, uint32_t capacity)
+// 0 names the default LAN.
+constexpr bool is_lan_id(uint32_t lan_id)
 {
-    if (count < 0) return 0;
-    const auto unsigned_count = static_cast<uint32_t>(count);
-    return unsigned_count < capacity ? unsigned_count : capacity;
+    return lan_id <= ZR_NEXA_LAN_ID_MAX;
 }
-inline uint32_t clamped(uint32_t count, uint32_t capacity)
+
+constexpr bool is_vlan_id(uint32_t lan_id)
 {
-    return count < capacity ? count : capacity;
+    return lan_id != 0 && is_lan_id(lan_id);
+}
+
+// The platform's counts are not trusted: nothing is written past an array.
+constexpr uint32_t clamped(int64_t count, uint32_t capacity)
+{
+    return static_cast<uint32_t>(std::clamp<int64_t>(count, 0, capacity));
 }
 
 }  // namespace zr_nexa

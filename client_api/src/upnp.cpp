@@ -3,15 +3,9 @@
 
 #include "session.h"
 
-namespace {
-constexpr auto kLogSource = zr_nexa::LogSource::kUpnp;
-}
+using namespace zr_nexa;
 
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
+constexpr auto kLogSource = LogSource::kUpnp;
 
 uint32_t zr_nexa_media_upnp_set_v1(uint32_t enable)
 {
@@ -20,16 +14,16 @@ uint32_t zr_nexa_media_upnp_set_v1(uint32_t enable)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (enable == 1) {
         if (!client->EnableUPNP(&err)) {
-            LOG_ERROR("Enable UPnP State error %d", err);
+            ZR_LOG_ERROR("Enable UPnP State error %d", err);
             return failed_step(1, err);
         }
-        LOG_INFO("UPnP is enabled");
+        ZR_LOG_INFO("UPnP is enabled");
     } else {
         if (!client->DisableUPNP(&err)) {
-            LOG_ERROR("Disable UPnP State error %d", err);
+            ZR_LOG_ERROR("Disable UPnP State error %d", err);
             return failed_step(2, err);
         }
-        LOG_INFO("UPnP is disabled");
+        ZR_LOG_INFO("UPnP is disabled");
     }
     return result_of(err);
 }
@@ -39,17 +33,17 @@ uint32_t zr_nexa_media_upnp_get_v1(uint8_t* enable)
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
     if (enable == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
-    auto mode = static_cast<qcmap_msgr_upnp_mode_enum_v01>(0);
+    qcmap_msgr_upnp_mode_enum_v01 mode = {};
     if (!client->GetUPNPStatus(&mode, &err)) {
-        LOG_ERROR("Get UPNP Status error %d", err);
+        ZR_LOG_ERROR("Get UPNP Status error %d", err);
         return failed_step(1, err);
     }
     if (mode == QCMAP_MSGR_UPNP_MODE_UP_V01) {
         *enable = 1;
-        LOG_INFO("Get UPNP Status is QCMAP_MSGR_UPNP_MODE_UP_V01");
+        ZR_LOG_INFO("Get UPNP Status is QCMAP_MSGR_UPNP_MODE_UP_V01");
     } else if (mode == QCMAP_MSGR_UPNP_MODE_DOWN_V01) {
         *enable = 0;
-        LOG_INFO("Get UPNP Status is QCMAP_MSGR_UPNP_MODE_DOWN_V01");
+        ZR_LOG_INFO("Get UPNP Status is QCMAP_MSGR_UPNP_MODE_DOWN_V01");
     }
     return result_of(err);
 }
@@ -63,10 +57,10 @@ uint32_t zr_nexa_media_upnp_notify_interval_set_v1(uint32_t interval)
     }
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SetUPNPNotifyInterval(interval, &err)) {
-        LOG_ERROR("Set UPnP Notify Interval error %d", err);
+        ZR_LOG_ERROR("Set UPnP Notify Interval error %d", err);
         return failed_step(1, err);
     }
-    LOG_INFO("Set UPnP Notify Interval is %d", seconds);
+    ZR_LOG_INFO("Set UPnP Notify Interval is %d", seconds);
     return result_of(err);
 }
 
@@ -77,11 +71,11 @@ uint32_t zr_nexa_media_upnp_notify_interval_get_v1(uint16_t* interval)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     unsigned int value = 0;
     if (!client->GetUPNPNotifyInterval(&value, &err)) {
-        LOG_ERROR("Get UPnP Notify Interval error %d", err);
+        ZR_LOG_ERROR("Get UPnP Notify Interval error %d", err);
         return failed_step(1, err);
     }
     *interval = static_cast<uint16_t>(value);
-    LOG_INFO("Get UPnP Notify Interval is %d", *interval);
+    ZR_LOG_INFO("Get UPnP Notify Interval is %d", *interval);
     return result_of(err);
 }
 
@@ -94,18 +88,18 @@ uint32_t zr_nexa_media_upnp_pinhole_state_set_v1(uint32_t wwan_handle, uint32_t 
     unsigned char enable_firewall = 0;
     unsigned char pkts_allowed = 0;
     if (!client->GetFirewall(&enable_firewall, &pkts_allowed, &err)) {
-        LOG_ERROR("Get Firewall State error %d", err);
+        ZR_LOG_ERROR("Get Firewall State error %d", err);
         return failed_step(2, err);
     }
     if (enable_firewall == 0) {
-        LOG_ERROR("Firewall is DISABLED. UPNP NOT ALLOWED");
+        ZR_LOG_ERROR("Firewall is DISABLED. UPNP NOT ALLOWED");
         return ZR_NEXA_UPNP_ERR_FIREWALL_OFF;
     }
     if (!client->SetUPNPState(enable_firewall, static_cast<unsigned char>(state), &err)) {
-        LOG_ERROR("Set UPNP state error %d", err);
+        ZR_LOG_ERROR("Set UPNP state error %d", err);
         return failed_step(3, err);
     }
-    LOG_INFO("Set UPNP Pinhole State %d success", state);
+    ZR_LOG_INFO("Set UPNP Pinhole State %d success", state);
     return result_of(err);
 }
 
@@ -117,10 +111,10 @@ uint32_t zr_nexa_media_upnp_pinhole_state_get_v1(uint32_t wwan_handle, uint8_t* 
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
     unsigned char pinhole = 0;
     if (!client->GetUPNPState(&pinhole, &err)) {
-        LOG_ERROR("Get UPNP Pinhole state error %d", err);
+        ZR_LOG_ERROR("Get UPNP Pinhole state error %d", err);
         return failed_step(2, err);
     }
     *state = pinhole;
-    LOG_INFO("Get UPNP Pinhole state is %d", pinhole);
+    ZR_LOG_INFO("Get UPNP Pinhole state is %d", pinhole);
     return result_of(err);
 }

@@ -3,31 +3,24 @@
 
 #include "session.h"
 
-namespace {
-constexpr auto kLogSource = zr_nexa::LogSource::kVpnPassthrough;
-}
-
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
-using zr_nexa::write_record;
+using namespace zr_nexa;
 
 namespace {
+
+constexpr auto kLogSource = LogSource::kVpnPassthrough;
 
 using SetMethod = bool (QCMAP_Client::*)(unsigned char enable, qmi_error_type_v01* err);
 using GetMethod = bool (QCMAP_Client::*)(unsigned char* enable, qmi_error_type_v01* err);
 
 struct SetRecords {
-    const msg_const_type& backhaul_down;  // no values
-    const msg_const_type& failed;         // error word
-    const msg_const_type& done;           // handle, flag, error word
+    Record<> backhaul_down;
+    Record<qmi_error_type_v01> failed;
+    Record<uint32_t, uint32_t, qmi_error_type_v01> done;  // handle, flag, error word
 };
 
 struct GetRecords {
-    const msg_const_type& failed;  // error word
-    const msg_const_type& done;    // handle, flag, error word
+    Record<qmi_error_type_v01> failed;
+    Record<uint32_t, uint32_t, qmi_error_type_v01> done;  // handle, flag, error word
 };
 
 template <SetMethod set>
@@ -38,11 +31,11 @@ uint32_t set_passthrough(const char* function, uint32_t wwan_handle, uint32_t en
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(function, wwan_handle, &err)) return failed_step(1, err);
     if (!(client->*set)(static_cast<unsigned char>(enable), &err)) {
-        if (err == QMI_ERR_BACKHAUL_DOWN_V01) write_record(records.backhaul_down, function);
-        write_record(records.failed, function, err);
+        if (err == QMI_ERR_BACKHAUL_DOWN_V01) records.backhaul_down.write(function);
+        records.failed.write(function, err);
         return failed_step(2, err);
     }
-    write_record(records.done, function, wwan_handle, enable, err);
+    records.done.write(function, wwan_handle, enable, err);
     return result_of(err);
 }
 
@@ -54,12 +47,12 @@ uint32_t get_passthrough(const char* function, uint32_t wwan_handle, uint8_t* en
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(function, wwan_handle, &err)) return failed_step(1, err);
     if (!(client->*get)(enable, &err)) {
-        write_record(records.failed, function, err);
+        records.failed.write(function, err);
         return failed_step(2, err);
     }
     // A null pointer is the service's to judge; when it does not mind, the record shows 0.
     const uint32_t status = enable != nullptr ? *enable : 0;
-    write_record(records.done, function, wwan_handle, status, err);
+    records.done.write(function, wwan_handle, status, err);
     return result_of(err);
 }
 
@@ -67,123 +60,114 @@ uint32_t get_passthrough(const char* function, uint32_t wwan_handle, uint8_t* en
 
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
-    static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. PPTP VPN passthrough enabled in xml file.");
-    static constexpr msg_const_type failed = LOG_RECORD(MSG_LEVEL_ERROR, "PPTP VPN passthrough set fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough<&QCMAP_Client::SetPPTPVpnPassthrough>(__func__, wwan_handle, enable,
-                                                                 {backhaul_down, failed, done});
+    static constexpr SetRecords records = {
+        ZR_LOG_ERROR_RECORD("Backhaul down. PPTP VPN passthrough enabled in xml file."),
+        ZR_LOG_ERROR_RECORD("PPTP VPN passthrough set fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Set IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return set_passthrough<&QCMAP_Client::SetPPTPVpnPassthrough>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Get PPTP VPN passthrough flag failed. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough<&QCMAP_Client::GetPPTPVpnPassthrough>(__func__, wwan_handle, enable, {failed, done});
+    static constexpr GetRecords records = {
+        ZR_LOG_ERROR_RECORD("Get PPTP VPN passthrough flag failed. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Get IPv4 PPTP Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return get_passthrough<&QCMAP_Client::GetPPTPVpnPassthrough>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
-    static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPv6 PPTP VPN passthrough enabled in xml file.");
-    static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 PPTP VPN passthrough set fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough<&QCMAP_Client::SetPPTPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable,
-                                                                      {backhaul_down, failed, done});
+    static constexpr SetRecords records = {
+        ZR_LOG_ERROR_RECORD("Backhaul down. IPv6 PPTP VPN passthrough enabled in xml file."),
+        ZR_LOG_ERROR_RECORD("IPv6 PPTP VPN passthrough set fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Set IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return set_passthrough<&QCMAP_Client::SetPPTPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_pptpvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 PPTP VPN passthrough get fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough<&QCMAP_Client::GetPPTPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, {failed, done});
+    static constexpr GetRecords records = {
+        ZR_LOG_ERROR_RECORD("Ipv6 PPTP VPN passthrough get fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Get IPv6 PPTP Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return get_passthrough<&QCMAP_Client::GetPPTPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
-    static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPSec VPN passthrough enabled in xml file.");
-    static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPSec VPN passthrough set fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough<&QCMAP_Client::SetIPSECVpnPassthrough>(__func__, wwan_handle, enable,
-                                                                  {backhaul_down, failed, done});
+    static constexpr SetRecords records = {
+        ZR_LOG_ERROR_RECORD("Backhaul down. IPSec VPN passthrough enabled in xml file."),
+        ZR_LOG_ERROR_RECORD("IPSec VPN passthrough set fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Set IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return set_passthrough<&QCMAP_Client::SetIPSECVpnPassthrough>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPSec VPN passthrough get fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough<&QCMAP_Client::GetIPSECVpnPassthrough>(__func__, wwan_handle, enable, {failed, done});
+    static constexpr GetRecords records = {
+        ZR_LOG_ERROR_RECORD("IPSec VPN passthrough get fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Get IPv4 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return get_passthrough<&QCMAP_Client::GetIPSECVpnPassthrough>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
-    static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPv6 IPSec VPN passthrough enabled in xml file.");
-    static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 IPSec VPN passthrough set fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough<&QCMAP_Client::SetIPSECVpnPassthrough_Ipv6>(__func__, wwan_handle, enable,
-                                                                       {backhaul_down, failed, done});
+    static constexpr SetRecords records = {
+        ZR_LOG_ERROR_RECORD("Backhaul down. IPv6 IPSec VPN passthrough enabled in xml file."),
+        ZR_LOG_ERROR_RECORD("IPv6 IPSec VPN passthrough set fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Set IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return set_passthrough<&QCMAP_Client::SetIPSECVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_ipsecvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 IPSec VPN passthrough get fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough<&QCMAP_Client::GetIPSECVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, {failed, done});
+    static constexpr GetRecords records = {
+        ZR_LOG_ERROR_RECORD("Ipv6 IPSec VPN passthrough get fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Get IPv6 IPSec VPN Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return get_passthrough<&QCMAP_Client::GetIPSECVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv4_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
-    static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. L2TP VPN passthrough enabled in xml file.");
-    static constexpr msg_const_type failed = LOG_RECORD(MSG_LEVEL_ERROR, "L2TP VPN passthrough set fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough<&QCMAP_Client::SetL2TPVpnPassthrough>(__func__, wwan_handle, enable,
-                                                                 {backhaul_down, failed, done});
+    static constexpr SetRecords records = {
+        ZR_LOG_ERROR_RECORD("Backhaul down. L2TP VPN passthrough enabled in xml file."),
+        ZR_LOG_ERROR_RECORD("L2TP VPN passthrough set fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Set IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return set_passthrough<&QCMAP_Client::SetL2TPVpnPassthrough>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv4_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr msg_const_type failed = LOG_RECORD(MSG_LEVEL_ERROR, "L2TP VPN passthrough get fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough<&QCMAP_Client::GetL2TPVpnPassthrough>(__func__, wwan_handle, enable, {failed, done});
+    static constexpr GetRecords records = {
+        ZR_LOG_ERROR_RECORD("L2TP VPN passthrough get fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Get IPv4 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return get_passthrough<&QCMAP_Client::GetL2TPVpnPassthrough>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv6_set_v1(uint32_t wwan_handle, uint32_t enable)
 {
-    static constexpr msg_const_type backhaul_down =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Backhaul down. IPv6 L2TP VPN passthrough enabled in xml file.");
-    static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "IPv6 L2TP VPN passthrough set fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Set IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return set_passthrough<&QCMAP_Client::SetL2TPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable,
-                                                                      {backhaul_down, failed, done});
+    static constexpr SetRecords records = {
+        ZR_LOG_ERROR_RECORD("Backhaul down. IPv6 L2TP VPN passthrough enabled in xml file."),
+        ZR_LOG_ERROR_RECORD("IPv6 L2TP VPN passthrough set fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Set IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return set_passthrough<&QCMAP_Client::SetL2TPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, records);
 }
 
 uint32_t zr_nexa_nat_l2tpvpnpassthrough_ipv6_get_v1(uint32_t wwan_handle, uint8_t* enable)
 {
-    static constexpr msg_const_type failed =
-        LOG_RECORD(MSG_LEVEL_ERROR, "Ipv6 L2TP VPN passthrough get fails. Error: 0x%x");
-    static constexpr msg_const_type done =
-        LOG_RECORD(MSG_LEVEL_HIGH, "Get IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d");
-    return get_passthrough<&QCMAP_Client::GetL2TPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, {failed, done});
+    static constexpr GetRecords records = {
+        ZR_LOG_ERROR_RECORD("Ipv6 L2TP VPN passthrough get fails. Error: 0x%x"),
+        ZR_LOG_INFO_RECORD("Get IPv6 L2TP VPN Passthrough (wwan_handle=%d) Status %d, error %d"),
+    };
+    return get_passthrough<&QCMAP_Client::GetL2TPVpnPassthrough_Ipv6>(__func__, wwan_handle, enable, records);
 }

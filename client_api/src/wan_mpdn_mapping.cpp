@@ -1,20 +1,17 @@
 // Multi-PDN mapping.
-#include "session.h"
-
 #include <zr_nexa/wan_mpdn_mapping.h>
 
 #include <cstring>
 
+#include "session.h"
+
+using namespace zr_nexa;
+
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kWanMpdnMapping;
+constexpr auto kLogSource = LogSource::kWanMpdnMapping;
 
-static_assert(ZR_NEXA_WAN_MPDNMAPPING_MAX == QCMAP_MAX_WWAN_PROFILES * QCMAP_MAX_VLANS_PER_PDN);
-
-bool is_vlan_id(uint16_t vlan_id)
-{
-    return static_cast<uint16_t>(vlan_id - 1) < ZR_NEXA_LAN_ID_MAX;
-}
+static_assert(ZR_NEXA_WAN_MPDNMAPPINGS_MAX == QCMAP_MAX_WWAN_PROFILES * QCMAP_MAX_VLANS_PER_PDN);
 
 bool is_clear(const qcmap_pdn_to_vlan_mapping& mapping)
 {
@@ -39,14 +36,6 @@ qcmap_msgr_pdn_to_vlan_mapping_ex_v01* cleared_mappings()
 
 }  // namespace
 
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_bridge;
-using zr_nexa::select_profile;
-
 uint32_t zr_nexa_wan_mpdnmapping_add_v1(uint32_t profile_handle, uint16_t vlan_id)
 {
     if (!guard(__func__)) return ZR_NEXA_ERR_NO_SESSION;
@@ -56,10 +45,10 @@ uint32_t zr_nexa_wan_mpdnmapping_add_v1(uint32_t profile_handle, uint16_t vlan_i
     if (!select_profile(__func__, profile_handle, &err)) return failed_step(1, err);
     if (!select_bridge(__func__, vlan_id, &err)) return failed_step(2, err);
     if (!client->AddPDNToVLANMapping(static_cast<short>(vlan_id), profile_handle, &err)) {
-        LOG_ERROR("Add PDN %d To VLAN %d Mapping error %d", profile_handle, vlan_id, err);
+        ZR_LOG_ERROR("Add PDN %d To VLAN %d Mapping error %d", profile_handle, vlan_id, err);
         return failed_step(3, err);
     }
-    LOG_INFO("Add PDN %d To VLAN %d Mapping success", profile_handle, vlan_id);
+    ZR_LOG_INFO("Add PDN %d To VLAN %d Mapping success", profile_handle, vlan_id);
     return result_of(err);
 }
 
@@ -71,7 +60,7 @@ uint32_t zr_nexa_wan_mpdnmapping_get_v1(zr_nexa_wan_mpdnmapping_list_t* list)
     qcmap_msgr_pdn_to_vlan_mapping_ex_v01* const mappings = cleared_mappings();
     int mapping_count = 0;
     if (!client->GetPDNtoVLANMappingsEx(mappings, &mapping_count, &err)) {
-        LOG_ERROR("Get PDN to VLAN Mappings List error %d", err);
+        ZR_LOG_ERROR("Get PDN to VLAN Mappings List error %d", err);
         return failed_step(1, err);
     }
     uint32_t index = 0;
@@ -98,9 +87,9 @@ uint32_t zr_nexa_wan_mpdnmapping_del_v1(uint32_t profile_handle, uint16_t vlan_i
     if (!select_profile(__func__, profile_handle, &err)) return failed_step(1, err);
     if (!select_bridge(__func__, vlan_id, &err)) return failed_step(2, err);
     if (!client->DeletePDNToVLANMapping(static_cast<short>(vlan_id), profile_handle, &err)) {
-        LOG_ERROR("Delete PDN %d To %d VLAN Mapping error %d", profile_handle, vlan_id, err);
+        ZR_LOG_ERROR("Delete PDN %d To %d VLAN Mapping error %d", profile_handle, vlan_id, err);
         return failed_step(3, err);
     }
-    LOG_INFO("Delete PDN %d To %d VLAN Mapping success", profile_handle, vlan_id);
+    ZR_LOG_INFO("Delete PDN %d To %d VLAN Mapping success", profile_handle, vlan_id);
     return result_of(err);
 }

@@ -1,15 +1,16 @@
 // WWAN profiles.
-#include "session.h"
-
 #include <zr_nexa/wan_profile.h>
 
 #include <cstring>
 
-#include "field_text.h"
+#include "session.h"
+#include "texts.h"
+
+using namespace zr_nexa;
 
 namespace {
 
-constexpr auto kLogSource = zr_nexa::LogSource::kWanProfile;
+constexpr auto kLogSource = LogSource::kWanProfile;
 
 static_assert(ZR_NEXA_WAN_PROFILES_MAX == QCMAP_MAX_WWAN_PROFILES);
 static_assert(ZR_NEXA_WAN_APN_NAME_SIZE == QCMAP_APN_NAME_LEN);
@@ -49,15 +50,19 @@ uint32_t tech_word(const qcmap_net_policy_info& policy)
     return static_cast<uint32_t>(policy.tech_pref);
 }
 
-}  // namespace
+// A refusal is logged for function.
+bool get_policies(const char* function, qcmap_wwan_policy_list_info* policies, qmi_error_type_v01* err)
+{
+    std::memset(policies, 0, sizeof(*policies));
+    if (!client->GetWWANPolicyListEx(policies, err)) {
+        ZR_LOG_ERROR_AS(function, "Get WWAN Policy List error %d", *err);
+        return false;
+    }
+    policies->number_of_policies = clamped(policies->number_of_policies, QCMAP_MAX_WWAN_PROFILES);
+    return true;
+}
 
-using zr_nexa::clamped;
-using zr_nexa::client;
-using zr_nexa::failed_step;
-using zr_nexa::FieldText;
-using zr_nexa::guard;
-using zr_nexa::result_of;
-using zr_nexa::select_profile;
+}  // namespace
 
 uint32_t zr_nexa_wan_wwanconfig_add_v1(uint32_t* wwan_handle, int tech_pref, int apn_id)
 {
@@ -68,11 +73,11 @@ uint32_t zr_nexa_wan_wwanconfig_add_v1(uint32_t* wwan_handle, int tech_pref, int
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     unsigned int handle = 0;
     if (!client->CreateWWANPolicyEx(policy, &handle, &err)) {
-        LOG_ERROR("Create WWANPolicy error %d, tech_pref=%d apn_id=%d", err, tech_pref, apn_id);
+        ZR_LOG_ERROR("Create WWANPolicy error %d, tech_pref=%d apn_id=%d", err, tech_pref, apn_id);
         return failed_step(1, err);
     }
     *wwan_handle = handle;
-    LOG_INFO("Create WWANPolicy success:wwan_handle=%d tech_pref=%d apn_id=%d", handle, tech_pref, apn_id);
+    ZR_LOG_INFO("Create WWANPolicy success:wwan_handle=%d tech_pref=%d apn_id=%d", handle, tech_pref, apn_id);
     return result_of(err);
 }
 
@@ -88,13 +93,13 @@ uint32_t zr_nexa_wan_wwanconfig_add_v2(uint32_t* wwan_handle, zr_nexa_wan_wwanco
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     unsigned int handle = 0;
     if (!client->CreateWWANPolicyEx(policy, &handle, &err)) {
-        LOG_ERROR("Create WWANPolicy error %d, tech_pref=%d apn_id=%d apn_name=%s", err, tech_word(policy),
-                  policy.profile_index_3gpp, apn_name.c_str());
+        ZR_LOG_ERROR("Create WWANPolicy error %d, tech_pref=%d apn_id=%d apn_name=%s", err, tech_word(policy),
+                     policy.profile_index_3gpp, apn_name.c_str());
         return failed_step(1, err);
     }
     *wwan_handle = handle;
-    LOG_INFO("Create WWANPolicy success:wwan_handle=%d tech_pref=%d apn_id=%d apn_name=%s", handle, tech_word(policy),
-             policy.profile_index_3gpp, apn_name.c_str());
+    ZR_LOG_INFO("Create WWANPolicy success:wwan_handle=%d tech_pref=%d apn_id=%d apn_name=%s", handle,
+                tech_word(policy), policy.profile_index_3gpp, apn_name.c_str());
     return result_of(err);
 }
 
@@ -107,19 +112,19 @@ uint32_t zr_nexa_wan_wwanconfig_set_v1(uint32_t wwan_handle, int tech_pref, int 
     qcmap_net_policy_info policy;
     if (!build_policy(tech_pref, ZR_NEXA_IP_V4V6, apn_id, nullptr, &policy)) return ZR_NEXA_WAN_ERR_TECH_PREF;
     if (!client->UpdateWWANPolicyEx(QCMAP_MSGR_UPDATE_TECH_TYPE_V01, policy, &err)) {
-        LOG_ERROR(
+        ZR_LOG_ERROR(
             "Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_TECH_TYPE_V01= error %d, tech_pref=%d apn_id=%d",
             wwan_handle, err, tech_pref, apn_id);
         return failed_step(2, err);
     }
     if (!client->UpdateWWANPolicyEx(QCMAP_MSGR_UPDATE_ALL_PROFILE_INDEX_V01, policy, &err)) {
-        LOG_ERROR(
+        ZR_LOG_ERROR(
             "Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_ALL_PROFILE_INDEX_V01= error %d, tech_pref=%d "
             "apn_id=%d",
             wwan_handle, err, tech_pref, apn_id);
         return failed_step(3, err);
     }
-    LOG_INFO("Update WWAN Profile success:wwan_handle=%d tech_pref=%d apn_id=%d", wwan_handle, tech_pref, apn_id);
+    ZR_LOG_INFO("Update WWAN Profile success:wwan_handle=%d tech_pref=%d apn_id=%d", wwan_handle, tech_pref, apn_id);
     return result_of(err);
 }
 
@@ -135,34 +140,35 @@ uint32_t zr_nexa_wan_wwanconfig_set_v2(uint32_t wwan_handle, zr_nexa_wan_wwancon
     }
     const FieldText apn_name(policy.apn_name);
     if (!client->UpdateWWANPolicyEx(QCMAP_MSGR_UPDATE_TECH_TYPE_V01, policy, &err)) {
-        LOG_ERROR("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_TECH_TYPE_V01= error %d, tech_pref=%d",
-                  wwan_handle, err, tech_word(policy));
+        ZR_LOG_ERROR("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_TECH_TYPE_V01= error %d, tech_pref=%d",
+                     wwan_handle, err, tech_word(policy));
         return failed_step(2, err);
     }
     if (!client->UpdateWWANPolicyEx(QCMAP_MSGR_UPDATE_IP_FAMILY_TYPE_V01, policy, &err)) {
-        LOG_ERROR("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_IP_FAMILY_TYPE_V01= error %d, ip_family=%d",
-                  wwan_handle, err, policy.ip_family);
+        ZR_LOG_ERROR(
+            "Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_IP_FAMILY_TYPE_V01= error %d, ip_family=%d",
+            wwan_handle, err, policy.ip_family);
         return failed_step(3, err);
     }
     if (!client->UpdateWWANPolicyEx(QCMAP_MSGR_UPDATE_APN_NAME_V01, policy, &err)) {
-        LOG_ERROR("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_APN_NAME_V01= error %d, apn_name=%s",
-                  wwan_handle, err, apn_name.c_str());
+        ZR_LOG_ERROR("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_APN_NAME_V01= error %d, apn_name=%s",
+                     wwan_handle, err, apn_name.c_str());
         return failed_step(4, err);
     }
     if (!client->UpdateWWANPolicyEx(QCMAP_MSGR_UPDATE_ALL_PROFILE_INDEX_V01, policy, &err)) {
-        LOG_ERROR(
+        ZR_LOG_ERROR(
             "Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_ALL_PROFILE_INDEX_V01= error %d, tech_pref=%d "
             "apn_id=%d",
             wwan_handle, err, tech_word(policy), policy.profile_index_3gpp);
         return failed_step(5, err);
     }
     if (!client->UpdateWWANPolicyEx(QCMAP_MSGR_UPDATE_CALL_BRINGUP_MODE_V01, policy, &err)) {
-        LOG_ERROR("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_CALL_BRINGUP_MODE_V01= error %d",
-                  wwan_handle, err);
+        ZR_LOG_ERROR("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_UPDATE_CALL_BRINGUP_MODE_V01= error %d",
+                     wwan_handle, err);
         return failed_step(6, err);
     }
-    LOG_INFO("Update WWAN Profile success:wwan_handle=%d tech_pref=%d apn_id=%d apn_name=%s", wwan_handle,
-             tech_word(policy), policy.profile_index_3gpp, apn_name.c_str());
+    ZR_LOG_INFO("Update WWAN Profile success:wwan_handle=%d tech_pref=%d apn_id=%d apn_name=%s", wwan_handle,
+                tech_word(policy), policy.profile_index_3gpp, apn_name.c_str());
     return result_of(err);
 }
 
@@ -175,11 +181,11 @@ uint32_t zr_nexa_wan_wwanconfig_default_set_v1(uint32_t wwan_handle)
     qcmap_net_policy_info policy;
     std::memset(&policy, 0, sizeof(policy));
     if (!client->UpdateWWANPolicyEx(QCMAP_MSGR_SET_DEFAULT_PROFILE_V01, policy, &err)) {
-        LOG_ERROR("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_SET_DEFAULT_PROFILE_V01= error %d", wwan_handle,
-                  err);
+        ZR_LOG_ERROR("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_SET_DEFAULT_PROFILE_V01= error %d", wwan_handle,
+                     err);
         return failed_step(2, err);
     }
-    LOG_INFO("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_SET_DEFAULT_PROFILE_V01= error %d", wwan_handle, err);
+    ZR_LOG_INFO("Update WWAN Profile (wwan_handle=%d) =QCMAP_MSGR_SET_DEFAULT_PROFILE_V01= error %d", wwan_handle, err);
     return result_of(err);
 }
 
@@ -189,12 +195,8 @@ uint32_t zr_nexa_wan_wwanconfig_get_v1(zr_nexa_wan_wwanconfig_list_t* list)
     if (list == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     qcmap_wwan_policy_list_info policies;
-    std::memset(&policies, 0, sizeof(policies));
-    if (!client->GetWWANPolicyListEx(&policies, &err)) {
-        LOG_ERROR("Get WWAN Policy List error %d", err);
-        return failed_step(1, err);
-    }
-    list->wwanconfig_num = clamped(policies.number_of_policies, ZR_NEXA_WAN_PROFILES_MAX);
+    if (!get_policies(__func__, &policies, &err)) return failed_step(1, err);
+    list->wwanconfig_num = policies.number_of_policies;
     list->default_wwan_handle = policies.default_profile_handle;
     for (uint32_t i = 0; i < list->wwanconfig_num; ++i) {
         const qcmap_net_policy_info& policy = policies.policy[i];
@@ -211,12 +213,8 @@ uint32_t zr_nexa_wan_wwanconfig_get_v2(zr_nexa_wan_wwanconfig_list_v2_t* list)
     if (list == nullptr) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     qcmap_wwan_policy_list_info policies;
-    std::memset(&policies, 0, sizeof(policies));
-    if (!client->GetWWANPolicyListEx(&policies, &err)) {
-        LOG_ERROR("Get WWAN Policy List error %d", err);
-        return failed_step(1, err);
-    }
-    list->wwanconfig_num = clamped(policies.number_of_policies, ZR_NEXA_WAN_PROFILES_MAX);
+    if (!get_policies(__func__, &policies, &err)) return failed_step(1, err);
+    list->wwanconfig_num = policies.number_of_policies;
     list->default_wwan_handle = policies.default_profile_handle;
     for (uint32_t i = 0; i < list->wwanconfig_num; ++i) {
         const qcmap_net_policy_info& policy = policies.policy[i];
@@ -242,10 +240,10 @@ uint32_t zr_nexa_wan_wwanconfig_del_v1(uint32_t wwan_handle)
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!select_profile(__func__, wwan_handle, &err)) return failed_step(1, err);
     if (!client->DeleteWWANPolicy(&err)) {
-        LOG_ERROR("Delete WWAN Policy (wwan_handle=%d) error %d", wwan_handle, err);
+        ZR_LOG_ERROR("Delete WWAN Policy (wwan_handle=%d) error %d", wwan_handle, err);
         return failed_step(2, err);
     }
-    LOG_INFO("Delete WWAN Policy (wwan_handle=%d) error %d", wwan_handle, err);
+    ZR_LOG_INFO("Delete WWAN Policy (wwan_handle=%d) error %d", wwan_handle, err);
     return result_of(err);
 }
 
@@ -255,12 +253,12 @@ uint32_t zr_nexa_wan_apwwan_set_v1(uint32_t ap_wwan_handle, uint32_t apdns_wwan_
     if (ap_wwan_handle == 0 || apdns_wwan_handle == 0) return ZR_NEXA_ERR_ARGUMENT;
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->SetAPProfileHandle(ap_wwan_handle, apdns_wwan_handle, &err)) {
-        LOG_ERROR("Set AP WWAN Profile Handle Preference (ap_wwan_handle=%d apdns_wwan_handle=%d) error %d",
-                  ap_wwan_handle, apdns_wwan_handle, err);
+        ZR_LOG_ERROR("Set AP WWAN Profile Handle Preference (ap_wwan_handle=%d apdns_wwan_handle=%d) error %d",
+                     ap_wwan_handle, apdns_wwan_handle, err);
         return failed_step(1, err);
     }
-    LOG_INFO("Set AP WWAN Profile Handle Preference (ap_wwan_handle=%d apdns_wwan_handle=%d) error %d", ap_wwan_handle,
-             apdns_wwan_handle, err);
+    ZR_LOG_INFO("Set AP WWAN Profile Handle Preference (ap_wwan_handle=%d apdns_wwan_handle=%d) error %d",
+                ap_wwan_handle, apdns_wwan_handle, err);
     return result_of(err);
 }
 
@@ -272,13 +270,13 @@ uint32_t zr_nexa_wan_apwwan_get_v1(uint32_t* ap_wwan_handle, uint32_t* apdns_wwa
     unsigned int ap = 0;
     unsigned int apdns = 0;
     if (!client->GetAPProfileHandle(&ap, &apdns, &err)) {
-        LOG_ERROR("Get AP WWAN Profile Handle Preference error %d", err);
+        ZR_LOG_ERROR("Get AP WWAN Profile Handle Preference error %d", err);
         return failed_step(1, err);
     }
     *ap_wwan_handle = ap;
     *apdns_wwan_handle = apdns;
     // At the error level, success or not: log readers know it as it is.
-    LOG_ERROR("Get AP WWAN Profile Handle Preference (ap_wwan_handle=%d apdns_wwan_handle=%d) error %d", ap, apdns,
-              err);
+    ZR_LOG_ERROR("Get AP WWAN Profile Handle Preference (ap_wwan_handle=%d apdns_wwan_handle=%d) error %d", ap, apdns,
+                 err);
     return result_of(err);
 }

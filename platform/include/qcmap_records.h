@@ -273,6 +273,9 @@ struct qcmap_connected_wwan_info {
     uint32_t v6_mtu;
 };
 
+// Users of a client interface have this record without these headers too, then from there.
+#ifndef QCMAP_MSGR_WWAN_STATISTICS_TYPE_V01_DEFINED
+#define QCMAP_MSGR_WWAN_STATISTICS_TYPE_V01_DEFINED
 struct qcmap_msgr_wwan_statistics_type_v01 {
     uint64_t bytes_rx;
     uint64_t bytes_tx;
@@ -281,6 +284,7 @@ struct qcmap_msgr_wwan_statistics_type_v01 {
     uint32_t pkts_dropped_rx;
     uint32_t pkts_dropped_tx;
 };
+#endif
 static_assert(sizeof(qcmap_msgr_wwan_statistics_type_v01) == 32, "callers receive these 32 bytes whole");
 
 // ---- multi-PDN mapping ----

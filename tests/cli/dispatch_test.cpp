@@ -1,3 +1,4 @@
+#include <command_table.h>
 #include <dispatch.h>
 
 #include "cli_test.h"
@@ -5,9 +6,6 @@
 namespace {
 
 using DispatchTest = CliTest;
-
-constexpr const char* kInvalid = "Input Parameter Invalid\r\n";
-constexpr const char* kNotSupported = "Setting Not Support now\r\n";
 
 struct Row {
     int32_t supported;
@@ -84,53 +82,43 @@ TEST_F(DispatchTest, HiddenRowsKeepTheirDescriptions)
 
 TEST_F(DispatchTest, AnUnknownCategoryOrSettingIsOneLineWithoutVerdict)
 {
-    expect_run({"Foo", "Bar"}, kInvalid);
-    expect_run({"lan", "DHCP", "get", "0"}, kInvalid);
-    expect_run({"", ""}, kInvalid);
-    expect_run({"LAN", "dhcp", "get", "0"}, kInvalid);
-    expect_run({"LAN", ""}, kInvalid);
-    expect_run({"LAN", "SFE"}, kInvalid);
-    expect_run({"General", "SFE "}, kInvalid);
-    expect_run({"WLAN", "x"}, kInvalid);
-    expect_run({std::string(100000, 'x'), std::string(100000, 'y'), std::string(100000, 'z')}, kInvalid);
-    expect_run({"\xFF\xFE", "%s%n"}, kInvalid);
+    const std::string long_word(100000, 'x');
+    for (const std::string& line : std::vector<std::string>{
+             "Foo Bar", "lan DHCP get 0", "'' ''", "LAN dhcp get 0", "LAN ''", "LAN SFE", "General 'SFE '", "WLAN x",
+             "\xFF\xFE %s%n", long_word + " " + long_word + " " + long_word}) {
+        expect({{line, "Input Parameter Invalid\r\n"}});
+    }
 }
 
 TEST_F(DispatchTest, ASettingWithoutAHandlerSaysSo)
 {
-    expect_run({"LAN", "MACBind", "get"}, kNotSupported);
-    expect_run({"LAN", "L2TP"}, kNotSupported);
-    expect_run({"General", "GRE", "x"}, kNotSupported);
-    expect_run({"NAT", "IPV6NAT"}, kNotSupported);
-    expect_run({"NAT", "IPV6DNS", "get"}, kNotSupported);
-    expect_run({"WLAN", "", "x"}, kNotSupported);
-    expect_run({"Firewall", ""}, kNotSupported);
-    expect_run({"Tethering", "", "x"}, kNotSupported);
+    for (const char* line : {"LAN MACBind get", "LAN L2TP", "General GRE x", "NAT IPV6NAT", "NAT IPV6DNS get",
+                             "WLAN '' x", "Firewall ''", "Tethering '' x"}) {
+        expect({{line, "Setting Not Support now\r\n"}});
+    }
 }
 
 TEST_F(DispatchTest, TheVerdictIsTheHandlersResultInHexadecimal)
 {
-    expect_run({"General", "SFE", "enable"}, "CMD OK\r\n", {"SetDataPathOptStatus(1)"});
-
-    platform.on("SetDataPathOptStatus").fails(3);
-    expect_run({"General", "SFE", "enable"}, "CMD Error#0x1003\r\n", {"SetDataPathOptStatus(1)"});
-    platform.on("SetDataPathOptStatus").fails(0xABCDE);
-    expect_run({"General", "SFE", "enable"}, "CMD Error#0xabcde\r\n", {"SetDataPathOptStatus(1)"});
-    platform.on("SetDataPathOptStatus").fails(0xFFFFFFFF);
-    expect_run({"General", "SFE", "enable"}, "CMD Error#0xffffffff\r\n", {"SetDataPathOptStatus(1)"});
+    const std::string enable = "General SFE enable";
+    const std::vector<std::string> calls = {"SetDataPathOptStatus(1)"};
+    expect({{enable, "CMD OK\r\n", calls},
+            {enable, "CMD Error#0x1003\r\n", calls, "SetDataPathOptStatus", 3},
+            {enable, "CMD Error#0xabcde\r\n", calls, "SetDataPathOptStatus", 0xABCDE},
+            {enable, "CMD Error#0xffffffff\r\n", calls, "SetDataPathOptStatus", 0xFFFFFFFF}});
     platform.on("SetDataPathOptStatus").succeeds(13);
-    expect_run({"General", "SFE", "enable"}, "CMD Error#0xd\r\n", {"SetDataPathOptStatus(1)"});
+    expect({{enable, "CMD Error#0xd\r\n", calls}});
 }
 
 TEST_F(DispatchTest, ARejectedOptionIsTheHandlersLineAndTheVerdict)
 {
-    expect_run({"General", "SFE", "Enable"}, "Input Parameter Invalid\r\nCMD Error#0xffff\r\n");
+    expect({{"General SFE Enable", "Input Parameter Invalid\r\nCMD Error#0xffff\r\n"}});
 }
 
 TEST_F(DispatchTest, WithoutASessionTheInterfaceRefuses)
 {
-    Words line({"General", "SFE", "get"});
-    EXPECT_EQ(printed([&] { zr_nexa_dispatch(line.argc(), line.argv()); }), "CMD Error#0xd\r\n");
+    Words words("General SFE get");
+    EXPECT_EQ(printed([&] { cli::dispatch(words.argc(), words.argv()); }), "CMD Error#0xd\r\n");
     EXPECT_THAT(platform.journal, testing::IsEmpty());
 }
 

@@ -1,6 +1,7 @@
-#include <arpa/inet.h>
 #include <words.h>
 #include <zr_nexa/mac_text.h>
+
+#include <cstring>
 
 #include "cli_test.h"
 
@@ -27,44 +28,55 @@ TEST(Words, AreComparedWholeAndCaseSensitively)
     EXPECT_FALSE(same("get ", "get"));
 }
 
-TEST(Words, NumbersFollowAtoi)
+// Each cut keeps the low bits of what atoi reads.
+TEST(Words, NumbersFollowAtoiAndAreCutToTheirLowBits)
 {
-    EXPECT_EQ(number("0"), 0);
-    EXPECT_EQ(number("43200"), 43200);
-    EXPECT_EQ(number("-1"), -1);
-    EXPECT_EQ(number("+7"), 7);
-    EXPECT_EQ(number("  12"), 12);
-    EXPECT_EQ(number("12abc"), 12);
-    EXPECT_EQ(number("0x10"), 0);
-    EXPECT_EQ(number("010"), 10);
-    EXPECT_EQ(number("abc"), 0);
-    EXPECT_EQ(number(""), 0);
-    EXPECT_EQ(number("-"), 0);
-    EXPECT_EQ(number("2147483647"), 2147483647);
-    EXPECT_EQ(number("-2147483648"), -2147483647 - 1);
+    const struct {
+        const char* word;
+        int32_t s32;
+        uint32_t u32;
+        uint16_t u16;
+        uint8_t u8;
+        int8_t s8;
+    } rows[] = {
+        {"0", 0, 0, 0, 0, 0},
+        {"127", 127, 127, 127, 127, 127},
+        {"128", 128, 128, 128, 128, -128},
+        {"255", 255, 255, 255, 255, -1},
+        {"256", 256, 256, 256, 0, 0},
+        {"257", 257, 257, 257, 1, 1},
+        {"260", 260, 260, 260, 4, 4},
+        {"43200", 43200, 43200, 43200, 192, -64},
+        {"65535", 65535, 65535, 65535, 255, -1},
+        {"65536", 65536, 65536, 0, 0, 0},
+        {"70000", 70000, 70000, 4464, 112, 112},
+        {"2147483647", 2147483647, 2147483647, 65535, 255, -1},
+        {"-1", -1, 4294967295, 65535, 255, -1},
+        {"-2147483648", -2147483647 - 1, 2147483648, 0, 0, 0},
+        {"+7", 7, 7, 7, 7, 7},
+        {"  12", 12, 12, 12, 12, 12},
+        {"12abc", 12, 12, 12, 12, 12},
+        {"010", 10, 10, 10, 10, 10},
+        {"0x10", 0, 0, 0, 0, 0},
+        {"abc", 0, 0, 0, 0, 0},
+        {"-", 0, 0, 0, 0, 0},
+        {"", 0, 0, 0, 0, 0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(number_s32(row.word), row.s32) << row.word;
+        EXPECT_EQ(number_u32(row.word), row.u32) << row.word;
+        EXPECT_EQ(number_u16(row.word), row.u16) << row.word;
+        EXPECT_EQ(number_u8(row.word), row.u8) << row.word;
+        EXPECT_EQ(number_s8(row.word), row.s8) << row.word;
+    }
 }
 
-TEST(Words, NumbersAreCutToTheirLowBits)
+TEST(Words, ALanIdIsTheDefaultLanOrAVlan)
 {
-    EXPECT_EQ(number_u8("255"), 255);
-    EXPECT_EQ(number_u8("256"), 0);
-    EXPECT_EQ(number_u8("260"), 4);
-    EXPECT_EQ(number_u8("-1"), 255);
-    EXPECT_EQ(number_u8("x"), 0);
-
-    EXPECT_EQ(number_s8("-1"), -1);
-    EXPECT_EQ(number_s8("127"), 127);
-    EXPECT_EQ(number_s8("128"), -128);
-    EXPECT_EQ(number_s8("255"), -1);
-    EXPECT_EQ(number_s8("257"), 1);
-
-    EXPECT_EQ(number_u16("65535"), 65535);
-    EXPECT_EQ(number_u16("65536"), 0);
-    EXPECT_EQ(number_u16("70000"), 4464);
-    EXPECT_EQ(number_u16("-1"), 65535);
-
-    EXPECT_EQ(number_u32("2147483647"), 2147483647u);
-    EXPECT_EQ(number_u32("-1"), 4294967295u);
+    for (const uint16_t lan_id : std::vector<uint16_t>{0, 2, 3, 4093, 4094})
+        EXPECT_TRUE(is_lan_id(lan_id)) << lan_id;
+    for (const uint16_t lan_id : std::vector<uint16_t>{1, 4095, 4096, 65535})
+        EXPECT_FALSE(is_lan_id(lan_id)) << lan_id;
 }
 
 TEST(Words, AddressesAreReadInHostByteOrderInEveryFormOfInetAton)
@@ -93,11 +105,21 @@ TEST(Words, AddressesAreReadInHostByteOrderInEveryFormOfInetAton)
     }
 }
 
-TEST(Words, AddressesArePrintedDotted)
+TEST(Words, AddressesArePrintedFromBothByteOrders)
 {
     EXPECT_STREQ(ipv4_text(0xC0A8E101), "192.168.225.1");
     EXPECT_STREQ(ipv4_text(0), "0.0.0.0");
     EXPECT_STREQ(ipv4_text(0xFFFFFFFF), "255.255.255.255");
+
+    const uint8_t v4[] = {192, 168, 225, 1};
+    uint32_t bytes = 0;
+    std::memcpy(&bytes, v4, sizeof(bytes));
+    EXPECT_STREQ(ipv4_bytes_text(bytes), "192.168.225.1");
+    const uint8_t v6[16] = {0x20, 0x01, 0x0D, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x10};
+    EXPECT_STREQ(ipv6_bytes_text(v6), "2001:db8::10");
+    const uint8_t longest[16] = {0xFF, 0xFE, 0xFF, 0xFE, 0xFF, 0xFE, 0xFF, 0xFE,
+                                 0xFF, 0xFE, 0xFF, 0xFE, 0xFF, 0xFE, 0xFF, 0xFE};
+    EXPECT_STREQ(ipv6_bytes_text(longest), "fffe:fffe:fffe:fffe:fffe:fffe:fffe:fffe");
 }
 
 TEST(Words, ABlockHoldsTheWordAndThenZeros)
@@ -120,27 +142,6 @@ TEST(Words, ABlockHoldsTheWordAndThenZeros)
         EXPECT_EQ(std::string(block.field, 8), expected);
         EXPECT_EQ(std::string(block.behind, 4), "####");
     }
-}
-
-TEST(Words, UsageIsPrintedAsItStandsAndSucceeds)
-{
-    int code = -1;
-    EXPECT_EQ(printed([&] { code = usage("100%s %n\r\n"); }), "100%s %n\r\n");
-    EXPECT_EQ(code, 0);
-}
-
-TEST(Words, InvalidIsOneLineAnd65535)
-{
-    int code = -1;
-    EXPECT_EQ(printed([&] { code = invalid(); }), "Input Parameter Invalid\r\n");
-    EXPECT_EQ(code, 65535);
-}
-
-TEST(Words, AResultCodeKeepsItsBits)
-{
-    EXPECT_EQ(result(0), 0);
-    EXPECT_EQ(result(0x1003), 0x1003);
-    EXPECT_EQ(static_cast<uint32_t>(result(0xFFFFF001)), 0xFFFFF001);
 }
 
 TEST(MacText, IsSeventeenCharactersOfSixGroups)

@@ -1,6 +1,8 @@
-// Exported symbols, public headers, sweep rows and documentation name the same functions.
+// Exported symbols, version script, public headers, sweep rows and documentation name the same functions; public
+// headers and layouts the same records.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <zr_nexa/base.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -48,29 +50,62 @@ Names declared()
     return all_matches(content_below(ZR_NEXA_INCLUDE_DIR, ".h"), "ZR_NEXA_API u?int32_t (zr_nexa_\\w+)\\(");
 }
 
-Names exported(const std::string& library)
+std::string output_of(const std::string& command)
 {
-    Names names;
-    FILE* const pipe = popen(("nm -D --defined-only " + library).c_str(), "r");
-    char address[32];
-    char type[8];
-    char name[256];
-    while (pipe != nullptr && std::fscanf(pipe, "%31s %7s %255s", address, type, name) == 3) {
-        names.insert(name);
+    std::string output;
+    FILE* const pipe = popen(command.c_str(), "r");
+    for (int c; pipe != nullptr && (c = std::fgetc(pipe)) != EOF;) {
+        output += static_cast<char>(c);
     }
     EXPECT_EQ(pclose(pipe), 0);
-    return names;
+    return output;
+}
+
+// Type, name and version of every exported symbol.
+Names exported()
+{
+    return all_matches(output_of("nm -D --defined-only " ZR_NEXA_LIBRARY), "[0-9a-f]+ (. \\S+)");
 }
 
 TEST(CompletenessTest, TheLibraryExportsThePublicFunctionsOnly)
 {
     EXPECT_GT(declared().size(), 4u);
-    EXPECT_EQ(exported(ZR_NEXA_LIBRARY), declared());
+    Names expected = {"A ZR_NEXA_CLIENT_API_1.0"};  // the version itself
+    for (const auto& name : declared()) {
+        expected.insert("T " + name + "@@ZR_NEXA_CLIENT_API_1.0");
+    }
+    EXPECT_EQ(exported(), expected);
 }
 
-TEST(CompletenessTest, TheFileWorkExportsItsTwoFunctions)
+TEST(CompletenessTest, TheVersionScriptListsThePublicFunctionsInOrder)
 {
-    EXPECT_EQ(exported(ZR_NEXA_IPACM_CFG_LIBRARY), (Names{"ZR_GetSetIpacmConfigFromXML", "zr_nexa_ipacm_cfg_save"}));
+    std::string expected = "ZR_NEXA_CLIENT_API_1.0 {\n    global:\n";
+    for (const auto& name : declared()) {
+        expected += "        " + name + ";\n";
+    }
+    expected += "    local:\n        *;\n};\n";
+    EXPECT_EQ(content_of(ZR_NEXA_MAP), expected);
+}
+
+TEST(CompletenessTest, TheLibraryHoldsItsXmlParser)
+{
+    const std::string dynamic = output_of("readelf -d " ZR_NEXA_LIBRARY);
+    EXPECT_THAT(dynamic, testing::HasSubstr("libqcmap_client.so"));
+    EXPECT_THAT(dynamic, testing::Not(testing::HasSubstr("pugixml")));
+}
+
+TEST(CompletenessTest, EveryPublicRecordHasItsLayout)
+{
+    const Names records = all_matches(content_below(ZR_NEXA_INCLUDE_DIR, ".h"), "\\n\\} (\\w+);");
+    EXPECT_GT(records.size(), 4u);
+    EXPECT_EQ(all_matches(content_of(ZR_NEXA_LAYOUTS), "\\nSIZE\\((\\w+),"), records);
+}
+
+TEST(CompletenessTest, TheBuildHasTheHeadersVersion)
+{
+    EXPECT_EQ(std::to_string(ZR_NEXA_VERSION_MAJOR) + "." + std::to_string(ZR_NEXA_VERSION_MINOR) + "." +
+                  std::to_string(ZR_NEXA_VERSION_PATCH),
+              ZR_NEXA_VERSION);
 }
 
 TEST(CompletenessTest, EveryPublicFunctionStandsInTheSweep)

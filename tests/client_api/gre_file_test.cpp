@@ -1,4 +1,5 @@
-// The GRE functions as an application has them: the built libraries, the real file, the real shell.
+// GRE settings in real files, through the real shell: the file work in a temporary folder, then the functions of the
+// built library in the places of the module's files.
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -13,9 +14,8 @@
 namespace {
 
 using ipacm::content_of;
-using ipacm::kConfigFile;
-using ipacm::kTemporaryFile;
 using ipacm::write_file;
+using zr_nexa::get_set_ipacm_cfg;
 
 const std::string kOff =
     "<?xml version=\"1.0\"?>\n<system>\n\t<IPACM>\n\t\t<GREFlag>\n\t\t\t<GREEnabled>0</GREEnabled>\n\t\t</GREFlag>\n"
@@ -36,46 +36,49 @@ zr_nexa_wan_gre_ipacfg_t on_record()
     return cfg;
 }
 
-bool is_loaded(const char* library)
+// A stand-in for the module's fsync, which writes down what it was asked.
+void install_fsync(const std::string& folder)
 {
-    return content_of("/proc/self/maps").find(library) != std::string::npos;
+    const std::string bin = folder + "/bin";
+    std::filesystem::create_directory(bin);
+    write_file(bin + "/fsync", "#!/bin/sh\necho \"$@\" $(cat \"$2\" | wc -c) >>" + folder + "/fsync.log\n");
+    chmod((bin + "/fsync").c_str(), 0755);
+    setenv("PATH", (bin + ":/usr/bin:/bin").c_str(), 1);
 }
 
-class GreFileTest : public ipacm::Folders {
+// What it has written of one save.
+std::string flushed(const std::string& config, const std::string& temporary, size_t size)
+{
+    return "-d " + temporary + " " + std::to_string(size) + "\n-d " + config + " " + std::to_string(size) + "\n";
+}
+
+class IpacmFileTest : public testing::Test {
 protected:
-    void SetUp() override
+    ipacm::TemporaryFiles files;
+
+    IpacmFileTest()
     {
-        Folders::SetUp();
-        if (!mounted) return;
-        // A stand-in for the module's fsync, which writes down what it was asked.
-        std::filesystem::create_directory("/run/bin");
-        write_file("/run/bin/fsync", "#!/bin/sh\necho \"$@\" $(cat \"$2\" | wc -c) >>/run/fsync.log\n");
-        chmod("/run/bin/fsync", 0755);
-        setenv("PATH", "/run/bin:/usr/bin:/bin", 1);
-        write_file(kConfigFile, kOff);
+        install_fsync(files.folder);
+        write_file(files.config, kOff);
+    }
+    int32_t set(zr_nexa_wan_gre_ipacfg_t cfg)
+    {
+        return get_set_ipacm_cfg(files, 1, &cfg);
+    }
+    int32_t get(zr_nexa_wan_gre_ipacfg_t* cfg)
+    {
+        return get_set_ipacm_cfg(files, 0, cfg);
     }
 };
 
-TEST_F(GreFileTest, TheFileWorkIsLoadedOnFirstUse)
-{
-    EXPECT_FALSE(is_loaded("libzr_nexa_ipacm_cfg"));
-    EXPECT_FALSE(is_loaded("libpugixml"));
-    EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(nullptr), 4);
-    EXPECT_FALSE(is_loaded("libzr_nexa_ipacm_cfg"));
-    zr_nexa_wan_gre_ipacfg_t cfg;
-    EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&cfg), 0);
-    EXPECT_TRUE(is_loaded("libzr_nexa_ipacm_cfg"));
-    EXPECT_TRUE(is_loaded("libpugixml"));
-}
-
-TEST_F(GreFileTest, ThreadsMayComeFirstTogether)
+TEST_F(IpacmFileTest, ThreadsMayReadTogether)
 {
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([] {
+        threads.emplace_back([this] {
             zr_nexa_wan_gre_ipacfg_t cfg;
             std::memset(&cfg, 0xA5, sizeof(cfg));
-            EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&cfg), 0);
+            EXPECT_EQ(get(&cfg), 0);
             EXPECT_EQ(cfg.gre_enabled, 0);
         });
     }
@@ -84,79 +87,102 @@ TEST_F(GreFileTest, ThreadsMayComeFirstTogether)
     }
 }
 
+TEST_F(IpacmFileTest, WhatIsSetIsReadBack)
+{
+    const auto cfg = on_record();
+    EXPECT_EQ(set(cfg), 0);
+    EXPECT_EQ(content_of(files.config), kOn);
+    EXPECT_FALSE(std::filesystem::exists(files.temporary));
+    EXPECT_EQ(content_of(files.folder + "/fsync.log"), flushed(files.config, files.temporary, kOn.size()));
+
+    zr_nexa_wan_gre_ipacfg_t read;
+    std::memset(&read, 0xA5, sizeof(read));
+    EXPECT_EQ(get(&read), 0);
+    EXPECT_EQ(std::memcmp(&read, &cfg, sizeof(read)), 0);
+
+    const zr_nexa_wan_gre_ipacfg_t off = {};
+    EXPECT_EQ(set(off), 0);
+    EXPECT_EQ(content_of(files.config), kOff);
+    EXPECT_EQ(get(&read), 0);
+    EXPECT_EQ(std::memcmp(&read, &off, sizeof(read)), 0);
+}
+
+TEST_F(IpacmFileTest, TheFileIsCopiedOverAndKeepsItsIdentity)
+{
+    chmod(files.config.c_str(), 0640);
+    struct stat before {};
+    struct stat after {};
+    ASSERT_EQ(stat(files.config.c_str(), &before), 0);
+    EXPECT_EQ(set(on_record()), 0);
+    ASSERT_EQ(stat(files.config.c_str(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(after.st_mode, before.st_mode);
+}
+
+TEST_F(IpacmFileTest, WithoutTheCommandsFolderTheWriteStillHappens)
+{
+    std::filesystem::remove_all(files.folder + "/bin");
+    EXPECT_EQ(set(on_record()), 0);
+    EXPECT_EQ(content_of(files.config), kOn);
+}
+
+TEST_F(IpacmFileTest, NothingIsLostWhenTheTemporaryFolderIsMissing)
+{
+    std::filesystem::remove(files.temporary_folder);
+    EXPECT_EQ(set(on_record()), 0);
+    EXPECT_EQ(content_of(files.config), kOff);
+}
+
+// The library's functions. Their folders are mounts, which can be made read-only.
+class GreFileTest : public testing::Test {
+protected:
+    ipacm::PrivateMounts mounts;
+
+    void SetUp() override
+    {
+        if (!mounts.enter()) GTEST_SKIP() << "private mounts are not allowed here";
+        install_fsync("/run");
+        write_file(ipacm::kConfigFile, kOff);
+    }
+};
+
 TEST_F(GreFileTest, WhatIsSetIsReadBack)
 {
     const auto cfg = on_record();
     EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
-    EXPECT_EQ(content_of(kConfigFile), kOn);
-    EXPECT_FALSE(std::filesystem::exists(kTemporaryFile));
-    const std::string size = std::to_string(kOn.size());
+    EXPECT_EQ(content_of(ipacm::kConfigFile), kOn);
+    EXPECT_FALSE(std::filesystem::exists(ipacm::kTemporaryFile));
     EXPECT_EQ(content_of("/run/fsync.log"),
-              "-d /var/run/data/zr_IPACM_cfg.tmp " + size + "\n-d /etc/data/ipa/IPACM_cfg.xml " + size + "\n");
+              flushed("/etc/data/ipa/IPACM_cfg.xml", "/var/run/data/zr_IPACM_cfg.tmp", kOn.size()));
 
     zr_nexa_wan_gre_ipacfg_t read;
     std::memset(&read, 0xA5, sizeof(read));
     EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&read), 0);
     EXPECT_EQ(std::memcmp(&read, &cfg, sizeof(read)), 0);
-
-    const zr_nexa_wan_gre_ipacfg_t off = {};
-    EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&off), 0);
-    EXPECT_EQ(content_of(kConfigFile), kOff);
-    EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&read), 0);
-    EXPECT_EQ(std::memcmp(&read, &off, sizeof(read)), 0);
-}
-
-TEST_F(GreFileTest, TheFileIsCopiedOverAndKeepsItsIdentity)
-{
-    chmod(kConfigFile, 0640);
-    struct stat before {};
-    struct stat after {};
-    ASSERT_EQ(stat(kConfigFile, &before), 0);
-    const auto cfg = on_record();
-    EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
-    ASSERT_EQ(stat(kConfigFile, &after), 0);
-    EXPECT_EQ(after.st_ino, before.st_ino);
-    EXPECT_EQ(after.st_mode, before.st_mode);
-}
-
-TEST_F(GreFileTest, WithoutTheCommandsFolderTheWriteStillHappens)
-{
-    std::filesystem::remove_all("/run/bin");
-    const auto cfg = on_record();
-    EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
-    EXPECT_EQ(content_of(kConfigFile), kOn);
-}
-
-TEST_F(GreFileTest, NothingIsLostWhenTheTemporaryFolderIsMissing)
-{
-    std::filesystem::remove("/run/data");
-    const auto cfg = on_record();
-    EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
-    EXPECT_EQ(content_of(kConfigFile), kOff);
 }
 
 TEST_F(GreFileTest, NothingIsLostWhenTheTemporaryFolderIsReadOnly)
 {
-    make_read_only("/run");
+    mounts.make_read_only("/run");
     const auto cfg = on_record();
     EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
-    EXPECT_EQ(content_of(kConfigFile), kOff);
+    EXPECT_EQ(content_of(ipacm::kConfigFile), kOff);
 }
 
 TEST_F(GreFileTest, NothingIsLostWhenTheFileIsReadOnly)
 {
-    make_read_only("/etc");
+    mounts.make_read_only("/etc");
     const auto cfg = on_record();
     EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
-    EXPECT_EQ(content_of(kConfigFile), kOff);
-    EXPECT_FALSE(std::filesystem::exists(kTemporaryFile));
+    EXPECT_EQ(content_of(ipacm::kConfigFile), kOff);
+    EXPECT_FALSE(std::filesystem::exists(ipacm::kTemporaryFile));
 }
 
 TEST_F(GreFileTest, ReadingNeedsNoWritableFolder)
 {
-    write_file(kConfigFile, kOn);
-    make_read_only("/etc");
-    make_read_only("/run");
+    write_file(ipacm::kConfigFile, kOn);
+    mounts.make_read_only("/etc");
+    mounts.make_read_only("/run");
     zr_nexa_wan_gre_ipacfg_t cfg;
     EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&cfg), 0);
     EXPECT_EQ(cfg.gre_enabled, 1);

@@ -28,21 +28,25 @@ void note_event(uint32_t event_id, uint32_t length, const void* data, ...)
         va_end(values);
     }
     events.push_back(event);
+    scripted::platform().note_call("note_event(" + std::to_string(event_id) + " " + std::to_string(length) + ")");
 }
 
 constexpr uint32_t kMobileAp = 0x51;  // the double's
-const std::string kFunction = "zr_nexa_inds_cb";
 const std::string kWire = "\x01\x7f\xff";
 void* const kUser = reinterpret_cast<void*>(0x1230);
 
+std::string logged(const std::string& text)
+{
+    return "info  zr_nexa_inds_cb: " + text;
+}
 // The line that every indication is logged with, and the request to the decoder that follows it.
 std::string arrival(uint32_t msg_id)
 {
-    return "zr_nexa_inds_cb: user_handle 0x1230 msg_id " + std::to_string(msg_id) + " ind_buf_len 3.";
+    return logged("zr_nexa_inds_cb: user_handle 0x1230 msg_id " + std::to_string(msg_id) + " ind_buf_len 3.");
 }
 std::string decoding(uint32_t msg_id, uint32_t size)
 {
-    return "qmi_client_message_decode(user_handle=4656 type=2 msg_id=" + std::to_string(msg_id) +
+    return "call  qmi_client_message_decode(user_handle=4656 type=2 msg_id=" + std::to_string(msg_id) +
            " wire=017fff record_len=" + std::to_string(size) + ")";
 }
 
@@ -90,12 +94,15 @@ protected:
         std::string wire = kWire;
         zr_nexa_inds_cb(kUser, msg_id, wire.data(), static_cast<unsigned int>(wire.size()), nullptr);
     }
-    // One call indication: arrival, decoding, the records behind the arrival line, and the one event or none.
-    void expect_indication(uint32_t msg_id, uint32_t size, std::vector<ExpectedRecord> records,
+    // One indication: arrival, decoding, the lines behind them, and then the one event or none.
+    void expect_indication(uint32_t msg_id, uint32_t size, std::vector<std::string> lines,
                            const std::vector<Event>& expected)
     {
-        records.insert(records.begin(), info(arrival(msg_id)));
-        expect_row(kFunction, {decoding(msg_id, size)}, records);
+        for (const Event& event : expected) {
+            lines.push_back("call  note_event(" + std::to_string(event.id) + " " + std::to_string(event.data.size()) +
+                            ")");
+        }
+        EXPECT_TRANSCRIPT(arrival(msg_id), decoding(msg_id, size), lines);
         ASSERT_EQ(events.size(), expected.size());
         for (size_t i = 0; i < events.size(); ++i) {
             EXPECT_EQ(events[i].id, expected[i].id);
@@ -123,7 +130,21 @@ Record call_record(uint32_t status)
 
 std::string status_line(const std::string& text)
 {
-    return "zr_nexa_inds_cb: WWANProfile=7 (Subs_Id=2) " + text + " (CallendType=6 CallendCode=1030)";
+    return logged("zr_nexa_inds_cb: WWANProfile=7 (Subs_Id=2) " + text + " (CallendType=6 CallendCode=1030)");
+}
+
+// The lines of a call that is connected.
+std::vector<std::string> connected(const std::string& text, const std::vector<std::string>& values)
+{
+    static const char* const names[] = {
+        "Interface Name                 : ", "Public IPv4 Address            : ", "Primary DNS IPv4 Address       : ",
+        "Seccondary DNS IPv4 Address    : ", "Public IPv6 Address            : ", "Primary DNS IPv6 Address       : ",
+        "Seccondary DNS IPv6 Address    : "};
+    std::vector<std::string> lines = {status_line(text)};
+    for (size_t i = 0; i < values.size(); ++i) {
+        lines.push_back(logged(names[i] + values[i]));
+    }
+    return lines;
 }
 
 Bytes call_event(uint32_t status)
@@ -175,18 +196,13 @@ TEST_F(IndicationsTest, BringUpByStatus)
                                    .put(44, std::string("\x20\x01\x0d\xb8\0\0\0\0\0\0\0\0\0\0\0\x10", 16))
                                    .put(60, std::string("\x20\x01\x0d\xb8\0\x01\0\x02\0\x03\0\x04\0\x05\0\x06", 16))
                                    .put(76, std::string("\0\0\0\0\0\0\0\0\0\0\xff\xff\xc0\0\x02\x01", 16));
-            expect_indication(
-                34, 136,
-                {info(status_line(texts.at(status))), info("Interface Name                 : wwan0"),
-                 info("Public IPv4 Address            : 10.1.2.3"), info("Primary DNS IPv4 Address       : 8.8.4.4"),
-                 info("Seccondary DNS IPv4 Address    : 255.254.0.1"),
-                 info("Public IPv6 Address            : 2001:db8::10"),
-                 info("Primary DNS IPv6 Address       : 2001:db8:1:2:3:4:5:6"),
-                 info("Seccondary DNS IPv6 Address    : ::ffff:192.0.2.1")},
-                {{34, event, std::nullopt}});
+            expect_indication(34, 136,
+                              connected(texts.at(status), {"wwan0", "10.1.2.3", "8.8.4.4", "255.254.0.1",
+                                                           "2001:db8::10", "2001:db8:1:2:3:4:5:6", "::ffff:192.0.2.1"}),
+                              {{34, event, std::nullopt}});
         } else if (texts.count(status) == 1) {
             // No addresses with a call that failed, whatever the record holds.
-            expect_indication(34, 136, {info(status_line(texts.at(status)))}, {{34, call_event(status), std::nullopt}});
+            expect_indication(34, 136, {status_line(texts.at(status))}, {{34, call_event(status), std::nullopt}});
         } else {
             expect_indication(34, 136, {}, {});
         }
@@ -199,14 +215,10 @@ TEST_F(IndicationsTest, AddressesAtTheirLongestAndAtZero)
     std::memset(&record.v4_addr, 0xFF, 4);
     std::memset(record.v6_addr, 0xFE, 16);
     deliver(34, record);
-    expect_indication(
-        34, 136,
-        {info(status_line("IPV4 WWAN Connected")), info("Interface Name                 : "),
-         info("Public IPv4 Address            : 255.255.255.255"), info("Primary DNS IPv4 Address       : 0.0.0.0"),
-         info("Seccondary DNS IPv4 Address    : 0.0.0.0"),
-         info("Public IPv6 Address            : fefe:fefe:fefe:fefe:fefe:fefe:fefe:fefe"),
-         info("Primary DNS IPv6 Address       : ::"), info("Seccondary DNS IPv6 Address    : ::")},
-        {{34, call_event(3).put(32, std::string(4, '\xFF')).put(44, std::string(16, '\xFE')), {}}});
+    expect_indication(34, 136,
+                      connected("IPV4 WWAN Connected", {"", "255.255.255.255", "0.0.0.0", "0.0.0.0",
+                                                        "fefe:fefe:fefe:fefe:fefe:fefe:fefe:fefe", "::", "::"}),
+                      {{34, call_event(3).put(32, std::string(4, '\xFF')).put(44, std::string(16, '\xFE')), {}}});
 }
 
 TEST_F(IndicationsTest, AnInterfaceNameThatFillsItsFieldEndsThere)
@@ -215,10 +227,10 @@ TEST_F(IndicationsTest, AnInterfaceNameThatFillsItsFieldEndsThere)
     std::memcpy(record.iface_name, "abcdefghijklmnop", 16);
     std::memset(&record.v4_addr, 'Z', 4);  // stands right behind it
     deliver(34, record);
-    ASSERT_GE(platform.log.size(), 3u);
-    EXPECT_EQ(platform.log[2].text, "Interface Name                 : abcdefghijklmnop");
-    ASSERT_EQ(events.size(), 1u);
-    EXPECT_EQ(events[0].data, std::vector<unsigned char>(call_event(9).put(12, "abcdefghijklmnop").put(32, "ZZZZ")));
+    expect_indication(
+        34, 136,
+        connected("IPV6 WWAN Connected", {"abcdefghijklmnop", "90.90.90.90", "0.0.0.0", "0.0.0.0", "::", "::", "::"}),
+        {{34, call_event(9).put(12, "abcdefghijklmnop").put(32, "ZZZZ"), std::nullopt}});
 }
 
 TEST_F(IndicationsTest, TearDownByStatus)
@@ -232,7 +244,7 @@ TEST_F(IndicationsTest, TearDownByStatus)
         deliver(35, call_record<qcmap_msgr_tear_down_wwan_ind_msg_v01>(status));
         if (texts.count(status) == 1) {
             const auto fourth = status == 11 ? std::optional<uint32_t>(684) : std::nullopt;
-            expect_indication(35, 36, {info(status_line(texts.at(status)))}, {{35, call_event(status), fourth}});
+            expect_indication(35, 36, {status_line(texts.at(status))}, {{35, call_event(status), fourth}});
         } else {
             expect_indication(35, 36, {}, {});
         }
@@ -251,7 +263,7 @@ TEST_F(IndicationsTest, StatusByStatus)
         SCOPED_TRACE(status);
         deliver(36, call_record<qcmap_msgr_wwan_status_ind_msg_v01>(status));
         if (texts.count(status) == 1) {
-            expect_indication(36, 444, {info(status_line(texts.at(status)))}, {{37, call_event(status), std::nullopt}});
+            expect_indication(36, 444, {status_line(texts.at(status))}, {{37, call_event(status), std::nullopt}});
         } else {
             expect_indication(36, 444, {}, {});
         }
@@ -295,12 +307,12 @@ TEST_F(CallPartTest, ProfileAndSubscriptionAreTakenOnlyWithAFlagOfOne)
                 call.profile_handle = 50;
                 call.subs_id = 3;
                 deliver_call(kind, call);
-                const std::string line = std::string("zr_nexa_inds_cb: WWANProfile=") +
-                                         (profile_flag == 1 ? "50" : "65535") +
-                                         " (Subs_Id=" + (subs_flag == 1 ? "3" : "2147483647") + ") " + kind.text +
-                                         " (CallendType=0 CallendCode=0)";
+                const std::string line =
+                    logged(std::string("zr_nexa_inds_cb: WWANProfile=") + (profile_flag == 1 ? "50" : "65535") +
+                           " (Subs_Id=" + (subs_flag == 1 ? "3" : "2147483647") + ") " + kind.text +
+                           " (CallendType=0 CallendCode=0)");
                 const auto event = Bytes(92).word(0, kind.status).word(28, profile_flag == 1 ? 50 : 65535);
-                expect_indication(kind.msg_id, kind.size, {info(line)}, {{kind.event_id, event, std::nullopt}});
+                expect_indication(kind.msg_id, kind.size, {line}, {{kind.event_id, event, std::nullopt}});
             }
         }
     }
@@ -318,10 +330,10 @@ TEST_F(CallPartTest, CallEndValuesAreTakenAsTheyAre)
         call.profile_handle = 0xFFFFFFFE;
         call.subs_id_valid = 1;
         deliver_call(kind, call);
-        const std::string line = std::string("zr_nexa_inds_cb: WWANProfile=-2 (Subs_Id=0) ") + kind.text +
-                                 " (CallendType=-1 CallendCode=-2147483648)";
+        const std::string line = logged(std::string("zr_nexa_inds_cb: WWANProfile=-2 (Subs_Id=0) ") + kind.text +
+                                        " (CallendType=-1 CallendCode=-2147483648)");
         const auto event = Bytes(92).word(0, kind.status).word(4, 0xFFFFFFFF).word(8, 0x80000000).word(28, 0xFFFFFFFE);
-        expect_indication(kind.msg_id, kind.size, {info(line)}, {{kind.event_id, event, std::nullopt}});
+        expect_indication(kind.msg_id, kind.size, {line}, {{kind.event_id, event, std::nullopt}});
     }
 }
 
@@ -360,8 +372,9 @@ TEST_F(IndicationsTest, AFailedDecodingIsLoggedAndDropped)
             const uint32_t given[2] = {kMobileAp, 3};
             platform.on("qmi_client_message_decode").fails(static_cast<uint32_t>(err)).gives_array("record", given, 2);
             arrive(msg_id);
-            expect_indication(msg_id, size,
-                              {error("zr_nexa_inds_cb: qmi_client_message_decode error " + std::to_string(err))}, {});
+            expect_indication(
+                msg_id, size,
+                {"error zr_nexa_inds_cb: zr_nexa_inds_cb: qmi_client_message_decode error " + std::to_string(err)}, {});
         }
     }
 }
@@ -397,20 +410,20 @@ TEST_F(IndicationsTest, OtherMessagesAreLoggedAndIgnored)
 {
     for (const uint32_t msg_id : {0u, 1u, 33u, 37u, 168u, 170u, 34u + 256, 36u + 65536}) {
         arrive(msg_id);
-        expect_row(kFunction, {}, {info(arrival(msg_id))});
+        EXPECT_TRANSCRIPT(arrival(msg_id));
         EXPECT_THAT(events, IsEmpty());
     }
     arrive(0xFFFFFFFF);
-    expect_row(kFunction, {}, {info("zr_nexa_inds_cb: user_handle 0x1230 msg_id -1 ind_buf_len 3.")});
+    EXPECT_TRANSCRIPT("info  zr_nexa_inds_cb: zr_nexa_inds_cb: user_handle 0x1230 msg_id -1 ind_buf_len 3.");
 }
 
 TEST_F(IndicationsTest, AnEmptyBufferIsTheDecodersToRefuse)
 {
     platform.on("qmi_client_message_decode").fails(static_cast<uint32_t>(-17));
     zr_nexa_inds_cb(kUser, 36, nullptr, 0, nullptr);
-    expect_row(kFunction, {"qmi_client_message_decode(user_handle=4656 type=2 msg_id=36 wire= record_len=444)"},
-               {info("zr_nexa_inds_cb: user_handle 0x1230 msg_id 36 ind_buf_len 0."),
-                error("zr_nexa_inds_cb: qmi_client_message_decode error -17")});
+    EXPECT_TRANSCRIPT("info  zr_nexa_inds_cb: zr_nexa_inds_cb: user_handle 0x1230 msg_id 36 ind_buf_len 0.",
+                      "call  qmi_client_message_decode(user_handle=4656 type=2 msg_id=36 wire= record_len=444)",
+                      "error zr_nexa_inds_cb: zr_nexa_inds_cb: qmi_client_message_decode error -17");
     EXPECT_THAT(events, IsEmpty());
 }
 
@@ -420,7 +433,7 @@ TEST_F(IndicationsTest, WithoutASessionNothingIsDecoded)
     platform.forget();
     for (const uint32_t msg_id : {34u, 35u, 36u, 169u, 1u}) {
         arrive(msg_id);
-        expect_row(kFunction, {}, {error("qcmap client not Initialize!")});
+        EXPECT_TRANSCRIPT("error zr_nexa_inds_cb: qcmap client not Initialize!");
         EXPECT_THAT(events, IsEmpty());
     }
 }
@@ -431,7 +444,7 @@ TEST_F(IndicationsTest, ASessionWithoutACallbackLogsAllTheSame)
     ASSERT_EQ(zr_nexa_client_init(nullptr), 0u);
     platform.forget();
     deliver(36, call_record<qcmap_msgr_wwan_status_ind_msg_v01>(1));
-    expect_indication(36, 444, {info(status_line("IPv4 WWAN Connecting"))}, {});
+    expect_indication(36, 444, {status_line("IPv4 WWAN Connecting")}, {});
 }
 
 TEST_F(IndicationsTest, TheSessionsOwnHandleIsTheObjects)
@@ -442,7 +455,7 @@ TEST_F(IndicationsTest, TheSessionsOwnHandleIsTheObjects)
     auto record = call_record<qcmap_msgr_wwan_status_ind_msg_v01>(1);
     record.call.mobile_ap_handle = 0x12345678;
     deliver(36, record);
-    expect_indication(36, 444, {info(status_line("IPv4 WWAN Connecting"))}, {{37, call_event(1), std::nullopt}});
+    expect_indication(36, 444, {status_line("IPv4 WWAN Connecting")}, {{37, call_event(1), std::nullopt}});
 }
 
 TEST_F(IndicationsTest, RecordsReadAsDocumented)

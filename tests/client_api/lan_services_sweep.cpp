@@ -1,4 +1,3 @@
-#include "api_test.h"
 #include "fault_sweep.h"
 
 namespace {
@@ -30,62 +29,36 @@ std::vector<SweepRow> lan_services_sweep_rows()
     static zr_nexa_lan_connected_device_t devices[ZR_NEXA_LAN_CONNECTED_DEVICES_MAX];
     static uint32_t count;
     static zr_nexa_lan_l2tp_info_t l2tp;
+    const SweepStep select = {"SelectLANBridge", 1, "Select LAN Bridge (LAN_ID=7) error %d"};
     return {
-        {"zr_nexa_lan_dhcp_reserv_record_add_v1",
-         [] { return zr_nexa_lan_dhcp_reserv_record_add_v1(&reservation); },
-         {{"AddDHCPReservRecord", 1}}},
-        {"zr_nexa_lan_dhcp_reserv_record_get_v1",
-         [] {
-             list = poisoned<zr_nexa_lan_dhcp_reserv_list_t>();
-             return zr_nexa_lan_dhcp_reserv_record_get_v1(&list);
-         },
-         {{"GetDHCPReservRecords", 1}},
-         nullptr,
-         [] { return is_poisoned(list); }},
-        {"zr_nexa_lan_dhcp_reserv_record_edit_v1",
-         [] { return zr_nexa_lan_dhcp_reserv_record_edit_v1(1, &reservation); },
-         {{"EditDHCPReservRecord", 1}}},
-        {"zr_nexa_lan_dhcp_reserv_record_del_v1",
-         [] { return zr_nexa_lan_dhcp_reserv_record_del_v1(1); },
-         {{"DeleteDHCPReservRecord", 1}}},
-        {"zr_nexa_lan_packetstats_set_v1",
-         [] { return zr_nexa_lan_packetstats_set_v1(1); },
-         {{"EnablePacketStats", 1}}},
-        {"zr_nexa_lan_packetstats_get_v1",
-         [] {
-             state = poisoned<uint8_t>();
-             return zr_nexa_lan_packetstats_get_v1(&state);
-         },
-         {{"GetPacketStatsStatus", 1}},
-         nullptr,
-         [] { return is_poisoned(state); }},
-        {"zr_nexa_lan_packetstats_reset_v1",
-         [] { return zr_nexa_lan_packetstats_reset_v1(); },
-         {{"ResetPacketStats", 1}}},
-        {"zr_nexa_lan_connected_device_info_get_v1",
-         [] {
-             devices[0] = poisoned<zr_nexa_lan_connected_device_t>();
-             return zr_nexa_lan_connected_device_info_get_v1(devices, &count);
-         },
-         {{"GetConnectedDevicesInfo", 1}},
-         [](scripted::Platform& platform) { platform.on("GetConnectedDevicesInfo").gives("count", 1u); },
-         [] { return is_poisoned(devices[0]); }},
-        {"zr_nexa_lan_unmanaged_l2tp_state_set_v1",
-         [] { return zr_nexa_lan_unmanaged_l2tp_state_set_v1(7, &unmanaged); },
-         {{"SelectLANBridge", 1}, {"SetUnmanagedL2TPStateEx", 2}}},
-        {"zr_nexa_lan_l2tp_get_v1",
-         [] {
-             l2tp = poisoned<zr_nexa_lan_l2tp_info_t>();
-             return zr_nexa_lan_l2tp_get_v1(7, &l2tp);
-         },
-         {{"SelectLANBridge", 1}, {"GetL2TPConfig", 2}},
-         nullptr,
-         [] { return is_poisoned(l2tp); }},
-        {"zr_nexa_lan_l2tp_set_v1",
-         [] { return zr_nexa_lan_l2tp_set_v1(7, &tunnel); },
-         {{"SelectLANBridge", 1}, {"SetL2TPConfig", 2}}},
-        {"zr_nexa_lan_l2tp_delete_v1",
-         [] { return zr_nexa_lan_l2tp_delete_v1(7, 1); },
-         {{"SelectLANBridge", 1}, {"DeleteL2TPTunnelConfig", 2}}},
+        {SWEPT(zr_nexa_lan_dhcp_reserv_record_add_v1, (&reservation)),
+         {{"AddDHCPReservRecord", 1, "Failed to Add DHCP Reservation record. Error 0x%x."}}},
+        {SWEPT(zr_nexa_lan_dhcp_reserv_record_get_v1, (&list)),
+         {{"GetDHCPReservRecords", 1, "Failed to Get DHCP Reservation record. Error 0x%x."}},
+         {output(list)}},
+        {SWEPT(zr_nexa_lan_dhcp_reserv_record_edit_v1, (1, &reservation)),
+         {{"EditDHCPReservRecord", 1, "Failed to Edit DHCP Reservation record. Error 0x%x."}}},
+        {SWEPT(zr_nexa_lan_dhcp_reserv_record_del_v1, (1)),
+         {{"DeleteDHCPReservRecord", 1, "Failed to Delete DHCP Reservation record. Error 0x%x."}}},
+        {SWEPT(zr_nexa_lan_packetstats_set_v1, (1)), {{"EnablePacketStats", 1, "Packet Stats Enable failed"}}},
+        {SWEPT(zr_nexa_lan_packetstats_set_v1, (0)), {{"DisablePacketStats", 2, "Packet Stats Disable failed"}}},
+        {SWEPT(zr_nexa_lan_packetstats_get_v1, (&state)),
+         {{"GetPacketStatsStatus", 1, "Get Packet Stats failed"}},
+         {output(state)},
+         [](scripted::Platform& platform) { platform.on("GetPacketStatsStatus").gives("status", uint32_t{1}); }},
+        {SWEPT(zr_nexa_lan_packetstats_reset_v1, ()), {{"ResetPacketStats", 1, "Packet Stats reset request failed"}}},
+        // The service has the caller's own count.
+        {SWEPT(zr_nexa_lan_connected_device_info_get_v1, (devices, &count)),
+         {{"GetConnectedDevicesInfo", 1, "GetConnectedDevicesInfo failed(%d)"}},
+         {output(devices[0])},
+         [](scripted::Platform& platform) { platform.on("GetConnectedDevicesInfo").gives("count", 1u); }},
+        {SWEPT(zr_nexa_lan_unmanaged_l2tp_state_set_v1, (7, &unmanaged)),
+         {select, {"SetUnmanagedL2TPStateEx", 2, "Set L2TP Unmanaged state fails, Error: 0x%x"}}},
+        {SWEPT(zr_nexa_lan_l2tp_get_v1, (7, &l2tp)),
+         {select, {"GetL2TPConfig", 2, "Get L2TP Config Failed, Error: 0x%x"}},
+         {output(l2tp)}},
+        {SWEPT(zr_nexa_lan_l2tp_set_v1, (7, &tunnel)), {select, {"SetL2TPConfig", 2, "Set L2TP Config error %d"}}},
+        {SWEPT(zr_nexa_lan_l2tp_delete_v1, (7, 1)),
+         {select, {"DeleteL2TPTunnelConfig", 2, "Delete L2TP Config fails, Error: 0x%x"}}},
     };
 }

@@ -1,8 +1,11 @@
-// SIGINT and SIGTERM at random moments of random commands.
+// SIGINT and SIGTERM at random moments of random commands, and at the end of a run.
+#include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
+#include <fstream>
 #include <memory>
 #include <random>
 #include <set>
@@ -56,6 +59,78 @@ const std::set<std::string> kWholeConfigurations = {
     "(V)LAN DHCP Config:\r\n(v)lan_id:       0\r\nGateway IP:      10.0.0.1\r\nNetmask:         255.0.0.0\r\n"
     "DHCP Start IP:   10.0.0.2\r\nDHCP End IP:     10.0.0.3\r\nDHCP Lease Time: 60\r\nCMD OK\r\n",
 };
+
+// A pipe into which nothing more fits: who writes to it stands still until it is read.
+class FullPipe {
+public:
+    FullPipe()
+    {
+        EXPECT_EQ(pipe2(ends_, O_CLOEXEC | O_NONBLOCK), 0);
+        const std::string page(static_cast<size_t>(sysconf(_SC_PAGESIZE)), '.');
+        while (write(ends_[1], page.data(), page.size()) > 0)
+            filling_ += page;
+        for (const int end : ends_)
+            fcntl(end, F_SETFL, 0);
+    }
+    ~FullPipe()
+    {
+        close(ends_[0]);
+    }
+    FullPipe(const FullPipe&) = delete;
+    FullPipe& operator=(const FullPipe&) = delete;
+
+    int writer() const
+    {
+        return ends_[1];
+    }
+    // All that others write behind the filling, until the last of them has closed it.
+    std::string read_all()
+    {
+        close(ends_[1]);
+        std::string bytes;
+        char part[4096];
+        for (ssize_t count = 0; (count = read(ends_[0], part, sizeof(part))) > 0;)
+            bytes.append(part, static_cast<size_t>(count));
+        EXPECT_EQ(bytes.substr(0, filling_.size()), filling_);
+        return bytes.substr(std::min(filling_.size(), bytes.size()));
+    }
+
+private:
+    int ends_[2] = {-1, -1};
+    std::string filling_;
+};
+
+bool eventually(const std::function<bool()>& happens)
+{
+    for (int tries = 0; tries < 5000; ++tries) {
+        if (happens()) return true;
+        usleep(2000);
+    }
+    return false;
+}
+
+bool ignores_both(pid_t pid)
+{
+    constexpr unsigned long long kBoth = (1ULL << (SIGINT - 1)) | (1ULL << (SIGTERM - 1));
+    return eventually([&] {
+        unsigned long long ignored = 0;
+        std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.rfind("SigIgn:", 0) == 0) ignored = std::stoull(line.substr(7), nullptr, 16);
+        }
+        return (ignored & kBoth) == kBoth;
+    });
+}
+
+int lines_with(const std::string& text, const std::string& file)
+{
+    int count = 0;
+    std::ifstream lines(file);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find(text) != std::string::npos) ++count;
+    }
+    return count;
+}
 
 class SignalsTest : public ToolTest {
 protected:
@@ -125,6 +200,47 @@ TEST_F(SignalsTest, BothAtOnceAndAgainEndTheRunOnce)
         EXPECT_LT(run.seconds, 1.0 + kSoon);
     }
     EXPECT_EQ(integrity(database()), "ok");
+}
+
+// What is printed goes out at the very end, behind all that the command itself does: a full pipe keeps it there.
+TEST_F(SignalsTest, NoSecondEndBeginsInsideTheFirst)
+{
+    const struct {
+        std::vector<std::string> words;
+        std::string faults;
+        const char* meets;  // the first signal comes behind two such records; null: the run ends by itself
+        std::string out;
+    } rows[] = {
+        {{"LAN", "GWURL", "set", "module.example"}, "", nullptr, "CMD OK\r\n"},
+        {{"WAN", "Connect", "connect", "1", "46"},
+         "ConnectBackHaul#2=delay:60000,DisableMobileAP=delay:500",
+         "SetWWANProfileHandlePreference()",
+         "WAN Connect connect v4 set success\r\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.words[1]);
+        const std::string log = state.path() + "/" + row.words[1] + ".log";
+        FullPipe pipe;
+        ToolOptions stuck = options();
+        stuck.variables = {"MOBILE_AP_LOG=file:" + log, "MOBILE_AP_LOG_LEVEL=debug"};
+        if (!row.faults.empty()) stuck.variables.push_back("MOBILE_AP_FAULTS=" + row.faults);
+        stuck.before_exec = [&] { dup2(pipe.writer(), STDOUT_FILENO); };
+        StartedTool tool(row.words, stuck);
+        if (row.meets != nullptr) {
+            EXPECT_TRUE(eventually([&] { return lines_with(row.meets, log) == 2; }));
+            EXPECT_TRUE(tool.send(SIGTERM));
+            usleep(100000);
+            EXPECT_TRUE(tool.send(SIGINT));  // while the session is being closed
+        }
+        EXPECT_TRUE(eventually([&] { return lines_with("DisableMobileAP()", log) > 0; }));
+        EXPECT_TRUE(ignores_both(tool.pid()));
+        for (const int signo : {SIGINT, SIGTERM, SIGINT, SIGTERM})
+            EXPECT_TRUE(tool.send(signo));
+        EXPECT_EQ(pipe.read_all(), row.out);
+        EXPECT_EQ(tool.wait().status, 0);
+        EXPECT_EQ(lines_with("zr_nexa_client_uninit(): entry", log), 1);
+        EXPECT_EQ(lines_with("DisableMobileAP()", log), 1);
+    }
 }
 
 // A method that the signal meets ends its transaction first: done or undone, and the run ends.

@@ -1,8 +1,4 @@
 // A whole WAN session through the client interface on the host platform, and two processes that share it.
-#include "host_fixture.h"
-
-// The fixture has included the platform's own records.
-#define ZR_NEXA_HAVE_PLATFORM_RECORDS
 #include <arpa/inet.h>
 #include <zr_nexa_client_api.h>
 
@@ -10,6 +6,8 @@
 #include <condition_variable>
 #include <cstring>
 #include <mutex>
+
+#include "host_fixture.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "alg.h"
 #include "host_fixture.h"
 #include "lan_addressing.h"
+#include "state_file.h"
 
 namespace {
 
@@ -15,16 +16,14 @@ protected:
     int outside(const Work& work)
     {
         Store db;
-        std::string problem;
-        EXPECT_TRUE(db.open(folder, &problem)) << problem;
-        db.begin_writing();
+        EXPECT_EQ(mobile_ap::open_state(db, folder), "");
+        mobile_ap::Transaction transaction(db, mobile_ap::Access::kWrite);
         try {
             work(db);
-            db.commit();
+            transaction.commit();
             return 0;
-        } catch (const mobile_ap::Refusal& refusal) {
-            db.roll_back();
-            return static_cast<int>(refusal.error);
+        } catch (const mobile_ap::Ending& refusal) {
+            return static_cast<int>(refusal.word);
         }
     }
     int assign(int bridge, uint32_t family, const std::string& address, const std::string& fqdn = "")
@@ -34,16 +33,11 @@ protected:
     std::string enabled_algs()
     {
         Store db;
-        std::string problem;
-        EXPECT_TRUE(db.open(folder, &problem)) << problem;
-        db.begin_reading();
+        EXPECT_EQ(mobile_ap::open_state(db, folder), "");
         std::string all;
-        {
-            auto q = db.query("SELECT type, enabled FROM alg ORDER BY type");
-            while (q.next())
-                all += std::to_string(q.get<int>(0)) + "=" + std::to_string(q.get<int>(1)) + " ";
-        }
-        db.commit();
+        auto q = db.query("SELECT type, enabled FROM alg ORDER BY type");
+        while (q.next())
+            all += std::to_string(q.get<int>(0)) + "=" + std::to_string(q.get<int>(1)) + " ";
         return all;
     }
     void read(QCMAP_Client& client)

@@ -1,13 +1,10 @@
 #include <string.h>
+#include <zr_nexa_client_api.h>
 
 #include <algorithm>
 
-#include "host_fixture.h"
-// The platform's own records are there already.
-#define ZR_NEXA_HAVE_PLATFORM_RECORDS
-#include <zr_nexa_client_api.h>
-
 #include "firewall_entries.h"
+#include "host_fixture.h"
 
 namespace {
 

@@ -67,7 +67,7 @@ bool send(Session& session, uint32_t first, uint32_t last, qmi_error_type_v01 an
             record.call.conn_status = n;
             indicate(db, QCMAP_MSGR_WWAN_STATUS_IND_V01, record);
         }
-        return answer;
+        if (answer != QMI_ERR_NONE_V01) mobile_ap::refuse(answer);
     });
 }
 
@@ -188,7 +188,6 @@ TEST_F(IndicationsHostTest, TheNewestThousandAreKept)
     EXPECT_TRUE(method(&sender, "Test", &err, [](Store& db) {
         EXPECT_EQ(db.one<int>("SELECT count(*) FROM indication"), 1000);
         EXPECT_EQ(db.one<int>("SELECT min(id) FROM indication"), 201);
-        return QMI_ERR_NONE_V01;
     }));
 }
 
@@ -215,6 +214,55 @@ TEST_F(IndicationsHostTest, AnotherDatabaseInTheSamePlaceIsHeard)
     EXPECT_EQ(heard.wait_for(4), range(1, 4));
 }
 
+TEST_F(IndicationsHostTest, DisablingDoesNotWaitForWhatIsQueued)
+{
+    struct Slow {
+        static void callback(qmi_client_type, unsigned int, void*, unsigned int, void* user)
+        {
+            ++static_cast<Slow*>(user)->begun;
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            ++static_cast<Slow*>(user)->ended;
+        }
+        std::atomic<int> begun{0};
+        std::atomic<int> ended{0};
+    };
+    Slow slow;
+    OpenClient client(Slow::callback, &slow);
+    Session sender(nullptr, nullptr);
+    EXPECT_TRUE(send(sender, 1, 100));
+    for (int i = 0; i < 5000 && slow.begun == 0; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    EXPECT_TRUE(client.DisableMobileAP(&err));
+    const int told = slow.ended;
+    EXPECT_EQ(told, slow.begun) << "the callback under way has returned";
+    EXPECT_GE(told, 1);
+    EXPECT_LE(told, 10) << "and those that waited were not called";
+    settle();
+    EXPECT_EQ(slow.begun, told);
+}
+
+TEST_F(IndicationsHostTest, DescriptorsAreGivenBack)
+{
+    const auto open_here = [] {
+        const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+        return std::distance(begin(descriptors), end(descriptors));
+    };
+    const auto open_and_close = [&] {
+        Heard heard;
+        OpenClient client(Heard::callback, &heard);
+        Session sender(nullptr, nullptr);
+        EXPECT_TRUE(send(sender, 1, 1));
+        EXPECT_EQ(heard.wait_for(1), range(1, 1));
+        EXPECT_TRUE(client.DisableMobileAP(&err));
+        EXPECT_TRUE(client.EnableMobileAP_Ext(&err, 65535));
+    };
+    open_and_close();
+    const auto before = open_here();
+    for (int opening = 0; opening < 50; ++opening)
+        open_and_close();
+    EXPECT_EQ(open_here(), before);
+}
+
 TEST_F(IndicationsHostTest, TheLargeReport)
 {
     struct Report {
@@ -234,7 +282,6 @@ TEST_F(IndicationsHostTest, TheLargeReport)
         record.kind = 1;
         record.report[10883] = 200;
         indicate(db, QCMAP_MSGR_STATUS_REPORT_IND_V01, record);
-        return QMI_ERR_NONE_V01;
     }));
     for (int i = 0; i < 2000 && told == 0; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

@@ -5,11 +5,14 @@
 #include <pwd.h>
 #include <signal.h>
 #include <string.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
+#include <optional>
 #include <random>
 #include <thread>
 
@@ -19,6 +22,7 @@
 #include "private_mounts.h"
 #include "program.h"
 #include "session.h"
+#include "state_file.h"
 #include "state_place.h"
 
 namespace {
@@ -26,9 +30,11 @@ namespace {
 namespace fs = std::filesystem;
 using mobile_ap::method;
 using mobile_ap::read_method;
-using mobile_ap::Refusal;
+using mobile_ap::refuse;
+using mobile_ap::refuse_but_keep_changes;
 using mobile_ap::Session;
 using mobile_ap::Store;
+using mobile_ap::succeed_with;
 
 class StoreHostTest : public HostTest {
 protected:
@@ -121,6 +127,41 @@ TEST_F(StoreHostTest, DefaultPlaceIsMade)
     EXPECT_TRUE(works());
     EXPECT_TRUE(fs::exists(folder + "/home/.local/state/zr_nexa/mobile_ap.db"));
     setenv("HOME", home.c_str(), 1);
+}
+
+TEST_F(StoreHostTest, DefaultPlaceThatCannotBeMade)
+{
+    unsetenv("MOBILE_AP_STATE");
+    std::ofstream(folder + "/file") << "precious";
+    setenv("XDG_STATE_HOME", (folder + "/file/state").c_str(), 1);
+    EXPECT_EQ(refused(), not_ready_line(folder + "/file/state/zr_nexa", "Not a directory"));
+    EXPECT_EQ(read_file(folder + "/file"), "precious");
+
+    ASSERT_EQ(chmod(folder.c_str(), 0555), 0);
+    setenv("XDG_STATE_HOME", (folder + "/state").c_str(), 1);
+    const pid_t child = start_child([&] {
+        if (getuid() == 0 && setuid(65534) != 0) return 77;
+        return refused() == not_ready_line(folder + "/state/zr_nexa", "Permission denied") ? 0 : 1;
+    });
+    EXPECT_EQ(wait_child(child), 0);
+    ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
+    EXPECT_FALSE(fs::exists(folder + "/state"));
+    unsetenv("XDG_STATE_HOME");
+}
+
+TEST_F(StoreHostTest, NoHomeFolderIsKnown)
+{
+    const pid_t child = start_child([] {
+        constexpr uid_t kNobodyAtAll = 4242421;
+        clearenv();
+        if (getpwuid(kNobodyAtAll) != nullptr || setuid(kNobodyAtAll) != 0) return 77;
+        const std::string line =
+            not_ready_line("/.local/state/zr_nexa", "no home folder is known; name a folder in MOBILE_AP_STATE");
+        return refused() == line ? 0 : 1;
+    });
+    const int status = wait_child(child);
+    if (status == 77) GTEST_SKIP() << "no other user may be taken on here";
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(StoreHostTest, PlaceWithoutAnyEnvironment)
@@ -291,6 +332,126 @@ TEST_F(StoreHostTest, ValuesWrittenByHandAreCutToWhatACallerHolds)
     EXPECT_EQ(config.tunnel[1].session_count, 0u);
 }
 
+// What a caller has room for, and what lies behind it.
+template <class Record>
+struct Room {
+    Record record;
+    uint8_t behind[4096];
+
+    Room() : record()
+    {
+        memset(behind, 0xa5, sizeof behind);
+    }
+    bool is_overrun() const
+    {
+        return std::any_of(std::begin(behind), std::end(behind), [](uint8_t byte) { return byte != 0xa5; });
+    }
+};
+
+TEST_F(StoreHostTest, RowsWrittenByHandAreCutToWhatACallerHolds)
+{
+    Session session(nullptr, nullptr);
+    EXPECT_TRUE(method(&session, "Test", &err, [&](Store& db) {
+        const std::string numbers = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2003) ";
+        for (const char* insert : {
+                 "INSERT INTO lan_bridge (id, gateway_ip, dhcp_enabled, dhcp_start_ip, dhcp_end_ip)"
+                 " SELECT i, '', 1, '', '' FROM n",
+                 "INSERT INTO vlan SELECT i, 2, 0 FROM n",
+                 "INSERT INTO dhcp_reservation SELECT i, i, i, '', 1 FROM n LIMIT 23",
+                 "INSERT INTO connected_device SELECT i, 4, '', '', 0, 0 FROM n LIMIT 53",
+                 "INSERT INTO connected_device_ipv6 SELECT 50, i FROM n LIMIT 9",
+                 "INSERT INTO l2tp_tunnel SELECT 0, i, 0, 4, 1, 0, 0, '', '', '', '', 0 FROM n LIMIT 11",
+                 "INSERT INTO gateway_filter SELECT 0, i, 1, 1, 1 FROM n LIMIT 8",
+                 "INSERT INTO software_path_address SELECT i, i FROM n LIMIT 8",
+                 "INSERT INTO wwan_profile (handle) SELECT i + 1 FROM n LIMIT 52",
+                 "INSERT INTO wwan_call (profile, family, up) SELECT i, 4, 1 FROM n LIMIT 53",
+                 "INSERT INTO nat_static_entry SELECT i, 1, '', 1, i, 6 FROM n LIMIT 53",
+                 "INSERT INTO firewall_entry SELECT i, 1, 1, 4, 0, '', '', '', '', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0"
+                 " FROM n LIMIT 53",
+                 "INSERT INTO hw_mac_filter_station SELECT i, '' FROM n LIMIT 19",
+                 "INSERT INTO hw_mac_filter_interface SELECT i, 1, 2, 3, 4, 5 FROM n LIMIT 11",
+                 "INSERT INTO sip_server_network SELECT i, 0, 4, 2, '', '' FROM n LIMIT 28",
+                 "INSERT INTO sip_server_network SELECT i + 28, 0, 6, 2, '', '' FROM n LIMIT 28",
+             })
+            db.run((numbers + insert).c_str());
+    })) << err;
+
+    OpenClient client;
+    const auto vlans = std::make_unique<Room<qcmap_msgr_vlan_conf_t>>();
+    EXPECT_TRUE(client.GetVLANConfig(&vlans->record, &err));
+    EXPECT_EQ(vlans->record.count, 2000);
+    EXPECT_EQ(vlans->record.vlan[1999].vlan_id, 2000);
+    EXPECT_FALSE(vlans->is_overrun());
+
+    Room<qcmap_msgr_dhcp_reservation_v01[20]> reservations;
+    unsigned int count = 0;
+    EXPECT_TRUE(client.GetDHCPReservRecords(reservations.record, &count, &err));
+    EXPECT_EQ(count, 20u);
+    EXPECT_FALSE(reservations.is_overrun());
+
+    Room<qcmap_connected_devices> devices;
+    EXPECT_TRUE(client.GetConnectedDevicesInfo(&devices.record, &count, &err));
+    EXPECT_EQ(count, 50u);
+    EXPECT_EQ(devices.record.device[49].ipv6_count, 6u);
+    EXPECT_FALSE(devices.is_overrun());
+
+    Room<qcmap_msgr_l2tp_conf_t> tunnels;
+    EXPECT_TRUE(client.GetL2TPConfig(&tunnels.record, &err));
+    EXPECT_EQ(tunnels.record.tunnel_count, 8u);
+    EXPECT_FALSE(tunnels.is_overrun());
+
+    Room<qcmap_msgr_sw_path_filters_conf_t> filters;
+    filters.record.request = 2;
+    EXPECT_TRUE(client.GetIPPassthroughSoftwarePathFilters(&filters.record, &err));
+    EXPECT_EQ(filters.record.count, 5);
+    EXPECT_FALSE(filters.is_overrun());
+
+    Room<qcmap_sw_path_filters_ex_ipv4_addr_list> addresses;
+    EXPECT_TRUE(client.ZR_GetIPFromSWPathFilters(&addresses.record, &err));
+    EXPECT_EQ(addresses.record.count, 5);
+    EXPECT_FALSE(addresses.is_overrun());
+
+    Room<qcmap_wwan_policy_list_info> profiles;
+    EXPECT_TRUE(client.GetWWANPolicyListEx(&profiles.record, &err));
+    EXPECT_EQ(profiles.record.number_of_policies, 50u);
+    EXPECT_FALSE(profiles.is_overrun());
+
+    Room<qcmap_connected_wwan_info[50]> connected;
+    unsigned char connected_count = 0;
+    EXPECT_TRUE(client.GetAllConnectedPDNEx(&connected_count, connected.record, &err));
+    EXPECT_EQ(connected_count, 50);
+    EXPECT_FALSE(connected.is_overrun());
+
+    Room<qcmap_msgr_snat_entry_config_v01[50]> entries;
+    int signed_count = 0;
+    EXPECT_TRUE(client.GetStaticNatConfig(entries.record, &signed_count, &err));
+    EXPECT_EQ(signed_count, 50);
+    EXPECT_FALSE(entries.is_overrun());
+
+    Room<qcmap_msgr_get_firewall_handle_list_conf_t> handles;
+    EXPECT_TRUE(client.GetFireWallHandlesList(&handles.record, &err));
+    EXPECT_EQ(handles.record.count, 50);
+    EXPECT_FALSE(handles.is_overrun());
+
+    Room<qcmap_hw_filter_config> filtering;
+    auto state = QCMAP_MSGR_CONFIG_STATE_OFF_V01;
+    EXPECT_TRUE(client.GetHWMACFilteringState(&state, &filtering.record, &err));
+    EXPECT_EQ(filtering.record.mac_count, 16u);
+    EXPECT_EQ(filtering.record.iface_count, 8u);
+    EXPECT_FALSE(filtering.is_overrun());
+
+    Room<qcmap_msgr_sip_server_info_v01[25]> servers;
+    qcmap_msgr_sip_server_info_v01 configured;
+    EXPECT_TRUE(client.GetSIPServerInfo(&configured, servers.record, &signed_count, &err));
+    EXPECT_EQ(signed_count, 25);
+    EXPECT_FALSE(servers.is_overrun());
+
+    Room<qcmap_msgr_ipv6_sip_server_info_v01[25]> servers6;
+    EXPECT_TRUE(client.GetV6SIPServerInfo(servers6.record, &signed_count, &err));
+    EXPECT_EQ(signed_count, 25);
+    EXPECT_FALSE(servers6.is_overrun());
+}
+
 TEST_F(StoreHostTest, ManyThatFindDamageSetOneFileAside)
 {
     for (int round = 0; round < 5; ++round) {
@@ -336,51 +497,128 @@ TEST_F(StoreHostTest, DatabaseTakenAwayUnderASession)
     EXPECT_TRUE(client.EnableIPV4(&err));
 }
 
+TEST_F(StoreHostTest, DatabaseTakenAwayAndMadeAgainByAnother)
+{
+    QCMAP_Client idle(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+    {
+        QCMAP_Client client(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+        EXPECT_TRUE(client.DisableIPV4(&err));
+        EXPECT_TRUE(idle.DisableIPV6(&err));
+        fs::remove(database());
+        const pid_t other = start_child([] {
+            OpenClient maker;
+            qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+            return maker.SetDataPathOptStatus(0, &error) ? 0 : 1;
+        });
+        EXPECT_EQ(wait_child(other), 0);
+        unsigned char state = 0xa5;
+        EXPECT_TRUE(client.GetDataPathOptStatus(&state, &err));
+        EXPECT_EQ(state, 0) << "the other's change is seen";
+        EXPECT_TRUE(client.GetIPv4State(&state, &err));
+        EXPECT_EQ(state, 1) << "and not one's own in the file that has gone";
+        EXPECT_TRUE(idle.GetIPv6State(&state, &err));
+        EXPECT_EQ(state, 1);
+        EXPECT_TRUE(client.SetUPNPNotifyInterval(77, &err));
+    }
+    unsigned int seconds = 0;
+    EXPECT_TRUE(OpenClient().GetUPNPNotifyInterval(&seconds, &err));
+    EXPECT_EQ(seconds, 77u);
+    EXPECT_EQ(files_beginning("mobile_ap.db.corrupt-"), 0);
+}
+
 // ---- transactions ----
+
+// Ten seconds on the wall: a process that sleeps uses hardly any time of its own.
+TEST_F(StoreHostTest, PatienceWithOthersEndsAfterTenSeconds)
+{
+    ASSERT_TRUE(works());
+    const std::string unmade = folder + "/unmade";
+    fs::create_directory(unmade);
+    int holding[2];
+    ASSERT_EQ(pipe(holding), 0);
+    const pid_t holder = start_child([&] {
+        Store db;
+        if (!mobile_ap::open_state(db, folder).empty()) return 1;
+        const mobile_ap::Transaction transaction(db, mobile_ap::Access::kWrite);
+        const int lock = open((unmade + "/mobile_ap.lock").c_str(), O_RDWR | O_CREAT, 0600);
+        if (flock(lock, LOCK_EX) != 0 || write(holding[1], "x", 1) != 1) return 2;
+        sleep(20);
+        return 0;
+    });
+    char byte = 0;
+    ASSERT_EQ(read(holding[0], &byte, 1), 1);
+    const auto start = std::chrono::steady_clock::now();
+    const auto waited = [start] { return std::chrono::steady_clock::now() - start >= std::chrono::seconds(10); };
+    const pid_t writer = start_child([&] {
+        qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+        bool done = true;
+        const std::string told = stderr_of([&] { done = OpenClient().EnableIPV4(&error); });
+        if (done || error != QMI_ERR_INTERNAL_V01 || !waited()) return 1;
+        return told == "mobile-AP state " + database() + ": database is locked\n" ? 0 : 2;
+    });
+    const pid_t maker = start_child([&] {
+        setenv("MOBILE_AP_STATE", unmade.c_str(), 1);
+        bool ready = true;
+        const std::string told = stderr_of([&] { ready = OpenClient().open; });
+        if (ready || !waited()) return 1;
+        return told == not_ready_line(unmade + "/mobile_ap.db", "the folder's lock is taken") ? 0 : 2;
+    });
+    EXPECT_EQ(wait_child(writer), 0);
+    EXPECT_EQ(wait_child(maker), 0);
+    kill(holder, SIGKILL);
+    EXPECT_EQ(wait_child(holder), 1000 + SIGKILL);
+    close(holding[0]);
+    close(holding[1]);
+}
 
 TEST_F(StoreHostTest, AnErrorWordUndoesEverything)
 {
     Session session(nullptr, nullptr);
     EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) {
         db.run("UPDATE data_path SET optimised = 5");
-        return QMI_ERR_NO_EFFECT_V01;
+        refuse(QMI_ERR_NO_EFFECT_V01);
     }));
     EXPECT_EQ(err, QMI_ERR_NO_EFFECT_V01);
-    EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) -> qmi_error_type_v01 {
+    EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) {
         db.run("UPDATE data_path SET optimised = 6");
-        throw Refusal{QMI_ERR_LIMIT_V01};
+        db.select_profile(7);
     }));
-    EXPECT_EQ(err, QMI_ERR_LIMIT_V01);
+    EXPECT_EQ(err, QMI_ERR_INVALID_HANDLE_V01);
     const std::string told = stderr_of([&] {
         EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) {
             db.run("UPDATE data_path SET optimised = 7");
             db.run("UPDATE no_such_table SET x = 1");
-            return QMI_ERR_NONE_V01;
         }));
     });
     EXPECT_EQ(told, "mobile-AP state " + database() + ": no such table: no_such_table\n");
     EXPECT_EQ(err, QMI_ERR_INTERNAL_V01);
     int value = 0;
-    EXPECT_TRUE(read_method(&session, "Test", &err, [&](Store& db) {
-        value = db.one<int>("SELECT optimised FROM data_path").value_or(-1);
-        return QMI_ERR_NONE_V01;
-    }));
+    EXPECT_TRUE(read_method(&session, "Test", &err,
+                            [&](Store& db) { value = db.one<int>("SELECT optimised FROM data_path").value_or(-1); }));
     EXPECT_EQ(value, 1);
 }
 
 TEST_F(StoreHostTest, ChangesCanBeKeptInSpiteOfAnErrorWord)
 {
     Session session(nullptr, nullptr);
+    const auto optimised = [&] {
+        std::optional<int> value;
+        EXPECT_TRUE(read_method(&session, "Test", nullptr,
+                                [&](Store& db) { value = db.one<int>("SELECT optimised FROM data_path"); }));
+        return value;
+    };
     EXPECT_FALSE(method(&session, "Test", &err, [](Store& db) {
         db.run("UPDATE data_path SET optimised = 5");
-        db.keep_changes();
-        return QMI_ERR_BACKHAUL_DOWN_V01;
+        refuse_but_keep_changes(QMI_ERR_BACKHAUL_DOWN_V01);
     }));
     EXPECT_EQ(err, QMI_ERR_BACKHAUL_DOWN_V01);
-    EXPECT_TRUE(read_method(&session, "Test", nullptr, [&](Store& db) {
-        EXPECT_EQ(db.one<int>("SELECT optimised FROM data_path"), 5);
-        return QMI_ERR_NONE_V01;
+    EXPECT_EQ(optimised(), 5);
+    EXPECT_TRUE(method(&session, "Test", &err, [](Store& db) {
+        db.run("UPDATE data_path SET optimised = 6");
+        succeed_with(QMI_ERR_EMPTY_LIST_V01);
     }));
+    EXPECT_EQ(err, QMI_ERR_EMPTY_LIST_V01);
+    EXPECT_EQ(optimised(), 6);
 }
 
 TEST_F(StoreHostTest, ValuesOfEveryKind)
@@ -403,7 +641,7 @@ TEST_F(StoreHostTest, ValuesOfEveryKind)
                     EXPECT_FALSE(q.next());
                     EXPECT_EQ(db.one<int>("SELECT e FROM t"), std::nullopt);
                     EXPECT_EQ(db.one<int>("SELECT 1 FROM t WHERE a = 3"), std::nullopt);
-                    return QMI_ERR_NO_EFFECT_V01;
+                    refuse(QMI_ERR_NO_EFFECT_V01);
                 }) == false);
 }
 
@@ -417,14 +655,12 @@ TEST_F(StoreHostTest, RestoreWithRowsThatPointAtOthers)
         db.run("CREATE TABLE b_child (parent INTEGER REFERENCES z_parent(id))");
         db.run("INSERT INTO z_parent VALUES (1)");
         db.run("INSERT INTO b_child VALUES (1)");
-        return QMI_ERR_NONE_V01;
     }));
     OpenClient client;
     EXPECT_TRUE(client.RestoreFactoryConfig(&err)) << err;
     EXPECT_TRUE(read_method(&session, "Test", &err, [](Store& db) {
         EXPECT_EQ(db.one<int>("SELECT count(*) FROM sqlite_schema WHERE name LIKE '%_child'"), 0);
         EXPECT_EQ(db.one<int>("SELECT count(*) FROM lan_bridge"), 1);
-        return QMI_ERR_NONE_V01;
     }));
 }
 
@@ -434,10 +670,7 @@ TEST_F(StoreHostTest, BridgesOfVlans)
     Session session(nullptr, nullptr);
     EXPECT_TRUE(client.ZR_SetDefaultEnableDHCP(QCMAP_MSGR_CONFIG_STATE_OFF_V01, &err));
     const auto on_bridge = [&](int id, void (*work)(Store&, int)) {
-        return method(&session, "Test", &err, [&](Store& db) {
-            work(db, id);
-            return QMI_ERR_NONE_V01;
-        });
+        return method(&session, "Test", &err, [&](Store& db) { work(db, id); });
     };
     EXPECT_TRUE(on_bridge(5, mobile_ap::add_bridge));
     EXPECT_FALSE(on_bridge(5, mobile_ap::add_bridge));
@@ -474,7 +707,6 @@ TEST_F(StoreHostTest, ManyProcessesLoseNoWrite)
                 const bool good = method(&session, "Increment", &error, [](Store& db) {
                     const int value = db.one<int>("SELECT optimised FROM data_path").value_or(-1000);
                     db.run("UPDATE data_path SET optimised = ?", value + 1);
-                    return QMI_ERR_NONE_V01;
                 });
                 if (!good) return 2;
             }
@@ -487,7 +719,6 @@ TEST_F(StoreHostTest, ManyProcessesLoseNoWrite)
     Session session(nullptr, nullptr);
     EXPECT_TRUE(read_method(&session, "Test", &err, [&](Store& db) {
         EXPECT_EQ(db.one<int>("SELECT optimised FROM data_path"), 1 + kProcesses * kWrites);
-        return QMI_ERR_NONE_V01;
     }));
 }
 
@@ -508,7 +739,6 @@ TEST_F(StoreHostTest, KilledAtAnyPointLeavesOldOrNew)
                     db.run("UPDATE lan_bridge SET lease_time = lease_time + 1, netmask = ?", std::string(3000, 'n'));
                     db.run("UPDATE lan_service SET ipv4_enabled = ipv4_enabled + 1");
                     db.run("UPDATE data_path SET optimised = optimised + 1");
-                    return QMI_ERR_NONE_V01;
                 });
                 if (first && write(under_way[1], "", 1) != 1) return 1;
             }
@@ -531,7 +761,6 @@ TEST_F(StoreHostTest, KilledAtAnyPointLeavesOldOrNew)
             advanced += now > last ? 1 : 0;
             last = now;
             EXPECT_EQ(db.one<std::string>("PRAGMA integrity_check"), "ok");
-            return QMI_ERR_NONE_V01;
         }));
     }
     EXPECT_EQ(advanced, 80) << "every child must have got somewhere";

@@ -9,12 +9,95 @@
 #include <zr_nexa_client_api.h>
 
 #include <cstring>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
 // Error words every failure point is tried with. 0x1000 and 0xFFFF swallow step tags.
 inline const std::vector<uint32_t> kErrorWords = {0, 1, 3, 43, 0x1000, 0xFFFF, 0x7FFFFFFF};
 
+// A line of a row, or several that belong together.
+class Lines {
+public:
+    Lines(const char* line) : lines_{line} {}
+    Lines(const std::string& line) : lines_{line} {}
+    Lines(const std::vector<std::string>& lines) : lines_(lines) {}
+    static std::vector<std::string> all(std::initializer_list<Lines> groups)
+    {
+        std::vector<std::string> lines;
+        for (const Lines& group : groups) {
+            lines.insert(lines.end(), group.lines_.begin(), group.lines_.end());
+        }
+        return lines;
+    }
+
+private:
+    std::vector<std::string> lines_;
+};
+inline const std::vector<std::string> kNothing;
+
+// Compares the whole transcript, shows where it differs, and leaves it empty.
+inline void expect_lines(const char* file, int line, const std::string& what, const std::string& function,
+                         std::initializer_list<Lines> lines)
+{
+    const auto wrong = scripted::difference(Lines::all(lines), scripted::platform().lines(function));
+    if (!wrong.empty()) ADD_FAILURE_AT(file, line) << what << wrong;
+    scripted::platform().forget();
+}
+
+// What EXPECT_ROW makes in front of the call: the transcript must be empty then, looked at or forgotten.
+class RowExpectation {
+public:
+    RowExpectation(const char* file, int line) : file_(file), line_(line)
+    {
+        expect_lines(file, line, "in front of the row", "", {});
+    }
+    void gave(const std::string& expression, int64_t result, int64_t expected, std::initializer_list<Lines> lines) const
+    {
+        if (result != expected) {
+            ADD_FAILURE_AT(file_, line_) << expression << " gave " << std::hex << std::showbase << result << ", not "
+                                         << expected;
+        }
+        expect_lines(file_, line_, expression, expression.substr(0, expression.find('(')), lines);
+    }
+
+private:
+    const char* file_;
+    int line_;
+};
+
+// A row: a call of the interface, its result, and all that happened in its order. A record of the function itself
+// stands without its name.
+//     EXPECT_ROW(zr_nexa_nat_type_set_v1(50, 2), 0u,
+//                "info  entry",
+//                "call  SetWWANProfileHandlePreference(50)",
+//                "call  SetNatType(2)",
+//                "info  Set Nat Type success : wwan_handle=50 set_nat_type=2");
+#define EXPECT_ROW(expression, expected, ...) \
+    RowExpectation(__FILE__, __LINE__).gave(#expression, expression, expected, {__VA_ARGS__})
+// The same for a function that a table names.
+#define EXPECT_ROW_OF(function, expression, expected, ...) \
+    RowExpectation(__FILE__, __LINE__).gave(function, expression, expected, {__VA_ARGS__})
+// A row of what the platform did by itself; every record bears its function's name.
+#define EXPECT_TRANSCRIPT(...) expect_lines(__FILE__, __LINE__, "the transcript", "", {__VA_ARGS__})
+
+// Fills an output with a pattern, so that an untouched one is seen to be untouched.
+template <typename T>
+T poisoned()
+{
+    T value;
+    std::memset(static_cast<void*>(&value), 0xA5, sizeof(T));
+    return value;
+}
+
+template <typename T>
+bool is_poisoned(const T& value)
+{
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(&value);
+    return bytes[0] == 0xA5 && std::memcmp(bytes, bytes + 1, sizeof(T) - 1) == 0;
+}
+
+// Of expect_row below.
 struct ExpectedRecord {
     uint32_t level;
     std::string text;
@@ -31,22 +114,6 @@ inline ExpectedRecord error(const std::string& text)
 inline std::string shown(uint32_t level, const std::string& function, const std::string& text)
 {
     return (level == 4 ? "info " : "error ") + function + ": " + text;
-}
-
-// Fills an output with a pattern, so that an untouched one is seen to be untouched.
-template <typename T>
-T poisoned()
-{
-    T value;
-    std::memset(static_cast<void*>(&value), 0xA5, sizeof(T));
-    return value;
-}
-
-template <typename T>
-bool is_poisoned(const T& value)
-{
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(&value);
-    return bytes[0] == 0xA5 && std::memcmp(bytes, bytes + 1, sizeof(T) - 1) == 0;
 }
 
 // A test without a session.
@@ -67,14 +134,11 @@ protected:
         platform.reset();
     }
 
-    // The whole journal since the session was opened.
-    void expect_calls(const std::vector<std::string>& calls)
+    // Calls and records of one call apart, for the tests of the IPA file work. Both are forgotten for the next one.
+    void expect_row(const std::string& function, const std::vector<std::string>& calls,
+                    const std::vector<ExpectedRecord>& records)
     {
         EXPECT_THAT(platform.journal, testing::ElementsAreArray(calls));
-    }
-    // All records since the session was opened, every one under the given function's name.
-    void expect_log(const std::string& function, const std::vector<ExpectedRecord>& records)
-    {
         std::vector<std::string> expected;
         for (const auto& record : records) {
             expected.push_back(shown(record.level, function, record.text));
@@ -84,18 +148,11 @@ protected:
             seen.push_back(shown(line.level, line.function, line.text));
         }
         EXPECT_THAT(seen, testing::ElementsAreArray(expected));
-    }
-    // A row: the whole journal and all records of one call, then both are forgotten for the next row.
-    void expect_row(const std::string& function, const std::vector<std::string>& calls,
-                    const std::vector<ExpectedRecord>& records)
-    {
-        expect_calls(calls);
-        expect_log(function, records);
         platform.forget();
     }
 };
 
-// A test with an open session; journal and log begin behind its opening.
+// A test with an open session; the transcript begins behind its opening.
 class ApiTest : public ClosedApiTest {
 protected:
     ApiTest()

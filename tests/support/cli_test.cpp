@@ -6,18 +6,48 @@
 #include <zr_nexa_client_api.h>
 
 #include <cstdio>
+#include <cstring>
 
-Words::Words(const std::vector<std::string>& words)
+namespace {
+
+std::vector<std::string> split(const std::string& line)
 {
-    std::vector<std::string> all = {"zr_nexa"};
-    all.insert(all.end(), words.begin(), words.end());
-    pointers_ = std::make_unique<char*[]>(all.size() + 1);
-    for (const auto& word : all) {
+    std::vector<std::string> words;
+    bool in_word = false;
+    bool in_quotes = false;
+    for (const char c : line) {
+        if (c == ' ' && !in_quotes) {
+            in_word = false;
+            continue;
+        }
+        if (!in_word) words.emplace_back();
+        in_word = true;
+        if (c == '\'') {
+            in_quotes = !in_quotes;
+        } else {
+            words.back() += c;
+        }
+    }
+    return words;
+}
+
+std::string replaced(std::string text, const std::string& word)
+{
+    const size_t place = text.find('?');
+    return place == std::string::npos ? text : text.replace(place, 1, word);
+}
+
+}  // namespace
+
+Words::Words(const std::string& line)
+{
+    for (const std::string& word : split("zr_nexa " + line)) {
         auto block = std::make_unique<char[]>(word.size() + 1);
         std::memcpy(block.get(), word.c_str(), word.size() + 1);
-        pointers_[blocks_.size()] = block.get();
+        pointers_.push_back(block.get());
         blocks_.push_back(std::move(block));
     }
+    pointers_.push_back(nullptr);
 }
 
 std::string printed(const std::function<void()>& action)
@@ -50,12 +80,12 @@ CliTest::~CliTest()
     platform.reset();
 }
 
-std::string CliTest::run(const std::vector<std::string>& words)
+std::string CliTest::run(const std::string& line)
 {
-    Words line(words);
+    Words words(line);
     EXPECT_EQ(zr_nexa_client_init(nullptr), 0u);
     platform.forget();
-    const std::string output = printed([&] { zr_nexa_dispatch(line.argc(), line.argv()); });
+    const std::string output = printed([&] { cli::dispatch(words.argc(), words.argv()); });
     const auto journal = platform.journal;
     const auto log = platform.log;
     zr_nexa_client_uninit();
@@ -64,14 +94,38 @@ std::string CliTest::run(const std::vector<std::string>& words)
     return output;
 }
 
-void CliTest::expect_run(const std::vector<std::string>& words, const std::string& output,
-                         const std::vector<std::string>& calls)
+void CliTest::expect(const std::vector<Command>& commands)
 {
-    std::string shown = "zr_nexa";
-    for (const auto& word : words)
-        shown += " \"" + word.substr(0, 200) + "\"";
-    SCOPED_TRACE(shown);
-    EXPECT_EQ(run(words), output);
-    EXPECT_THAT(platform.journal, testing::ElementsAreArray(calls));
-    platform.forget();
+    for (const Command& command : commands) {
+        SCOPED_TRACE("zr_nexa " + command.line.substr(0, 200));
+        if (!command.failing.empty()) platform.on(command.failing).fails(command.error);
+        EXPECT_EQ(run(command.line), command.output);
+        EXPECT_THAT(platform.journal, testing::ElementsAreArray(command.calls));
+        if (!command.failing.empty()) platform.on(command.failing).succeeds();
+        platform.forget();
+    }
+}
+
+void CliTest::expect_each(const Command& command, const std::vector<std::pair<std::string, std::string>>& words)
+{
+    for (const auto& [word, becomes] : words) {
+        Command row = command;
+        row.line = replaced(row.line, "'" + word + "'");
+        row.output = replaced(row.output, becomes);
+        for (std::string& call : row.calls)
+            call = replaced(call, becomes);
+        expect({row});
+    }
+}
+
+void CliTest::expect_invalid(const std::vector<std::string>& lines)
+{
+    for (const std::string& line : lines)
+        expect({{line, kInvalidAndVerdict}});
+}
+
+void CliTest::expect_invalid(const std::string& line, const std::vector<std::string>& words)
+{
+    for (const std::string& word : words)
+        expect_invalid({replaced(line, "'" + word + "'")});
 }

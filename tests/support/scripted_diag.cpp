@@ -69,7 +69,7 @@ void msg_sprintf(const msg_const_type* record, ...)
     va_list values;
     va_start(values, record);
     if (std::strcmp(va_arg(values, const char*), "ZR_NEXA") != 0) complain("wrong tag");
-    scripted::LogLine line{record->ss_mask, va_arg(values, const char*), "", record->line};
+    scripted::LogLine line{record->ss_mask, va_arg(values, const char*), ""};
     int taken = 0;
     for (const Conversion& piece : cut(record->fmt + std::strlen(kPrefix))) {
         line.text += piece.before;
@@ -92,5 +92,6 @@ void msg_sprintf(const msg_const_type* record, ...)
         if (va_arg(values, unsigned int) != 0) complain("a value that the text does not use is not 0");
     }
     va_end(values);
+    scripted::platform().transcript.push_back({line.level == 0x4 ? "info" : "error", line.function, line.text});
     scripted::platform().log.push_back(line);
 }

@@ -22,9 +22,28 @@ void Platform::reset()
 
 void Platform::forget()
 {
+    transcript.clear();
     journal.clear();
     log.clear();
     calls_.clear();
+}
+
+std::vector<std::string> Platform::lines(const std::string& function) const
+{
+    std::vector<std::string> shown;
+    for (const Line& line : transcript) {
+        std::string kind = line.kind;
+        kind.resize(6, ' ');
+        const bool bears_name = !line.function.empty() && line.function != function;
+        shown.push_back(kind + (bears_name ? line.function + ": " : "") + line.text);
+    }
+    return shown;
+}
+
+void Platform::note_call(const std::string& call)
+{
+    transcript.push_back({"call", "", call});
+    journal.push_back(call);
 }
 
 const Answer& Platform::take(const std::string& method)
@@ -56,6 +75,31 @@ std::vector<std::string> Platform::unused_answers() const
         if (never_used(name)) unused.push_back(name);
     }
     return unused;
+}
+
+std::string difference(const std::vector<std::string>& expected, const std::vector<std::string>& seen)
+{
+    if (expected == seen) return "";
+    const size_t shorter = std::min(expected.size(), seen.size());
+    size_t head = 0;
+    while (head < shorter && expected[head] == seen[head]) {
+        ++head;
+    }
+    size_t tail = 0;
+    while (tail < shorter - head && expected[expected.size() - 1 - tail] == seen[seen.size() - 1 - tail]) {
+        ++tail;
+    }
+    std::string text;
+    const auto show = [&text](const char* mark, const std::vector<std::string>& lines, size_t from, size_t to) {
+        for (size_t i = from; i < to; ++i) {
+            text += "\n" + std::string(mark) + lines[i];
+        }
+    };
+    show("  ", expected, 0, head);
+    show("- ", expected, head, expected.size() - tail);
+    show("+ ", seen, head, seen.size() - tail);
+    show("  ", expected, expected.size() - tail, expected.size());
+    return text;
 }
 
 Call& Call::add(const std::string& argument)
@@ -95,7 +139,9 @@ void Call::write_output(const char* name, void* pointer, size_t size, bool short
 
 bool Call::finish(qmi_error_type_v01* err)
 {
-    platform().journal.push_back(method_ + "(" + arguments_ + ")");
+    const std::string call = method_ + "(" + arguments_ + ")";
+    platform().transcript[line_].text = call;
+    platform().journal.push_back(call);
     *err = static_cast<qmi_error_type_v01>(answer_.err_);
     return answer_.succeeds_;
 }
@@ -108,8 +154,8 @@ using scripted::platform;
 QCMAP_Client::QCMAP_Client(client_status_ind_t indication_cb, qcmap_msgr_arch_type_enum_v01 arch, void* user)
     : mobile_ap_handle(0x51), session_(nullptr)
 {
-    platform().journal.push_back("QCMAP_Client(arch=" + std::to_string(arch) +
-                                 " user=" + (user == nullptr ? "null" : "set") + ")");
+    platform().note_call("QCMAP_Client(arch=" + std::to_string(arch) + " user=" + (user == nullptr ? "null" : "set") +
+                         ")");
     platform().indication_cb = indication_cb;
     platform().indication_user = user;
     ++platform().objects;
@@ -117,7 +163,7 @@ QCMAP_Client::QCMAP_Client(client_status_ind_t indication_cb, qcmap_msgr_arch_ty
 
 QCMAP_Client::~QCMAP_Client()
 {
-    platform().journal.push_back("~QCMAP_Client()");
+    platform().note_call("~QCMAP_Client()");
     --platform().objects;
 }
 

@@ -1,7 +1,8 @@
 // A scripted double of the platform, linked in its place.
 //
-// A test says how the platform answers (on), calls the interface, and reads the whole journal: every platform call in
-// order with its arguments, and every diagnostic record. What was not said succeeds with error 0 and writes no output.
+// A test says how the platform answers (on), calls the interface, and reads one transcript of all that happened in its
+// order: every platform call with its arguments, and every diagnostic record. What was not said succeeds with error 0
+// and writes no output.
 #ifndef SCRIPTED_PLATFORM_H
 #define SCRIPTED_PLATFORM_H
 
@@ -13,11 +14,6 @@
 #include <string>
 #include <type_traits>
 #include <vector>
-
-// For the interface's headers, which come behind this one.
-#ifndef ZR_NEXA_HAVE_PLATFORM_RECORDS
-#define ZR_NEXA_HAVE_PLATFORM_RECORDS
-#endif
 
 namespace scripted {
 
@@ -66,16 +62,22 @@ private:
     std::map<std::string, std::vector<unsigned char>> outputs_;
 };
 
+// One line of the transcript: a call stands where it was entered, a record where it was written.
+struct Line {
+    const char* kind;      // "call", "info" or "error"
+    std::string function;  // of a record, as it gives it
+    std::string text;      // a call with its arguments; what follows a record's "[%s]%s(): ", with its values
+};
+
 struct LogLine {
     uint32_t level;        // 4 information, 8 error
     std::string function;  // as the record gives it
     std::string text;      // what follows "[%s]%s(): ", with its values
-    uint16_t line;
 };
 
 class Platform {
 public:
-    // Forgets answers, journal and log.
+    // Forgets answers and transcript.
     void reset();
     // The answer of every call of a method, or of its call_number-th call (1 is the first since reset or forget).
     Answer& on(const std::string& method)
@@ -86,9 +88,14 @@ public:
     {
         return numbered_[{method, call_number}];
     }
-    // Forgets journal, log and call numbers, keeps the answers: for what a test does before the call it is about.
+    // Forgets transcript and call numbers, keeps the answers: for what a test does before the call it is about.
     void forget();
 
+    std::vector<Line> transcript;
+    // The transcript as a row writes it: "call  SetNatType(2)", "info  entry", "error Set Nat Type (wwan_handle=3)
+    // error 9". A record under another function's name bears that name: "info  zr_nexa_inds_cb: ...".
+    std::vector<std::string> lines(const std::string& function) const;
+    // Calls and records apart, for a test that looks at one of them.
     std::vector<std::string> journal;
     std::vector<LogLine> log;
     // What is wrong with a record or a call itself: a wrong tag, a missing value, an answer nobody asked for.
@@ -101,6 +108,9 @@ public:
     // Answers that were said and never used, by name.
     std::vector<std::string> unused_answers() const;
 
+    // A call that takes no answer.
+    void note_call(const std::string& call);
+
 private:
     friend class Call;
     const Answer& take(const std::string& method);
@@ -112,13 +122,21 @@ private:
 
 Platform& platform();
 
+// Both lists of lines in one, each line behind a line break: "- " marks what was expected and not seen, "+ " what was
+// seen and not expected. Empty when the lists are the same.
+std::string difference(const std::vector<std::string>& expected, const std::vector<std::string>& seen);
+
 // One call of a method, as its double writes it down:
 //     return Call("SetNatType").arg(nat_type).finish(err);
 //     return Call("GetNatType").out("nat_type", nat_type).finish(err);
-// The journal line reads "SetNatType(2)", "GetNatType()", with names "AddStaticNatEntry(private_ip=1 private_port=2)".
+// Its line reads "SetNatType(2)", "GetNatType()", with names "AddStaticNatEntry(private_ip=1 private_port=2)".
 class Call {
 public:
-    explicit Call(const char* method) : method_(method), answer_(platform().take(method)) {}
+    explicit Call(const char* method)
+        : method_(method), answer_(platform().take(method)), line_(platform().transcript.size())
+    {
+        platform().transcript.push_back({"call", "", method_});
+    }
 
     template <typename T>
     Call& arg(T value)
@@ -173,6 +191,7 @@ private:
     std::string method_;
     std::string arguments_;
     const Answer& answer_;
+    size_t line_;
 };
 
 }  // namespace scripted

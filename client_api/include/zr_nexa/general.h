@@ -1,4 +1,7 @@
-/* General settings: factory restore and the software shortcut engine. */
+/**
+ * @file
+ * General settings: factory restore and the software shortcut engine.
+ */
 #ifndef ZR_NEXA_GENERAL_H
 #define ZR_NEXA_GENERAL_H
 
@@ -6,29 +9,38 @@
 
 ZR_NEXA_C_BEGIN
 
-/*
+/**
  * Restores the factory configuration of the mobile-AP service. The service restarts the module some seconds later; the
  * function neither reboots nor waits.
  *
- * Returns 13 no session; e | 0x1000 the service refused with error e; 0.
+ * @retval 13        no session
+ * @retval e|0x1000  the service refused with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_general_restore_nexa_v1(void);
 
-/*
+/**
  * Switches the software shortcut engine (data-path optimisation).
  *
- * sfe_config: 0 off, 1 on.
+ * @param[in] sfe_config  0 off, 1 on.
  *
- * Returns 13 no session; 4 sfe_config above 1; e | 0x1000 the service refused with error e; 0.
+ * @retval 13        no session
+ * @retval 4         sfe_config above 1
+ * @retval e|0x1000  the service refused with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_general_sfe_set_v1(uint32_t sfe_config);
 
-/*
+/**
  * Reads the software shortcut engine's switch.
  *
- * sfe_config: receives 0 off, non-zero on, as the service writes it; on a failure it holds what the service left in it.
+ * @param[out] sfe_config  receives 0 off, non-zero on, as the service writes it; on failure it holds what the service
+ *                         left in it.
  *
- * Returns 13 no session; 4 sfe_config null; e | 0x1000 the service refused with error e; 0.
+ * @retval 13        no session
+ * @retval 4         sfe_config null
+ * @retval e|0x1000  the service refused with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_general_sfe_get_v1(uint8_t* sfe_config);
 

@@ -1,38 +1,30 @@
-/*
+/**
+ * @file
  * GRE offload in the IPA connection manager's configuration file, /etc/data/ipa/IPACM_cfg.xml.
  *
  * Both functions work on the file alone: with or without a session, and without asking the service. Nothing is locked:
- * of two writers at the same time the last one wins. They need the library libzr_nexa_ipacm_cfg, which they load from
- * beside libzr_nexa_client_api when first called; without it they return -1.
+ * of two writers at the same time the last one wins.
  */
 #ifndef ZR_NEXA_GRE_H
 #define ZR_NEXA_GRE_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
 
-#define ZR_NEXA_GRE_MAX_SERVERS 10
-#define ZR_NEXA_GRE_MAX_SUBNETS 2
+#define ZR_NEXA_GRE_SERVERS_MAX 10 /**< GRE servers */
+#define ZR_NEXA_GRE_SUBNETS_MAX 2  /**< subnet masks */
 
-/* Result when libzr_nexa_ipacm_cfg could not be loaded. */
-#define ZR_NEXA_GRE_ERR_NO_LIBRARY (-1)
-
+/** The GRE settings of the file. */
 typedef struct zr_nexa_wan_gre_ipacfg_t {
-    uint8_t gre_enabled;                                /* 1 on, any other value off */
-    uint8_t num_of_server_addrs;                        /* 0..10 */
-    uint32_t server_ipv4_addr[ZR_NEXA_GRE_MAX_SERVERS]; /* network byte order, as inet_pton writes it */
-    uint8_t num_of_subnet_masks;                        /* 0..2 */
-    uint32_t subnet_mask[ZR_NEXA_GRE_MAX_SUBNETS];      /* network byte order */
+    uint8_t gre_enabled;                                /**< 1 on, any other value off */
+    uint8_t num_of_server_addrs;                        /**< servers, 0..10 */
+    uint32_t server_ipv4_addr[ZR_NEXA_GRE_SERVERS_MAX]; /**< network byte order, as inet_pton writes it */
+    uint8_t num_of_subnet_masks;                        /**< masks, 0..2 */
+    uint32_t subnet_mask[ZR_NEXA_GRE_SUBNETS_MAX];      /**< network byte order */
 } zr_nexa_wan_gre_ipacfg_t;
 
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_wan_gre_ipacfg_t) == 56, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, server_ipv4_addr) == 4, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, num_of_subnet_masks) == 44, "the layout is fixed");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, subnet_mask) == 48, "the layout is fixed");
-
-/*
+/**
  * Writes the settings into the file. All that the file's GREFlag element held is replaced; with gre_enabled other than
  * 1 the addresses are dropped. The other elements stay as they are; comments, processing instructions and a document
  * type are not kept. The file is replaced by a copy of /var/run/data/zr_IPACM_cfg.tmp; a failure (a folder missing,
@@ -40,23 +32,25 @@ ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_wan_gre_ipacfg_t, subnet_mask) == 48, "th
  *
  * Waits without limit, trying every 50 ms, while the file is missing or cannot be parsed.
  *
- * Returns, in order of the checks:
- *    4  cfg null; num_of_server_addrs above 10; num_of_subnet_masks above 2; the file is untouched
- *   -1  the library could not be loaded; the file is untouched
- *    0
+ * @param[in] cfg  the settings.
+ *
+ * @retval 4  cfg null, num_of_server_addrs above 10 or num_of_subnet_masks above 2, and the file is untouched
+ * @retval 0  success
  */
 ZR_NEXA_API int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t* cfg);
 
-/*
+/**
  * Reads the settings from the file, which is left as it is.
- *
- * cfg: receives the whole record, unused elements and padding cleared. gre_enabled is 0 when the file says "0", with no
- *      addresses then, and 1 when it says anything else or nothing. An address that does not parse counts and is stored
- *      as 0. Of more servers or masks than the record holds the first 10 and 2 are taken, the others not counted.
  *
  * Waits without limit, trying every 50 ms, while the file is missing or cannot be parsed.
  *
- * Returns 4 cfg null; -1 the library could not be loaded; 0. cfg is untouched on failure.
+ * @param[out] cfg  receives the whole record, unused elements and padding cleared. gre_enabled is 0 when the file says
+ *                  "0", with no addresses then, and 1 when it says anything else or nothing. An address that does not
+ *                  parse counts and is stored as 0. Of more servers or masks than the record holds the first 10 and 2
+ *                  are taken, the others not counted.
+ *
+ * @retval 4  cfg null
+ * @retval 0  success
  */
 ZR_NEXA_API int32_t zr_nexa_wan_gre_ipacfg_get_v1(zr_nexa_wan_gre_ipacfg_t* cfg);
 

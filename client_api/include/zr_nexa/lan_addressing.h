@@ -1,187 +1,181 @@
-/* LAN addressing: gateway URL, addresses and DHCP server of a LAN bridge, default DHCP action, IPv4 and IPv6 switches.
+/**
+ * @file
+ * LAN addressing: gateway URL, addresses and DHCP server of a LAN bridge, default DHCP action, IPv4 and IPv6 switches.
  */
 #ifndef ZR_NEXA_LAN_ADDRESSING_H
 #define ZR_NEXA_LAN_ADDRESSING_H
 
-#include <stddef.h>
 #include <zr_nexa/base.h>
 
 ZR_NEXA_C_BEGIN
 
-/* Bytes of a buffer for the gateway URL. */
-#define ZR_NEXA_LAN_GWURL_SIZE 128
+#define ZR_NEXA_LAN_GWURL_SIZE 128        /**< bytes of a buffer for the gateway URL */
+#define ZR_NEXA_LAN_DNS_MODE_ADDRESSES 3u /**< the only DNS mode that carries addresses of its own */
 
-/* The only DNS mode that carries addresses of its own. */
-#define ZR_NEXA_LAN_DNS_MODE_ADDRESSES 3u
-
-/* Addressing of one LAN bridge. Every address is in host byte order. */
-typedef struct {
-    uint32_t gateway_ip; /* of the bridge itself */
-    uint32_t netmask;
-    uint32_t dhcp_start_ip; /* first address of the DHCP pool */
-    uint32_t dhcp_end_ip;   /* last address of the DHCP pool */
-    uint32_t lease_time;    /* seconds */
-    uint32_t mtu;           /* handed out by DHCP */
-    uint32_t dns_mode;      /* 1, 2 or 3; 3: the two addresses below */
-    uint32_t primary_dns;
-    uint32_t secondary_dns;
+/** Addressing of one LAN bridge. Every address is in host byte order. */
+typedef struct zr_nexa_lan_dhcp_cfg_t {
+    uint32_t gateway_ip;    /**< of the bridge itself */
+    uint32_t netmask;       /**< of the bridge */
+    uint32_t dhcp_start_ip; /**< first address of the DHCP pool */
+    uint32_t dhcp_end_ip;   /**< last address of the DHCP pool */
+    uint32_t lease_time;    /**< seconds */
+    uint32_t mtu;           /**< handed out by DHCP */
+    uint32_t dns_mode;      /**< 1, 2 or 3; 3: the two addresses below */
+    uint32_t primary_dns;   /**< with dns_mode 3 */
+    uint32_t secondary_dns; /**< with dns_mode 3 */
 } zr_nexa_lan_dhcp_cfg_t;
 
-ZR_NEXA_STATIC_ASSERT(sizeof(zr_nexa_lan_dhcp_cfg_t) == 36, "DHCP configuration");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_dhcp_cfg_t, lease_time) == 16, "lease time");
-ZR_NEXA_STATIC_ASSERT(offsetof(zr_nexa_lan_dhcp_cfg_t, secondary_dns) == 32, "secondary DNS");
-
-/*
+/**
  * Sets the gateway URL: the host name under which the module's own pages answer on the LAN.
  *
- * url: terminated by a zero; handed to the service whole, whatever its length.
+ * @param[in] url  terminated by a zero; handed to the service whole, whatever its length.
  *
- * Returns, in order of the checks:
- *   13          no session
- *   4           url null
- *   e | 0x1000  the service refused with error e
- *   0
+ * @retval 13        no session
+ * @retval 4         url null
+ * @retval e|0x1000  the service refused with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_gwurl_set_v1(const char* url);
 
-/*
+/**
  * Reads the gateway URL.
  *
- * url: buffer of ZR_NEXA_LAN_GWURL_SIZE bytes at least. The service writes the text into it; its size is not checked,
- *      and a text that fills it is not terminated.
- * len: receives the text's length in bytes.
- *
- * Preset both. On a failure they hold what the service left in them, and the log shows it: of url what stands before
+ * Preset both. On failure they hold what the service left in them, and the log shows it: of url what stands before
  * its zero, its first ZR_NEXA_LAN_GWURL_SIZE bytes at most.
  *
- * Returns, in order of the checks:
- *   13          no session
- *   4           url or len null
- *   e | 0x1000  the service refused with error e
- *   0
+ * @param[out] url  buffer of ZR_NEXA_LAN_GWURL_SIZE bytes at least. The service writes the text into it; its size is
+ *                  not checked, and a text that fills it is not terminated.
+ * @param[out] len  receives the text's length in bytes.
+ *
+ * @retval 13        no session
+ * @retval 4         url or len null
+ * @retval e|0x1000  the service refused with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_gwurl_get_v1(char* url, uint32_t* len);
 
-/*
+/**
  * Switches the DHCP server of one LAN bridge. A lan_id without a bridge switches the default DHCP action instead, as
  * zr_nexa_lan_dhcp_default_action_set_v1 does.
  *
- * lan_id: 0 the default LAN, else a VLAN id up to 4094.
- * enable: 0 off, 1 on. A bridge gets the low 8 bits (256 switches off, 2 is stored as 2), the default action the lowest
- *         bit (2 switches off).
- *
  * The bridge is not activated anew.
  *
- * Returns, in order of the checks:
- *   13          no session
- *   6           lan_id above 4094
- *   e | 0x1000  there is no such bridge, and the service refused the default action with error e
- *   e | 0x2000  the service did not give the bridge's configuration, error e
- *   e | 0x3000  the service refused the bridge's new configuration with error e
- *   0
+ * @param[in] lan_id  0 the default LAN, else a VLAN id up to 4094.
+ * @param[in] enable  0 off, 1 on. A bridge gets the low 8 bits (256 switches off, 2 is stored as 2), the default action
+ *                    the lowest bit (2 switches off).
+ *
+ * @retval 13        no session
+ * @retval 6         lan_id above 4094
+ * @retval e|0x1000  there is no such bridge, and the service refused the default action with error e
+ * @retval e|0x2000  the service did not give the bridge's configuration, error e
+ * @retval e|0x3000  the service refused the bridge's new configuration with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_dhcp_srvctl_set_v1(uint32_t lan_id, int32_t enable);
 
-/*
+/**
  * Reads the DHCP server's switch of one LAN bridge; for a lan_id without a bridge the default DHCP action.
  *
- * lan_id: 0 the default LAN, else a VLAN id up to 4094.
- * enable: receives the bridge's byte as the service keeps it, 0..255, or 0 or 1 for the default action. Not checked for
- *         null; left alone on a failure.
+ * @param[in]  lan_id  0 the default LAN, else a VLAN id up to 4094.
+ * @param[out] enable  receives the bridge's byte as the service keeps it, 0..255, or 0 or 1 for the default action. Not
+ *                     checked for null; untouched on failure.
  *
- * Returns, in order of the checks:
- *   13          no session
- *   6           lan_id above 4094
- *   e | 0x1000  there is no such bridge, and the service did not give the default action, error e
- *   e | 0x2000  the service did not give the bridge's configuration, error e
- *   0
+ * @retval 13        no session
+ * @retval 6         lan_id above 4094
+ * @retval e|0x1000  there is no such bridge, and the service did not give the default action, error e
+ * @retval e|0x2000  the service did not give the bridge's configuration, error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_dhcp_srvctl_get_v1(uint32_t lan_id, uint32_t* enable);
 
-/*
+/**
  * Sets address and DHCP pool of one LAN bridge and activates it. The DHCP server's switch stays as it is.
- *
- * lan_id: 0 the default LAN, else a VLAN id up to 4094.
- * cfg:    the new configuration; the service judges its values. The DNS addresses count with dns_mode 3 only; a
- *         dns_mode other than 1, 2 and 3 is stored as 0.
  *
  * What a step did stays done when a later one fails.
  *
- * Returns, in order of the checks:
- *   13          no session
- *   4           cfg null
- *   6           lan_id above 4094
- *   e | 0x1000  there is no such bridge, error e
- *   e | 0x2000  the service did not give the bridge's configuration, error e
- *   e | 0x3000  the service refused the new configuration with error e
- *   e | 0x4000  the configuration is stored, but activating it failed with error e
- *   0
+ * @param[in] lan_id  0 the default LAN, else a VLAN id up to 4094.
+ * @param[in] cfg     the new configuration; the service judges its values. The DNS addresses count with dns_mode 3
+ *                    only; a dns_mode other than 1, 2 and 3 is stored as 0.
+ *
+ * @retval 13        no session
+ * @retval 4         cfg null
+ * @retval 6         lan_id above 4094
+ * @retval e|0x1000  the bridge could not be selected, error e
+ * @retval e|0x2000  the service did not give the bridge's configuration, error e
+ * @retval e|0x3000  the service refused the new configuration with error e
+ * @retval e|0x4000  the configuration is stored, but activating it failed with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_dhcp_set_v1(uint32_t lan_id, const zr_nexa_lan_dhcp_cfg_t* cfg);
 
-/*
+/**
  * Reads address and DHCP pool of one LAN bridge.
  *
- * lan_id: 0 the default LAN, else a VLAN id up to 4094.
- * cfg:    receives the configuration. dns_mode is written when it is 1, 2 or 3, the DNS addresses when it is 3;
- *         otherwise they stay as they were: preset them. Left alone on a failure.
+ * @param[in]  lan_id  0 the default LAN, else a VLAN id up to 4094.
+ * @param[out] cfg     receives the configuration. dns_mode is written when it is 1, 2 or 3, the DNS addresses when it
+ *                     is 3; otherwise they stay as they were: preset them. Untouched on failure.
  *
- * Returns, in order of the checks:
- *   13          no session
- *   4           cfg null
- *   6           lan_id above 4094
- *   e | 0x1000  there is no such bridge, error e
- *   e | 0x2000  the service did not give the bridge's configuration, error e
- *   0
+ * @retval 13        no session
+ * @retval 4         cfg null
+ * @retval 6         lan_id above 4094
+ * @retval e|0x1000  the bridge could not be selected, error e
+ * @retval e|0x2000  the service did not give the bridge's configuration, error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_dhcp_get_v1(uint32_t lan_id, zr_nexa_lan_dhcp_cfg_t* cfg);
 
-/*
+/**
  * Reads the default DHCP action: whether the DHCP server starts when a VLAN bridge is first created.
  *
- * enable: receives 1 it starts, 0 it does not. Not checked for null; left alone on a failure.
+ * @param[out] enable  receives 1 it starts, 0 it does not. Not checked for null; untouched on failure.
  *
- * Returns 13 no session; e | 0x1000 the service refused with error e; 0.
+ * @retval 13        no session
+ * @retval e|0x1000  the service refused with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_dhcp_default_action_get_v1(uint8_t* enable);
 
-/*
+/**
  * Sets the default DHCP action.
  *
- * state: 0 the DHCP server does not start with a new bridge, 1 it starts. Not checked: the service gets it as it is.
+ * @param[in] state  0 the DHCP server does not start with a new bridge, 1 it starts. Not checked: the service gets it
+ *                   as it is.
  *
- * Returns 13 no session; e | 0x1000 the service refused with error e; 0.
+ * @retval 13        no session
+ * @retval e|0x1000  the service refused with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_dhcp_default_action_set_v1(uint32_t state);
 
-/*
+/**
  * Switches IPv4 and IPv6 of the mobile-AP service, IPv4 first. The IPv4 change stays when the IPv6 step fails.
  *
- * ipv4, ipv6: 0 off, 1 on.
+ * @param[in] ipv4  0 off, 1 on.
+ * @param[in] ipv6  0 off, 1 on.
  *
- * Returns, in order of the checks:
- *   13          no session
- *   4           ipv4 or ipv6 above 1
- *   e | 0x1000  switching IPv4 on failed with error e
- *   e | 0x2000  switching IPv4 off failed with error e
- *   e | 0x3000  switching IPv6 on failed with error e
- *   e | 0x4000  switching IPv6 off failed with error e
- *   0
+ * @retval 13        no session
+ * @retval 4         ipv4 or ipv6 above 1
+ * @retval e|0x1000  switching IPv4 on failed with error e
+ * @retval e|0x2000  switching IPv4 off failed with error e
+ * @retval e|0x3000  switching IPv6 on failed with error e
+ * @retval e|0x4000  switching IPv6 off failed with error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_ipv4v6_set_v1(uint32_t ipv4, uint32_t ipv6);
 
-/*
+/**
  * Reads the IPv4 and IPv6 switches.
  *
- * ipv4: receives the IPv4 switch, as the service gives it; already written when reading IPv6 fails.
- * ipv6: receives the IPv6 switch; left alone on a failure.
+ * There is no first step: the tags begin at 0x2000.
  *
- * Returns, in order of the checks (the tags begin at 0x2000):
- *   13          no session
- *   4           ipv4 or ipv6 null
- *   e | 0x2000  the service did not give the IPv4 switch, error e
- *   e | 0x3000  the service did not give the IPv6 switch, error e
- *   0
+ * @param[out] ipv4  receives the IPv4 switch, as the service gives it; already written when reading IPv6 fails.
+ * @param[out] ipv6  receives the IPv6 switch; untouched on failure.
+ *
+ * @retval 13        no session
+ * @retval 4         ipv4 or ipv6 null
+ * @retval e|0x2000  the service did not give the IPv4 switch, error e
+ * @retval e|0x3000  the service did not give the IPv6 switch, error e
+ * @retval 0         success
  */
 ZR_NEXA_API uint32_t zr_nexa_lan_ipv4v6_get_v1(uint8_t* ipv4, uint8_t* ipv6);
 

@@ -1,4 +1,7 @@
-/* The form of a MAC address text, as every part of the system that takes one checks it. */
+/**
+ * @file
+ * The form of a MAC address text, as every part of the system that takes one checks it.
+ */
 #ifndef ZR_NEXA_MAC_TEXT_H
 #define ZR_NEXA_MAC_TEXT_H
 
@@ -6,15 +9,17 @@
 
 #include <zr_nexa/base.h>
 
-#define ZR_NEXA_MAC_TEXT_LENGTH 17
+#define ZR_NEXA_MAC_TEXT_LENGTH 17 /**< characters of a MAC address text */
 
-/*
+/**
  * Tells whether text is a MAC address text: exactly 17 characters, ':' at every third position, a hexadecimal digit of
  * either case elsewhere.
  *
- * text: ends with a zero or at size, whichever comes first; not checked for null. Nothing is read beyond size bytes.
+ * @param[in] text  ends with a zero or at size, whichever comes first; not checked for null.
+ * @param[in] size  bytes of text; nothing is read beyond them.
  *
- * Returns 1 or 0.
+ * @retval 1  it is
+ * @retval 0  it is not
  */
 static inline int zr_nexa_is_mac_text(const char* text, size_t size)
 {

@@ -25,25 +25,16 @@ CREATE TABLE IF NOT EXISTS sip_server_network (
 );
 )";
 
-using mobile_ap::field_text;
-using mobile_ap::ipv4_text;
-using mobile_ap::ipv4_word;
-using mobile_ap::ipv6_bytes;
-using mobile_ap::method;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::set_field_text;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 namespace {
 
 constexpr uint64_t kAllAlgTypes = 3;
 
-qmi_error_type_v01 switch_algs(Store& db, uint64_t alg_types, bool enabled)
+void switch_algs(Store& db, uint64_t alg_types, bool enabled)
 {
-    if (alg_types == 0 || alg_types > kAllAlgTypes) return QMI_ERR_INVALID_ARG_V01;
+    if (alg_types == 0 || alg_types > kAllAlgTypes) refuse(QMI_ERR_INVALID_ARG_V01);
     db.run("UPDATE alg SET enabled = ? WHERE type & ?", enabled, alg_types);
-    return QMI_ERR_NONE_V01;
 }
 
 qcmap_msgr_sip_server_info_v01 ipv4_server(const Query& q)
@@ -79,17 +70,17 @@ void mobile_ap::add_network_sip_server(Store& db, int bridge, uint32_t family, c
     db.select_bridge(bridge);
     const bool by_address = !address.empty();
     uint8_t bytes[16];
-    if (family != 4 && family != 6) throw Refusal{QMI_ERR_INVALID_ARG_V01};
+    if (family != 4 && family != 6) refuse(QMI_ERR_INVALID_ARG_V01);
     if (by_address && inet_pton(family == 4 ? AF_INET : AF_INET6, address.c_str(), bytes) != 1)
-        throw Refusal{QMI_ERR_INVALID_ARG_V01};
+        refuse(QMI_ERR_INVALID_ARG_V01);
     if (!by_address && (fqdn.empty() || fqdn.size() > sizeof(qcmap_msgr_sip_server_info_v01::fqdn)))
-        throw Refusal{QMI_ERR_INVALID_ARG_V01};
+        refuse(QMI_ERR_INVALID_ARG_V01);
     const int added = db.run(
         "INSERT INTO sip_server_network (bridge, family, type, address, fqdn) SELECT ?1, ?2, ?3, ?4, ?5"
         " WHERE (SELECT count(*) FROM sip_server_network WHERE bridge = ?1 AND family = ?2) < ?6",
         bridge, family, by_address ? QCMAP_SIP_INFO_IP : QCMAP_SIP_INFO_FQDN, address, by_address ? "" : fqdn,
         QCMAP_MAX_SIP_SERVERS);
-    if (added == 0) throw Refusal{QMI_ERR_LIMIT_V01};
+    if (added == 0) refuse(QMI_ERR_LIMIT_V01);
 }
 
 void mobile_ap::clear_network_sip_servers(Store& db, int bridge)
@@ -100,23 +91,22 @@ void mobile_ap::clear_network_sip_servers(Store& db, int bridge)
 
 bool QCMAP_Client::EnableAlg(uint64_t alg_types, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) { return switch_algs(db, alg_types, true); });
+    return method(session_, __func__, err, [&](Store& db) { switch_algs(db, alg_types, true); });
 }
 
 bool QCMAP_Client::DisableAlg(uint64_t alg_types, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) { return switch_algs(db, alg_types, false); });
+    return method(session_, __func__, err, [&](Store& db) { switch_algs(db, alg_types, false); });
 }
 
 bool QCMAP_Client::SetSIPServerInfo(qcmap_msgr_sip_server_info_v01* info, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
         if (info->pcscf_info_type != QCMAP_SIP_INFO_IP && info->pcscf_info_type != QCMAP_SIP_INFO_FQDN)
-            return QMI_ERR_INVALID_ARG_V01;
+            refuse(QMI_ERR_INVALID_ARG_V01);
         db.run("INSERT OR REPLACE INTO sip_server_configured (bridge, type, address, fqdn) VALUES (?, ?, ?, ?)",
                db.selected_bridge(), info->pcscf_info_type, ipv4_text(info->ipv4_addr),
                field_text(info->fqdn, sizeof info->fqdn));
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -133,7 +123,6 @@ bool QCMAP_Client::GetSIPServerInfo(qcmap_msgr_sip_server_info_v01* configured, 
         *network_count = 0;
         while (q.next())
             network[(*network_count)++] = ipv4_server(q);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -145,6 +134,5 @@ bool QCMAP_Client::GetV6SIPServerInfo(qcmap_msgr_ipv6_sip_server_info_v01* netwo
         *network_count = 0;
         while (q.next())
             network[(*network_count)++] = ipv6_server(q);
-        return QMI_ERR_NONE_V01;
     });
 }

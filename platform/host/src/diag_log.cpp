@@ -15,6 +15,7 @@
 #include <atomic>
 
 #include "diag_msg.h"
+#include "utc_time.h"
 
 namespace {
 
@@ -102,26 +103,14 @@ int choose_target()
     return target;
 }
 
-// "2025-11-20T11:20:33.123Z", computed here because the C library's own conversion takes a lock.
+// "2025-11-20T11:20:33.123Z"
 size_t put_time(char* out, size_t size)
 {
     timespec now = {};
     clock_gettime(CLOCK_REALTIME, &now);
-    const long long seconds = now.tv_sec;
-    const long long days = seconds / 86400;
-    const int in_day = static_cast<int>(seconds % 86400);
-    // Years are counted from March, in eras of 400 years, so that the leap day comes last.
-    const long long shifted = days + 719468;
-    const long long era = shifted / 146097;
-    const int day_of_era = static_cast<int>(shifted % 146097);
-    const int year_of_era = (day_of_era - day_of_era / 1460 + day_of_era / 36524 - day_of_era / 146096) / 365;
-    const int day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
-    const int march_month = (5 * day_of_year + 2) / 153;
-    const int day = day_of_year - (153 * march_month + 2) / 5 + 1;
-    const int month = march_month < 10 ? march_month + 3 : march_month - 9;
-    const int year = static_cast<int>(era * 400) + year_of_era + (month <= 2 ? 1 : 0);
-    const int length = snprintf(out, size, "%04d-%02d-%02dT%02d:%02d:%02d.%03dZ", year, month, day, in_day / 3600,
-                                in_day / 60 % 60, in_day % 60, static_cast<int>(now.tv_nsec / 1000000));
+    const mobile_ap::UtcTime utc = mobile_ap::utc_time(now.tv_sec);
+    const int length = snprintf(out, size, "%04d-%02d-%02dT%02d:%02d:%02d.%03dZ", utc.year, utc.month, utc.day,
+                                utc.hour, utc.minute, utc.second, static_cast<int>(now.tv_nsec / 1000000));
     return length > 0 ? static_cast<size_t>(length) : 0;
 }
 

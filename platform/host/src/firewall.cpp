@@ -53,17 +53,7 @@ CREATE TABLE IF NOT EXISTS hw_mac_filter_interface (
 );
 )";
 
-using mobile_ap::ipv4_text;
-using mobile_ap::ipv4_word;
-using mobile_ap::ipv6_bytes;
-using mobile_ap::ipv6_text;
-using mobile_ap::mac_bytes;
-using mobile_ap::mac_text;
-using mobile_ap::method;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::Refusal;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 namespace {
 
@@ -124,7 +114,7 @@ void restore_header(const Header& header, qcmap_firewall_filter* filter)
 
 void check_family(uint32_t ip_family)
 {
-    if (ip_family != 0 && ip_family != 4 && ip_family != 6) throw Refusal{QMI_ERR_INVALID_ARG_V01};
+    if (ip_family != 0 && ip_family != 4 && ip_family != 6) refuse(QMI_ERR_INVALID_ARG_V01);
 }
 
 }  // namespace
@@ -134,11 +124,11 @@ bool QCMAP_Client::AddFireWallEntry(qcmap_msgr_firewall_conf_t* conf, qmi_error_
     return method(session_, __func__, err, [&](Store& db) {
         const qcmap_firewall_filter& filter = conf->filter;
         const qcmap_transport_filter& transport = filter.transport;
-        if (filter.ip_version != 4 && filter.ip_version != 6) return QMI_ERR_INVALID_ARG_V01;
-        if (conf->direction > 2) return QMI_ERR_INVALID_ARG_V01;
+        if (filter.ip_version != 4 && filter.ip_version != 6) refuse(QMI_ERR_INVALID_ARG_V01);
+        if (conf->direction > 2) refuse(QMI_ERR_INVALID_ARG_V01);
         const uint32_t profile = db.selected_profile();
         const auto entries = db.one<int>("SELECT COUNT(*) FROM firewall_entry WHERE profile = ?", profile);
-        if (entries >= QCMAP_MAX_FIREWALL_ENTRIES) return QMI_ERR_LIMIT_V01;
+        if (entries >= QCMAP_MAX_FIREWALL_ENTRIES) refuse(QMI_ERR_LIMIT_V01);
         const Header header = stored_header(filter);
         db.run(
             "INSERT INTO firewall_entry (profile, direction, ip_version, fields, src_addr, src_mask, dst_addr, "
@@ -149,7 +139,6 @@ bool QCMAP_Client::AddFireWallEntry(qcmap_msgr_firewall_conf_t* conf, qmi_error_
             header.dst_addr, header.dst_mask, header.tos, header.tos_mask, header.nat_flag, filter.next_header,
             transport.field_mask, transport.src_port, transport.src_port_range, transport.dst_port,
             transport.dst_port_range, transport.icmp_type, transport.icmp_code, transport.esp_spi);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -164,7 +153,6 @@ bool QCMAP_Client::GetFireWallHandlesList(qcmap_msgr_get_firewall_handle_list_co
         while (q.next()) {
             handles->handle[handles->count++] = q.get<uint32_t>(0);
         }
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -177,7 +165,7 @@ bool QCMAP_Client::GetFireWallEntry(qcmap_msgr_firewall_entry_conf_t* conf, qmi_
             " protocol, transport_fields, src_port, src_port_range, dst_port, dst_port_range, icmp_type, icmp_code,"
             " esp_spi FROM firewall_entry WHERE handle = ? AND profile = ? AND ? IN (0, ip_version)",
             conf->handle, db.selected_profile(), conf->ip_family);
-        if (!q.next()) return QMI_ERR_NO_ENTRY_V01;
+        if (!q.next()) refuse(QMI_ERR_NO_ENTRY_V01);
         qcmap_firewall_filter& filter = conf->filter;
         memset(&filter, 0, sizeof filter);
         conf->direction = q.get<uint32_t>(0);
@@ -189,7 +177,6 @@ bool QCMAP_Client::GetFireWallEntry(qcmap_msgr_firewall_entry_conf_t* conf, qmi_
         filter.next_header = q.get<uint8_t>(10);
         filter.transport = {q.get<uint32_t>(11), q.get<uint16_t>(12), q.get<uint16_t>(13), q.get<uint16_t>(14),
                             q.get<uint16_t>(15), q.get<uint8_t>(16),  q.get<uint8_t>(17),  q.get<uint32_t>(18)};
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -198,14 +185,14 @@ bool QCMAP_Client::DeleteFireWallEntry(int handle, qmi_error_type_v01* err)
     return method(session_, __func__, err, [&](Store& db) {
         const int deleted =
             db.run("DELETE FROM firewall_entry WHERE handle = ? AND profile = ?", handle, db.selected_profile());
-        return deleted == 0 ? QMI_ERR_NO_ENTRY_V01 : QMI_ERR_NONE_V01;
+        if (deleted == 0) refuse(QMI_ERR_NO_ENTRY_V01);
     });
 }
 
 bool QCMAP_Client::SetFirewall(unsigned int enable_firewall, unsigned int pkts_allowed, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (enable_firewall > 1 || (enable_firewall == 1 && pkts_allowed > 1)) return QMI_ERR_INVALID_ARG_V01;
+        if (enable_firewall > 1 || (enable_firewall == 1 && pkts_allowed > 1)) refuse(QMI_ERR_INVALID_ARG_V01);
         const uint32_t profile = db.selected_profile();
         db.run("INSERT OR IGNORE INTO firewall (profile, enabled, packets_allowed) VALUES (?, 0, 0)", profile);
         db.run("UPDATE firewall SET enabled = ? WHERE profile = ?", enable_firewall, profile);
@@ -213,7 +200,6 @@ bool QCMAP_Client::SetFirewall(unsigned int enable_firewall, unsigned int pkts_a
         if (pkts_allowed <= 1) {
             db.run("UPDATE firewall SET packets_allowed = ? WHERE profile = ?", pkts_allowed, profile);
         }
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -224,7 +210,6 @@ bool QCMAP_Client::GetFirewall(unsigned char* enable_firewall, unsigned char* pk
         const bool said = q.next();
         *enable_firewall = said ? q.get<unsigned char>(0) : 0;
         *pkts_allowed = said ? q.get<unsigned char>(1) : 0;
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -233,10 +218,10 @@ bool QCMAP_Client::SetHWMACFilteringState(qcmap_msgr_config_state_enum_v01 state
 {
     return method(session_, __func__, err, [&](Store& db) {
         if (state < QCMAP_MSGR_CONFIG_STATE_OFF_V01 || state > QCMAP_MSGR_CONFIG_STATE_LIST_V01) {
-            return QMI_ERR_INVALID_ARG_V01;
+            refuse(QMI_ERR_INVALID_ARG_V01);
         }
         if (config.mac_count > QCMAP_MAX_HW_FILTER_MACS || config.iface_count > QCMAP_MAX_HW_FILTER_IFACES) {
-            return QMI_ERR_INVALID_ARG_V01;
+            refuse(QMI_ERR_INVALID_ARG_V01);
         }
         db.run("UPDATE hw_mac_filter SET state = ?", state);
         db.run("DELETE FROM hw_mac_filter_station");
@@ -249,7 +234,6 @@ bool QCMAP_Client::SetHWMACFilteringState(qcmap_msgr_config_state_enum_v01 state
             db.run("INSERT INTO hw_mac_filter_interface VALUES (?, ?, ?, ?, ?, ?)", i, word[0], word[1], word[2],
                    word[3], word[4]);
         }
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -274,6 +258,5 @@ bool QCMAP_Client::GetHWMACFilteringState(qcmap_msgr_config_state_enum_v01* stat
             }
             ++config->iface_count;
         }
-        return QMI_ERR_NONE_V01;
     });
 }

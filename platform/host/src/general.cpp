@@ -6,24 +6,18 @@ CREATE TABLE IF NOT EXISTS data_path (optimised INTEGER NOT NULL);
 INSERT INTO data_path (optimised) SELECT 1 WHERE NOT EXISTS (SELECT 1 FROM data_path);
 )";
 
-using mobile_ap::method;
-using mobile_ap::read_method;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 bool QCMAP_Client::RestoreFactoryConfig(qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) {
-        db.restore_factory();
-        return QMI_ERR_NONE_V01;
-    });
+    return method(session_, __func__, err, [&](Store& db) { restore_factory(db); });
 }
 
 bool QCMAP_Client::SetDataPathOptStatus(unsigned char enable, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (enable > 1) return QMI_ERR_INVALID_ARG_V01;
+        if (enable > 1) refuse(QMI_ERR_INVALID_ARG_V01);
         db.run("UPDATE data_path SET optimised = ?", enable);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -31,6 +25,5 @@ bool QCMAP_Client::GetDataPathOptStatus(unsigned char* enable, qmi_error_type_v0
 {
     return read_method(session_, __func__, err, [&](Store& db) {
         *enable = db.one<unsigned char>("SELECT optimised FROM data_path").value_or(0);
-        return QMI_ERR_NONE_V01;
     });
 }

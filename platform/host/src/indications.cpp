@@ -9,6 +9,8 @@
 
 #include <vector>
 
+#include "indication_wire.h"
+
 namespace mobile_ap {
 namespace {
 
@@ -16,28 +18,27 @@ constexpr size_t kListenerStackBytes = size_t{2} << 20;
 constexpr int kRoundMs = 200;
 constexpr int kKept = 1000;
 constexpr int kBatch = 32;
-constexpr uint8_t kRecordTag = 0x01;
 
 }  // namespace
 
-// On the wire: tag, length of the record (16 bits, low byte first), the record.
-void indicate_bytes(Store& db, unsigned int msg_id, const void* record, size_t size)
+void indicate_bytes(Database& db, unsigned int msg_id, const void* record, size_t size)
 {
-    std::vector<uint8_t> wire = {kRecordTag, static_cast<uint8_t>(size & 0xff), static_cast<uint8_t>(size >> 8)};
+    const WireHeader header = wire_header(size);
+    std::vector<uint8_t> wire(header.begin(), header.end());
     const uint8_t* bytes = static_cast<const uint8_t*>(record);
     wire.insert(wire.end(), bytes, bytes + size);
     db.run("INSERT INTO indication (msg_id, wire, time) VALUES (?, ?, strftime('%Y-%m-%dT%H:%M:%fZ', 'now'))", msg_id,
            Blob{wire.data(), wire.size()});
     db.run("DELETE FROM indication WHERE id <= (SELECT max(id) FROM indication) - ?", kKept);
-    db.queued_indication();
+    db.touch_on_commit();
 }
 
-uint32_t mobile_ap_handle(Store& db)
+uint32_t mobile_ap_handle(Database& db)
 {
     return db.one<uint32_t>("SELECT handle FROM mobile_ap").value_or(0);
 }
 
-int64_t newest_indication(Store& db)
+int64_t newest_indication(Database& db)
 {
     return db.one<int64_t>("SELECT seq FROM sqlite_sequence WHERE name = 'indication'").value_or(0);
 }
@@ -102,7 +103,7 @@ void* Listener::run(void* listener)
 void Listener::listen()
 {
     listening_thread_ = pthread_self();
-    store_.set_patience(kRoundMs / 2);
+    db_.set_patience(kRoundMs / 2);
     // A method that has queued indications touches the database file's times, which tells this from its mere writes.
     // Where no watch is to be had, the rounds alone do.
     const int watch = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
@@ -116,7 +117,7 @@ void Listener::listen()
         if (!stopping_) deliver_new();
     }
     if (watch >= 0) close(watch);
-    store_.close();
+    db_.close();
 }
 
 void Listener::deliver_new()
@@ -129,22 +130,21 @@ void Listener::deliver_new()
     for (bool more = true; more && !stopping_;) {
         std::vector<Pending> batch;
         try {
-            if (store_.is_open() && store_.replaced()) {
-                store_.close();
+            if (db_.is_open() && db_.replaced()) {
+                db_.close();
                 newest_ = 0;  // another database: all that is in it is new
             }
-            if (!store_.is_open()) store_.open_quietly(path_);
-            store_.begin_reading();
-            Query q = store_.query("SELECT id, msg_id, wire FROM indication WHERE id > ? ORDER BY id LIMIT ?", newest_,
-                                   kBatch);
+            if (!db_.is_open()) db_.open(path_);
+            const Transaction transaction(db_, Access::kRead);
+            Query q =
+                db_.query("SELECT id, msg_id, wire FROM indication WHERE id > ? ORDER BY id LIMIT ?", newest_, kBatch);
             while (q.next())
                 batch.push_back({q.get<int64_t>(0), q.get<unsigned int>(1), q.get<std::vector<uint8_t>>(2)});
-        } catch (const StoreError&) {
+        } catch (const DatabaseError&) {
             batch.clear();  // nothing is lost: the next round asks again
         } catch (const std::bad_alloc&) {
             batch.clear();
         }
-        store_.roll_back();
         for (Pending& each : batch) {
             if (stopping_) return;
             newest_ = each.id;

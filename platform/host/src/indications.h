@@ -9,27 +9,27 @@
 #include <atomic>
 #include <string>
 
+#include "database.h"
 #include "qcmap_client.h"
 #include "qcmap_indications.h"
-#include "store.h"
 
 namespace mobile_ap {
 
 // Queues one indication. It goes out, in order, when the method's transaction is made good.
-void indicate_bytes(Store& db, unsigned int msg_id, const void* record, size_t size);
+void indicate_bytes(Database& db, unsigned int msg_id, const void* record, size_t size);
 
 template <class Record>
-void indicate(Store& db, unsigned int msg_id, const Record& record)
+void indicate(Database& db, unsigned int msg_id, const Record& record)
 {
     static_assert(std::is_trivially_copyable_v<Record>, "goes out as it lies in memory");
     indicate_bytes(db, msg_id, &record, sizeof record);
 }
 
 // The handle that indications must carry to be meant for the sessions of this state.
-uint32_t mobile_ap_handle(Store& db);
+uint32_t mobile_ap_handle(Database& db);
 
 // Id of the newest indication; what is younger is delivered.
-int64_t newest_indication(Store& db);
+int64_t newest_indication(Database& db);
 
 // The thread that delivers.
 class Listener {
@@ -55,7 +55,7 @@ private:
     const client_status_ind_t callback_;
     void* const user_;
     std::string path_;
-    Store store_;
+    Database db_;
     int64_t newest_ = 0;
     pthread_t thread_ = {};
     bool running_ = false;

@@ -31,12 +31,7 @@ CREATE TABLE IF NOT EXISTS lan_service (
 INSERT INTO lan_service SELECT 'mobileap.home', 1, 1, 1 WHERE NOT EXISTS (SELECT 1 FROM lan_service);
 )";
 
-using mobile_ap::ipv4_text;
-using mobile_ap::ipv4_word;
-using mobile_ap::method;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 namespace {
 
@@ -49,12 +44,6 @@ uint32_t bridge_net(int vlan_id)
     return id <= 30 ? 0xc0a80000u + ((225u + id) << 8) : 0x0a000000u + (id << 8);
 }
 
-qmi_error_type_v01 set_switch(Store& db, const char* sql)
-{
-    db.run(sql);
-    return QMI_ERR_NONE_V01;
-}
-
 }  // namespace
 
 void mobile_ap::add_bridge(Store& db, int vlan_id)
@@ -64,20 +53,19 @@ void mobile_ap::add_bridge(Store& db, int vlan_id)
         "INSERT OR IGNORE INTO lan_bridge (id, gateway_ip, dhcp_enabled, dhcp_start_ip, dhcp_end_ip)"
         " VALUES (?, ?, (SELECT default_dhcp_action = 1 FROM lan_service), ?, ?)",
         vlan_id, ipv4_text(net + 1), ipv4_text(net + 20), ipv4_text(net + 60));
-    if (added == 0) throw Refusal{QMI_ERR_ALREADY_THERE_V01};
+    if (added == 0) refuse(QMI_ERR_ALREADY_THERE_V01);
 }
 
 void mobile_ap::remove_bridge(Store& db, int vlan_id)
 {
-    if (db.run("DELETE FROM lan_bridge WHERE id = ? AND id <> 0", vlan_id) == 0) throw Refusal{QMI_ERR_NO_ENTRY_V01};
+    if (db.run("DELETE FROM lan_bridge WHERE id = ? AND id <> 0", vlan_id) == 0) refuse(QMI_ERR_NO_ENTRY_V01);
 }
 
 bool QCMAP_Client::SetGatewayUrl(unsigned char* url, unsigned int len, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (len == 0 || len > kMaxGatewayUrlLen) return QMI_ERR_INVALID_ARG_V01;
+        if (len == 0 || len > kMaxGatewayUrlLen) refuse(QMI_ERR_INVALID_ARG_V01);
         db.run("UPDATE lan_service SET gateway_url = ?", std::string(url, url + len));
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -89,16 +77,12 @@ bool QCMAP_Client::GetGatewayUrl(unsigned char* url, unsigned int* len, qmi_erro
             db.one<std::string>("SELECT gateway_url FROM lan_service").value_or("").substr(0, kMaxGatewayUrlLen);
         memcpy(url, text.c_str(), text.size() + 1);
         *len = static_cast<unsigned int>(text.size());
-        return QMI_ERR_NONE_V01;
     });
 }
 
 bool QCMAP_Client::SelectLANBridge(short lan_id, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) {
-        db.select_bridge(lan_id);
-        return QMI_ERR_NONE_V01;
-    });
+    return read_method(session_, __func__, err, [&](Store& db) { db.select_bridge(lan_id); });
 }
 
 bool QCMAP_Client::GetLANConfig(qcmap_msgr_lan_config_v01* lan, qmi_error_type_v01* err)
@@ -119,7 +103,6 @@ bool QCMAP_Client::GetLANConfig(qcmap_msgr_lan_config_v01* lan, qmi_error_type_v
         lan->primary_dns = ipv4_word(q.get<std::string>(7));
         lan->secondary_dns = ipv4_word(q.get<std::string>(8));
         lan->mtu = q.get<uint32_t>(9);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -132,24 +115,19 @@ bool QCMAP_Client::SetLANConfig(qcmap_msgr_lan_config_v01 lan, qmi_error_type_v0
             ipv4_text(lan.gateway_ip), ipv4_text(lan.netmask), lan.enable_dhcp, ipv4_text(lan.dhcp_start_ip),
             ipv4_text(lan.dhcp_end_ip), lan.lease_time, lan.dns_mode, ipv4_text(lan.primary_dns),
             ipv4_text(lan.secondary_dns), lan.mtu, db.selected_bridge());
-        return QMI_ERR_NONE_V01;
     });
 }
 
 bool QCMAP_Client::ActivateLAN(qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) {
-        db.run("UPDATE lan_bridge SET activated = 1 WHERE id = ?", db.selected_bridge());
-        return QMI_ERR_NONE_V01;
-    });
+    return method(session_, __func__, err,
+                  [&](Store& db) { db.run("UPDATE lan_bridge SET activated = 1 WHERE id = ?", db.selected_bridge()); });
 }
 
 bool QCMAP_Client::ZR_SetDefaultEnableDHCP(qcmap_msgr_config_state_enum_v01 state, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) {
-        db.run("UPDATE lan_service SET default_dhcp_action = ?", state);
-        return QMI_ERR_NONE_V01;
-    });
+    return method(session_, __func__, err,
+                  [&](Store& db) { db.run("UPDATE lan_service SET default_dhcp_action = ?", state); });
 }
 
 bool QCMAP_Client::ZR_GetDefaultEnableDHCP(qcmap_msgr_config_state_enum_v01* state, qmi_error_type_v01* err)
@@ -157,39 +135,33 @@ bool QCMAP_Client::ZR_GetDefaultEnableDHCP(qcmap_msgr_config_state_enum_v01* sta
     return read_method(session_, __func__, err, [&](Store& db) {
         *state = db.one<qcmap_msgr_config_state_enum_v01>("SELECT default_dhcp_action FROM lan_service")
                      .value_or(QCMAP_MSGR_CONFIG_STATE_OFF_V01);
-        return QMI_ERR_NONE_V01;
     });
 }
 
 bool QCMAP_Client::EnableIPV4(qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err,
-                  [&](Store& db) { return set_switch(db, "UPDATE lan_service SET ipv4_enabled = 1"); });
+    return method(session_, __func__, err, [&](Store& db) { db.run("UPDATE lan_service SET ipv4_enabled = 1"); });
 }
 
 bool QCMAP_Client::DisableIPV4(qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err,
-                  [&](Store& db) { return set_switch(db, "UPDATE lan_service SET ipv4_enabled = 0"); });
+    return method(session_, __func__, err, [&](Store& db) { db.run("UPDATE lan_service SET ipv4_enabled = 0"); });
 }
 
 bool QCMAP_Client::EnableIPV6(qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err,
-                  [&](Store& db) { return set_switch(db, "UPDATE lan_service SET ipv6_enabled = 1"); });
+    return method(session_, __func__, err, [&](Store& db) { db.run("UPDATE lan_service SET ipv6_enabled = 1"); });
 }
 
 bool QCMAP_Client::DisableIPV6(qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err,
-                  [&](Store& db) { return set_switch(db, "UPDATE lan_service SET ipv6_enabled = 0"); });
+    return method(session_, __func__, err, [&](Store& db) { db.run("UPDATE lan_service SET ipv6_enabled = 0"); });
 }
 
 bool QCMAP_Client::GetIPv4State(unsigned char* state, qmi_error_type_v01* err)
 {
     return read_method(session_, __func__, err, [&](Store& db) {
         *state = db.one<unsigned char>("SELECT ipv4_enabled FROM lan_service").value_or(0);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -197,6 +169,5 @@ bool QCMAP_Client::GetIPv6State(unsigned char* state, qmi_error_type_v01* err)
 {
     return read_method(session_, __func__, err, [&](Store& db) {
         *state = db.one<unsigned char>("SELECT ipv6_enabled FROM lan_service").value_or(0);
-        return QMI_ERR_NONE_V01;
     });
 }

@@ -37,16 +37,7 @@ CREATE TABLE IF NOT EXISTS software_path_address (
 );
 )";
 
-using mobile_ap::field_text;
-using mobile_ap::mac_bytes;
-using mobile_ap::mac_text;
-using mobile_ap::method;
-using mobile_ap::network_ipv4_text;
-using mobile_ap::network_ipv4_word;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::set_field_text;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 namespace {
 
@@ -94,9 +85,8 @@ bool QCMAP_Client::SetFeatureMode(unsigned long long features, qcmap_client_feat
     return method(session_, __func__, err, [&](Store& db) {
         if (features != kNatFeature || config->features != kNatFeature || config->feature_mode < kNatModeMin ||
             config->feature_mode > kNatModeMax)
-            return QMI_ERR_INVALID_ARG_V01;
+            refuse(QMI_ERR_INVALID_ARG_V01);
         db.run("UPDATE passthrough_service SET nat_mode = ?", config->feature_mode);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -107,19 +97,17 @@ bool QCMAP_Client::GetFeatureMode(unsigned long long* features, qcmap_client_fea
         *features = kNatFeature;
         config->features = kNatFeature;
         config->feature_mode = db.one<uint32_t>("SELECT nat_mode FROM passthrough_service").value_or(kNatModeMin);
-        return QMI_ERR_NONE_V01;
     });
 }
 
 bool QCMAP_Client::ZR_SetIPPTNATPDN(int pdn, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (pdn < kPdnMin || pdn > kPdnMax) return QMI_ERR_INVALID_ARG_V01;
+        if (pdn < kPdnMin || pdn > kPdnMax) refuse(QMI_ERR_INVALID_ARG_V01);
         db.run(
             "INSERT INTO passthrough_nat (bridge, mode) VALUES (?, ?)"
             " ON CONFLICT (bridge) DO UPDATE SET mode = excluded.mode",
             db.selected_bridge(), pdn);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -127,7 +115,6 @@ bool QCMAP_Client::ZR_GetIPPTNATPDN(int* pdn, qmi_error_type_v01* err)
 {
     return read_method(session_, __func__, err, [&](Store& db) {
         *pdn = db.one<int>("SELECT mode FROM passthrough_nat WHERE bridge = ?", db.selected_bridge()).value_or(kPdnMin);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -138,17 +125,16 @@ bool QCMAP_Client::SetIPPassthroughConfig(qcmap_msgr_ip_passthrough_mode_enum_v0
         const int bridge = db.selected_bridge();
         if (mode == QCMAP_MSGR_IP_PASSTHROUGH_MODE_DISABLED_V01) {
             db.run("DELETE FROM passthrough WHERE bridge = ?", bridge);
-            return QMI_ERR_NONE_V01;
+            return;
         }
         if (mode != QCMAP_MSGR_IP_PASSTHROUGH_MODE_ENABLED_V01 || !has_config || config == nullptr ||
             !is_passthrough(*config))
-            return QMI_ERR_INVALID_ARG_V01;
+            refuse(QMI_ERR_INVALID_ARG_V01);
         db.run(
             "INSERT OR REPLACE INTO passthrough (bridge, device_type, adaptive_flag, adaptive_value, mac, host_name)"
             " VALUES (?, ?, ?, ?, ?, ?)",
             bridge, config->device_type, config->adaptive_flag, config->adaptive_value, mac_text(config->mac),
             field_text(config->host_name, sizeof config->host_name));
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -161,21 +147,20 @@ bool QCMAP_Client::GetIPPassthroughConfig(qcmap_msgr_ip_passthrough_mode_enum_v0
             db.selected_bridge());
         *mode = QCMAP_MSGR_IP_PASSTHROUGH_MODE_DISABLED_V01;
         *config = {};
-        if (!q.next()) return QMI_ERR_NONE_V01;
+        if (!q.next()) return;
         *mode = QCMAP_MSGR_IP_PASSTHROUGH_MODE_ENABLED_V01;
         config->device_type = q.get<uint32_t>(0);
         config->adaptive_flag = q.get<uint8_t>(1);
         config->adaptive_value = q.get<uint8_t>(2);
         mac_bytes(q.get<std::string>(3), config->mac);
         set_field_text(config->host_name, sizeof config->host_name, q.get<std::string>(4));
-        return QMI_ERR_NONE_V01;
     });
 }
 
 bool QCMAP_Client::GetIPPassthroughSoftwarePathFilters(qcmap_msgr_sw_path_filters_conf_t* list, qmi_error_type_v01* err)
 {
     return read_method(session_, __func__, err, [&](Store& db) {
-        if (list->request != kFilterRequest) return QMI_ERR_INVALID_ARG_V01;
+        if (list->request != kFilterRequest) refuse(QMI_ERR_INVALID_ARG_V01);
         const int bridge = db.selected_bridge();
         *list = {};
         list->request = kFilterRequest;
@@ -185,7 +170,6 @@ bool QCMAP_Client::GetIPPassthroughSoftwarePathFilters(qcmap_msgr_sw_path_filter
         while (list->count < QCMAP_MAX_SW_PATH_FILTERS && q.next()) {
             list->filter[list->count++] = {q.get<uint16_t>(0), q.get<uint16_t>(1), q.get<uint32_t>(2)};
         }
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -193,30 +177,29 @@ bool QCMAP_Client::GetIPPassthroughSoftwarePathFilters(qcmap_msgr_sw_path_filter
 bool QCMAP_Client::SetIPPassthroughSoftwarePathFilters(qcmap_msgr_sw_path_filters_conf_t* list, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (list->request != kFilterRequest) return QMI_ERR_INVALID_ARG_V01;
-        if (list->count > QCMAP_MAX_SW_PATH_FILTERS) return QMI_ERR_LIMIT_V01;
+        if (list->request != kFilterRequest) refuse(QMI_ERR_INVALID_ARG_V01);
+        if (list->count > QCMAP_MAX_SW_PATH_FILTERS) refuse(QMI_ERR_LIMIT_V01);
         const int bridge = db.selected_bridge();
         db.run("INSERT OR REPLACE INTO gateway_filter_list (bridge, flags) VALUES (?, ?)", bridge, list->flags);
         db.run("DELETE FROM gateway_filter WHERE bridge = ?", bridge);
         for (int i = 0; i < list->count; ++i) {
             const qcmap_sw_path_filter& filter = list->filter[i];
-            if (!is_filter(filter)) return QMI_ERR_INVALID_ARG_V01;
+            if (!is_filter(filter)) refuse(QMI_ERR_INVALID_ARG_V01);
             db.run("INSERT INTO gateway_filter (bridge, number, protocol, start_port, end_port) VALUES (?, ?, ?, ?, ?)",
                    bridge, i + 1, filter.protocol, filter.start_port, filter.end_port);
         }
-        return QMI_ERR_NONE_V01;
     });
 }
 
 bool QCMAP_Client::ZR_AddIPToSWPathFilters(unsigned int ipv4_address, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (ipv4_address == 0) return QMI_ERR_INVALID_ARG_V01;
+        if (ipv4_address == 0) refuse(QMI_ERR_INVALID_ARG_V01);
         const int added =
             db.run("INSERT OR IGNORE INTO software_path_address (address) VALUES (?)", network_ipv4_text(ipv4_address));
-        if (added == 0) return QMI_ERR_ALREADY_THERE_V01;
+        if (added == 0) refuse(QMI_ERR_ALREADY_THERE_V01);
         const auto addresses = db.one<int>("SELECT count(*) FROM software_path_address");
-        return addresses > QCMAP_MAX_SW_PATH_FILTERS ? QMI_ERR_LIMIT_V01 : QMI_ERR_NONE_V01;
+        if (addresses > QCMAP_MAX_SW_PATH_FILTERS) refuse(QMI_ERR_LIMIT_V01);
     });
 }
 
@@ -225,7 +208,7 @@ bool QCMAP_Client::ZR_DeleteIPFromSWPathFilters(unsigned int ipv4_address, qmi_e
     return method(session_, __func__, err, [&](Store& db) {
         const int deleted =
             db.run("DELETE FROM software_path_address WHERE address = ?", network_ipv4_text(ipv4_address));
-        return deleted == 0 ? QMI_ERR_NO_ENTRY_V01 : QMI_ERR_NONE_V01;
+        if (deleted == 0) refuse(QMI_ERR_NO_ENTRY_V01);
     });
 }
 
@@ -237,6 +220,5 @@ bool QCMAP_Client::ZR_GetIPFromSWPathFilters(qcmap_sw_path_filters_ex_ipv4_addr_
         while (list->count < QCMAP_MAX_SW_PATH_FILTERS && q.next()) {
             list->address[list->count++] = network_ipv4_word(q.get<std::string>(0));
         }
-        return QMI_ERR_NONE_V01;
     });
 }

@@ -65,27 +65,15 @@ CREATE TABLE IF NOT EXISTS l2tp_session (
 );
 )";
 
-using mobile_ap::field_text;
-using mobile_ap::ipv6_bytes;
-using mobile_ap::ipv6_text;
-using mobile_ap::mac_bytes;
-using mobile_ap::mac_text;
-using mobile_ap::method;
-using mobile_ap::network_ipv4_text;
-using mobile_ap::network_ipv4_word;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::Refusal;
-using mobile_ap::set_field_text;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 namespace {
 
 void check_reservation(const qcmap_msgr_dhcp_reservation_v01& record)
 {
     static constexpr uint8_t no_mac[6] = {};
-    if (record.reserved_ip == 0 || record.enable > 1) throw Refusal{QMI_ERR_INVALID_ARG_V01};
-    if (memcmp(record.mac, no_mac, sizeof no_mac) == 0) throw Refusal{QMI_ERR_INVALID_ARG_V01};
+    if (record.reserved_ip == 0 || record.enable > 1) refuse(QMI_ERR_INVALID_ARG_V01);
+    if (memcmp(record.mac, no_mac, sizeof no_mac) == 0) refuse(QMI_ERR_INVALID_ARG_V01);
 }
 
 // An address or a MAC that another reservation has is refused.
@@ -94,14 +82,14 @@ void check_free(Store& db, const qcmap_msgr_dhcp_reservation_v01& record, int64_
     const auto taken =
         db.one<int64_t>("SELECT position FROM dhcp_reservation WHERE (reserved_ip = ? OR mac = ?) AND position <> ?",
                         network_ipv4_text(record.reserved_ip), mac_text(record.mac), but_position);
-    if (taken) throw Refusal{QMI_ERR_ALREADY_THERE_V01};
+    if (taken) refuse(QMI_ERR_ALREADY_THERE_V01);
 }
 
 int64_t position_of(Store& db, uint32_t reserved_ip)
 {
     const auto position =
         db.one<int64_t>("SELECT position FROM dhcp_reservation WHERE reserved_ip = ?", network_ipv4_text(reserved_ip));
-    if (!position) throw Refusal{QMI_ERR_NO_ENTRY_V01};
+    if (!position) refuse(QMI_ERR_NO_ENTRY_V01);
     return *position;
 }
 
@@ -130,11 +118,10 @@ bool QCMAP_Client::AddDHCPReservRecord(qcmap_msgr_dhcp_reservation_v01* record, 
         check_reservation(*record);
         check_free(db, *record, -1);
         if (db.one<int>("SELECT count(*) FROM dhcp_reservation") >= QCMAP_MAX_DHCP_RESERVATIONS)
-            return QMI_ERR_LIMIT_V01;
+            refuse(QMI_ERR_LIMIT_V01);
         db.run("INSERT INTO dhcp_reservation (reserved_ip, mac, device_name, enabled) VALUES (?, ?, ?, ?)",
                network_ipv4_text(record->reserved_ip), mac_text(record->mac),
                field_text(record->device_name, sizeof record->device_name), record->enable);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -152,7 +139,6 @@ bool QCMAP_Client::GetDHCPReservRecords(qcmap_msgr_dhcp_reservation_v01* records
             set_field_text(record.device_name, sizeof record.device_name, q.get<std::string>(2));
             record.enable = q.get<uint8_t>(3);
         }
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -166,7 +152,6 @@ bool QCMAP_Client::EditDHCPReservRecord(unsigned int* ip_address, qcmap_msgr_dhc
         db.run("UPDATE dhcp_reservation SET reserved_ip = ?, mac = ?, device_name = ?, enabled = ? WHERE position = ?",
                network_ipv4_text(record->reserved_ip), mac_text(record->mac),
                field_text(record->device_name, sizeof record->device_name), record->enable, position);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -174,24 +159,17 @@ bool QCMAP_Client::DeleteDHCPReservRecord(unsigned int* ip_address, qmi_error_ty
 {
     return method(session_, __func__, err, [&](Store& db) {
         db.run("DELETE FROM dhcp_reservation WHERE position = ?", position_of(db, *ip_address));
-        return QMI_ERR_NONE_V01;
     });
 }
 
 bool QCMAP_Client::EnablePacketStats(qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) {
-        db.run("UPDATE packet_stats SET enabled = 1");
-        return QMI_ERR_NONE_V01;
-    });
+    return method(session_, __func__, err, [&](Store& db) { db.run("UPDATE packet_stats SET enabled = 1"); });
 }
 
 bool QCMAP_Client::DisablePacketStats(qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) {
-        db.run("UPDATE packet_stats SET enabled = 0");
-        return QMI_ERR_NONE_V01;
-    });
+    return method(session_, __func__, err, [&](Store& db) { db.run("UPDATE packet_stats SET enabled = 0"); });
 }
 
 bool QCMAP_Client::GetPacketStatsStatus(qcmap_msgr_packet_stats_status_enum_v01* status, qmi_error_type_v01* err)
@@ -199,7 +177,6 @@ bool QCMAP_Client::GetPacketStatsStatus(qcmap_msgr_packet_stats_status_enum_v01*
     return read_method(session_, __func__, err, [&](Store& db) {
         *status = db.one<int>("SELECT enabled FROM packet_stats") == 1 ? QCMAP_MSGR_PACKET_STATS_ENABLED_V01
                                                                        : QCMAP_MSGR_PACKET_STATS_DISABLED_V01;
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -208,7 +185,6 @@ bool QCMAP_Client::ResetPacketStats(qmi_error_type_v01* err)
     return method(session_, __func__, err, [&](Store& db) {
         db.run("UPDATE packet_stats SET counted_since = CAST(strftime('%s', 'now') AS INTEGER)");
         db.run("UPDATE connected_device SET rx_bytes = 0, tx_bytes = 0");
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -229,7 +205,6 @@ bool QCMAP_Client::GetConnectedDevicesInfo(qcmap_connected_devices* list, unsign
             device.tx_bytes = q.get<uint64_t>(5);
             read_device_ipv6(db, q.get<std::string>(0), &device);
         }
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -241,7 +216,6 @@ bool QCMAP_Client::SetUnmanagedL2TPStateEx(qcmap_set_l2tp_config* config, qmi_er
             " ON CONFLICT (bridge) DO UPDATE SET state = excluded.state, mode = excluded.mode, mtu = excluded.mtu,"
             " mss = excluded.mss, clamp_mss = excluded.clamp_mss",
             db.selected_bridge(), config->state, config->mtu, config->mss, config->clamp_mss);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -278,7 +252,6 @@ bool QCMAP_Client::GetL2TPConfig(qcmap_msgr_l2tp_conf_t* config, qmi_error_type_
             tunnel.mtu = q.get<uint32_t>(10);
             read_sessions(db, bridge, &tunnel);
         }
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -287,10 +260,10 @@ bool QCMAP_Client::SetL2TPConfig(qcmap_msgr_l2tp_mode_enum_v01 mode, qcmap_msgr_
 {
     return method(session_, __func__, err, [&](Store& db) {
         const int bridge = db.selected_bridge();
-        if (config.session_count > QCMAP_MAX_L2TP_SESSIONS) return QMI_ERR_INVALID_ARG_V01;
+        if (config.session_count > QCMAP_MAX_L2TP_SESSIONS) refuse(QMI_ERR_INVALID_ARG_V01);
         db.run("DELETE FROM l2tp_tunnel WHERE bridge = ? AND tunnel_id = ?", bridge, config.tunnel_id);
         if (db.one<int>("SELECT count(*) FROM l2tp_tunnel WHERE bridge = ?", bridge) >= QCMAP_MAX_L2TP_TUNNELS)
-            return QMI_ERR_LIMIT_V01;
+            refuse(QMI_ERR_LIMIT_V01);
         db.run("INSERT INTO l2tp (bridge, mode) VALUES (?, ?) ON CONFLICT (bridge) DO UPDATE SET mode = excluded.mode",
                bridge, mode);
         db.run("INSERT INTO l2tp_tunnel VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)", bridge, config.tunnel_id,
@@ -300,7 +273,6 @@ bool QCMAP_Client::SetL2TPConfig(qcmap_msgr_l2tp_mode_enum_v01 mode, qcmap_msgr_
         for (uint32_t i = 0; i < config.session_count; ++i)
             db.run("INSERT INTO l2tp_session VALUES (?, ?, ?, ?, ?)", bridge, config.tunnel_id, i,
                    config.session[i].local_session_id, config.session[i].peer_session_id);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -309,6 +281,6 @@ bool QCMAP_Client::DeleteL2TPTunnelConfig(qcmap_msgr_delete_l2tp_config_v01* con
     return method(session_, __func__, err, [&](Store& db) {
         const int deleted = db.run("DELETE FROM l2tp_tunnel WHERE bridge = ? AND tunnel_id = ?", db.selected_bridge(),
                                    config->tunnel_id);
-        return deleted == 0 ? QMI_ERR_NO_EFFECT_V01 : QMI_ERR_NONE_V01;
+        if (deleted == 0) refuse(QMI_ERR_NO_EFFECT_V01);
     });
 }

@@ -10,12 +10,7 @@ CREATE TABLE IF NOT EXISTS vlan (
 );
 )";
 
-using mobile_ap::add_bridge;
-using mobile_ap::method;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::remove_bridge;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 namespace {
 
@@ -39,15 +34,15 @@ bool QCMAP_Client::CreateVLANConfig(qcmap_msgr_vlan_config_ex_v01 vlan, qmi_erro
 {
     return method(session_, __func__, err, [&](Store& db) {
         if (!is_vlan_id(vlan.vlan_id) || !is_interface_type(vlan.interface_type) || vlan.is_accelerated > 1)
-            return QMI_ERR_INVALID_ARG_V01;
+            refuse(QMI_ERR_INVALID_ARG_V01);
         const auto same = db.one<bool>("SELECT interface_type = ? AND accelerated = ? FROM vlan WHERE id = ?",
                                        vlan.interface_type, vlan.is_accelerated, vlan.vlan_id);
-        if (same) return *same ? db.succeed_with(QMI_ERR_ALREADY_THERE_V01) : QMI_ERR_ALREADY_THERE_V01;
-        if (db.one<int>("SELECT count(*) FROM vlan").value_or(0) >= QCMAP_MAX_VLAN_ENTRIES) return QMI_ERR_LIMIT_V01;
+        if (same && *same) succeed_with(QMI_ERR_ALREADY_THERE_V01);
+        if (same) refuse(QMI_ERR_ALREADY_THERE_V01);
+        if (db.one<int>("SELECT count(*) FROM vlan").value_or(0) >= QCMAP_MAX_VLAN_ENTRIES) refuse(QMI_ERR_LIMIT_V01);
         add_bridge(db, vlan.vlan_id);
         db.run("INSERT INTO vlan (id, interface_type, accelerated) VALUES (?, ?, ?)", vlan.vlan_id, vlan.interface_type,
                vlan.is_accelerated);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -60,7 +55,7 @@ bool QCMAP_Client::GetVLANConfig(qcmap_msgr_vlan_conf_t* list, qmi_error_type_v0
             list->vlan[list->count++] = {q.get<qcmap_msgr_interface_type_enum_v01>(0), q.get<int16_t>(1),
                                          q.get<uint8_t>(2)};
         }
-        return list->count == 0 ? db.succeed_with(QMI_ERR_EMPTY_LIST_V01) : QMI_ERR_NONE_V01;
+        if (list->count == 0) succeed_with(QMI_ERR_EMPTY_LIST_V01);
     });
 }
 
@@ -68,12 +63,11 @@ bool QCMAP_Client::DeleteVLANConfig(short vlan_id, qcmap_msgr_interface_type_enu
                                     qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (!is_vlan_id(vlan_id) || !is_interface_type(interface_type)) return QMI_ERR_INVALID_ARG_V01;
+        if (!is_vlan_id(vlan_id) || !is_interface_type(interface_type)) refuse(QMI_ERR_INVALID_ARG_V01);
         const auto type =
             db.one<qcmap_msgr_interface_type_enum_v01>("SELECT interface_type FROM vlan WHERE id = ?", vlan_id);
-        if (!type) return QMI_ERR_NO_ENTRY_V01;
-        if (*type != interface_type) return QMI_ERR_INVALID_ARG_V01;
+        if (!type) refuse(QMI_ERR_NO_ENTRY_V01);
+        if (*type != interface_type) refuse(QMI_ERR_INVALID_ARG_V01);
         remove_bridge(db, vlan_id);
-        return QMI_ERR_NONE_V01;
     });
 }

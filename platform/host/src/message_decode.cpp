@@ -1,14 +1,14 @@
-// Decoding of indications. On the wire: tag 1, length of the record (16 bits, low byte first), the record.
+// Decoding of indications.
 #include <stdint.h>
 #include <string.h>
 
+#include <algorithm>
+
+#include "indication_wire.h"
 #include "qcmap_indications.h"
 #include "qmi_client.h"
 
 namespace {
-
-constexpr unsigned int kHeaderSize = 3;
-constexpr uint8_t kRecordTag = 0x01;
 
 unsigned int decoded_size(unsigned int msg_id)
 {
@@ -35,11 +35,12 @@ extern "C" int qmi_client_message_decode(qmi_client_type, qmi_idl_type_of_messag
     if (type != QMI_IDL_INDICATION) return QMI_IDL_LIB_MISMATCHED_MESSAGE;
     const unsigned int size = decoded_size(msg_id);
     if (size == 0) return QMI_IDL_LIB_UNKNOWN_MESSAGE;
-    if (record_len != size || wire_len < kHeaderSize) return QMI_IDL_LIB_BAD_LENGTH;
+    const mobile_ap::WireHeader header = mobile_ap::wire_header(size);
+    if (record_len != size || wire_len < header.size()) return QMI_IDL_LIB_BAD_LENGTH;
     const uint8_t* bytes = static_cast<const uint8_t*>(wire);
-    if (bytes[0] != kRecordTag) return QMI_IDL_LIB_MISMATCHED_MESSAGE;
-    const unsigned int length = bytes[1] | static_cast<unsigned int>(bytes[2]) << 8;
-    if (length != size || wire_len != kHeaderSize + size) return QMI_IDL_LIB_BAD_LENGTH;
-    memcpy(record, bytes + kHeaderSize, size);
+    if (bytes[0] != header[0]) return QMI_IDL_LIB_MISMATCHED_MESSAGE;
+    if (!std::equal(header.begin(), header.end(), bytes) || wire_len != header.size() + size)
+        return QMI_IDL_LIB_BAD_LENGTH;
+    memcpy(record, bytes + header.size(), size);
     return QMI_NO_ERR;
 }

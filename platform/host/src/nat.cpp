@@ -23,21 +23,15 @@ CREATE TABLE IF NOT EXISTS nat_service (
 INSERT INTO nat_service SELECT 0 WHERE NOT EXISTS (SELECT 1 FROM nat_service);
 )";
 
-using mobile_ap::ipv4_text;
-using mobile_ap::ipv4_word;
-using mobile_ap::method;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 bool QCMAP_Client::SetNatType(qcmap_msgr_nat_enum_v01 nat_type, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
         if (nat_type < QCMAP_MSGR_NAT_SYMMETRIC_V01 || nat_type > QCMAP_MSGR_NAT_ADDRESS_RESTRICTED_V01)
-            return QMI_ERR_INVALID_ARG_V01;
+            refuse(QMI_ERR_INVALID_ARG_V01);
         db.run("INSERT INTO nat (profile, type) VALUES (?, ?) ON CONFLICT (profile) DO UPDATE SET type = excluded.type",
                db.selected_profile(), nat_type);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -46,7 +40,6 @@ bool QCMAP_Client::GetNatType(qcmap_msgr_nat_enum_v01* nat_type, qmi_error_type_
     return read_method(session_, __func__, err, [&](Store& db) {
         *nat_type = db.one<qcmap_msgr_nat_enum_v01>("SELECT type FROM nat WHERE profile = ?", db.selected_profile())
                         .value_or(QCMAP_MSGR_NAT_PORT_RESTRICTED_CONE_V01);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -54,12 +47,11 @@ bool QCMAP_Client::GetNatType(qcmap_msgr_nat_enum_v01* nat_type, qmi_error_type_
 bool QCMAP_Client::AddDMZ(unsigned int ip, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (ip == 0) return QMI_ERR_INVALID_ARG_V01;
+        if (ip == 0) refuse(QMI_ERR_INVALID_ARG_V01);
         db.run(
             "INSERT INTO nat (profile, dmz_ip) VALUES (?, ?)"
             " ON CONFLICT (profile) DO UPDATE SET dmz_ip = excluded.dmz_ip",
             db.selected_profile(), ipv4_text(ip));
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -68,7 +60,6 @@ bool QCMAP_Client::DeleteDMZ(qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
         db.run("UPDATE nat SET dmz_ip = '0.0.0.0' WHERE profile = ?", db.selected_profile());
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -77,7 +68,6 @@ bool QCMAP_Client::GetDMZ(unsigned int* ip, qmi_error_type_v01* err)
     return read_method(session_, __func__, err, [&](Store& db) {
         *ip = ipv4_word(
             db.one<std::string>("SELECT dmz_ip FROM nat WHERE profile = ?", db.selected_profile()).value_or("0.0.0.0"));
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -89,9 +79,9 @@ bool QCMAP_Client::AddStaticNatEntry(qcmap_msgr_snat_entry_config_v01* entry, qm
             "INSERT OR IGNORE INTO nat_static_entry (profile, private_ip, private_port, global_port, protocol)"
             " VALUES (?, ?, ?, ?, ?)",
             profile, ipv4_text(entry->private_ip), entry->private_port, entry->global_port, entry->protocol);
-        if (added == 0) return QMI_ERR_ALREADY_THERE_V01;
+        if (added == 0) refuse(QMI_ERR_ALREADY_THERE_V01);
         const auto entries = db.one<int>("SELECT count(*) FROM nat_static_entry WHERE profile = ?", profile);
-        return entries > QCMAP_MAX_SNAT_ENTRIES ? QMI_ERR_LIMIT_V01 : QMI_ERR_NONE_V01;
+        if (entries > QCMAP_MAX_SNAT_ENTRIES) refuse(QMI_ERR_LIMIT_V01);
     });
 }
 
@@ -103,7 +93,7 @@ bool QCMAP_Client::DeleteStaticNatEntry(qcmap_msgr_snat_entry_config_v01* entry,
             " AND global_port = ? AND protocol = ?",
             db.selected_profile(), ipv4_text(entry->private_ip), entry->private_port, entry->global_port,
             entry->protocol);
-        return deleted == 0 ? QMI_ERR_NO_ENTRY_V01 : QMI_ERR_NONE_V01;
+        if (deleted == 0) refuse(QMI_ERR_NO_ENTRY_V01);
     });
 }
 
@@ -120,7 +110,6 @@ bool QCMAP_Client::GetStaticNatConfig(qcmap_msgr_snat_entry_config_v01* entries,
             entries[(*count)++] = {ipv4_word(q.get<std::string>(0)), q.get<uint16_t>(1), q.get<uint16_t>(2),
                                    q.get<uint8_t>(3)};
         }
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -128,9 +117,8 @@ bool QCMAP_Client::GetStaticNatConfig(qcmap_msgr_snat_entry_config_v01* entries,
 bool QCMAP_Client::ZR_SetRoutingBH(unsigned int routing_bh, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (routing_bh > 1) return QMI_ERR_INVALID_ARG_V01;
+        if (routing_bh > 1) refuse(QMI_ERR_INVALID_ARG_V01);
         db.run("UPDATE nat_service SET routing_behind = ?", routing_bh);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -138,6 +126,5 @@ bool QCMAP_Client::ZR_GetRoutingBH(unsigned int* routing_bh, qmi_error_type_v01*
 {
     return read_method(session_, __func__, err, [&](Store& db) {
         *routing_bh = db.one<unsigned int>("SELECT routing_behind FROM nat_service").value_or(0);
-        return QMI_ERR_NONE_V01;
     });
 }

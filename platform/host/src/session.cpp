@@ -13,10 +13,10 @@ namespace {
 
 constexpr uint32_t kLevelDebug = 0x1;
 
-void trace(const char* name, bool good, qmi_error_type_v01 error)
+void trace(const char* name, bool good, qmi_error_type_v01 word)
 {
     static constexpr msg_const_type kRecord = {1, 66, kLevelDebug, "[%s]%s(): %s, error %d", "session"};
-    msg_sprintf(&kRecord, "MOBILE_AP", name, good ? "true" : "false", static_cast<int>(error), 0, 0, 0);
+    msg_sprintf(&kRecord, "MOBILE_AP", name, good ? "true" : "false", static_cast<int>(word), 0, 0, 0);
 }
 
 qmi_error_type_v01 error_word(int sqlite_code)
@@ -44,17 +44,21 @@ Session::Session(client_status_ind_t callback, void* user) : listener_(callback,
             complain("MOBILE_AP_FAULTS: \"" + bad_word + "\" makes no sense; the service is not ready");
             return;
         }
-        StatePlace place = find_state_place();
+        const StatePlace place = find_state_place();
+        folder_ = place.path;
+        std::string where = folder_;
         std::string problem = place.problem;
-        if (problem.empty() && store_.open(place.path, &problem)) {
+        if (problem.empty()) {
+            where = state_file(folder_);
+            problem = open_state(store_, folder_);
+        }
+        if (problem.empty()) {
             handle_ = mobile_ap_handle(store_);
             ready_ = true;
-            return;
+        } else if (!signal_waiting()) {
+            complain("mobile-AP state " + where + ": " + problem + "; the service is not ready");
         }
-        if (place.problem.empty()) place.path += "/mobile_ap.db";
-        if (!signal_waiting())
-            complain("mobile-AP state " + place.path + ": " + problem + "; the service is not ready");
-    } catch (const StoreError& error) {
+    } catch (const DatabaseError& error) {
         explain(error);
     } catch (const std::bad_alloc&) {
         ready_ = false;
@@ -75,7 +79,7 @@ Session::~Session()
 }
 
 // Tells once per session why a method failed that should not have.
-void Session::explain(const StoreError& error)
+void Session::explain(const DatabaseError& error)
 {
     if (signal_waiting() || explained_.exchange(true)) return;
     try {
@@ -93,21 +97,21 @@ bool Session::with_faults(const char* name, qmi_error_type_v01* err, const Work&
     Outcome outcome = {false, QMI_ERR_NO_MEMORY_V01};
     try {
         const Misbehaviour fault = faults_.reach(name);
-        if (!sleep_ms(fault.delay_ms) && fault.delay_ms != 0)
+        if (!sleep_ms(fault.delay_ms))
             outcome = {false, QMI_ERR_ABORTED_V01};
         else if (fault.fail_with)
             outcome = {false, static_cast<qmi_error_type_v01>(*fault.fail_with)};
         else
             outcome = work(fault);
         if (fault.ok_with) outcome = {true, static_cast<qmi_error_type_v01>(*fault.ok_with)};
-    } catch (const StoreError& error) {
+    } catch (const DatabaseError& error) {
         outcome = {false, error_word(error.code)};
         explain(error);
     } catch (const std::bad_alloc&) {
         outcome = {false, QMI_ERR_NO_MEMORY_V01};
     }
-    if (err != nullptr) *err = outcome.error;
-    trace(name, outcome.good, outcome.error);
+    if (err != nullptr) *err = outcome.word;
+    trace(name, outcome.good, outcome.word);
     return outcome.good;
 }
 
@@ -116,42 +120,26 @@ bool Session::run(const char* name, Access access, qmi_error_type_v01* err, cons
     return with_faults(name, err, [&](const Misbehaviour& fault) -> Outcome {
         if (!ready_) return {false, QMI_ERR_INTERNAL_V01};
         const std::lock_guard<std::mutex> lock(one_at_a_time_);
-        try {
-            return perform(access, body, fault.hold_ms);
-        } catch (...) {
-            store_.roll_back();
-            throw;
-        }
+        return perform(access, body, fault.hold_ms);
     });
 }
 
 Session::Outcome Session::perform(Access access, const Body& body, unsigned int hold_ms)
 {
     if (store_.replaced()) {
-        std::string problem;
-        const std::string path = store_.path();
-        if (!store_.open(path.substr(0, path.rfind('/')), &problem)) throw StoreError{SQLITE_CANTOPEN, problem};
+        const std::string problem = open_state(store_, folder_);
+        if (!problem.empty()) throw DatabaseError{SQLITE_CANTOPEN, problem};
     }
-    if (access == Access::kWrite)
-        store_.begin_writing();
-    else
-        store_.begin_reading();
-    qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+    Transaction transaction(store_, access);
+    Ending ending = {true, QMI_ERR_NONE_V01, true};
     try {
-        error = body(store_);
-    } catch (const Refusal& refusal) {
-        error = refusal.error;
+        body(store_);
+    } catch (const Ending& thrown) {
+        ending = thrown;
     }
-    if (!sleep_ms(hold_ms) && hold_ms != 0) {
-        store_.roll_back();
-        return {false, QMI_ERR_ABORTED_V01};
-    }
-    if (error == QMI_ERR_NONE_V01 || store_.keeps_changes())
-        store_.commit();
-    else
-        store_.roll_back();
-    if (error == QMI_ERR_NONE_V01) return {true, store_.success_word()};
-    return {false, error};
+    if (!sleep_ms(hold_ms)) return {false, QMI_ERR_ABORTED_V01};
+    if (ending.keeps_changes) transaction.commit();
+    return {ending.good, ending.word};
 }
 
 bool Session::is_ready()
@@ -170,13 +158,11 @@ bool Session::enable(qmi_error_type_v01* err)
 {
     return with_faults("EnableMobileAP_Ext", err, [&](const Misbehaviour& fault) -> Outcome {
         if (!ready_) return {false, QMI_ERR_INTERNAL_V01};
-        if (!sleep_ms(fault.hold_ms) && fault.hold_ms != 0) return {false, QMI_ERR_ABORTED_V01};
+        if (!sleep_ms(fault.hold_ms)) return {false, QMI_ERR_ABORTED_V01};
         if (listener_.is_running()) return {true, QMI_ERR_NONE_V01};
         const std::lock_guard<std::mutex> lock(one_at_a_time_);
-        store_.begin_reading();
-        const int64_t newest = newest_indication(store_);
-        store_.commit();
-        const bool started = listener_.start(store_.path(), newest);
+        const Transaction reading(store_, Access::kRead);
+        const bool started = listener_.start(store_.path(), newest_indication(store_));
         return {started, started ? QMI_ERR_NONE_V01 : QMI_ERR_NO_MEMORY_V01};
     });
 }
@@ -221,9 +207,7 @@ bool QCMAP_Client::IsReady()
 
 bool QCMAP_Client::EnableMobileAP_Ext(qmi_error_type_v01* err, unsigned long long)
 {
-    if (session_ != nullptr) return session_->enable(err);
-    if (err != nullptr) *err = QMI_ERR_NO_MEMORY_V01;
-    return false;
+    return session_ != nullptr ? session_->enable(err) : mobile_ap::no_session(err);
 }
 
 bool QCMAP_Client::DisableMobileAP(qmi_error_type_v01* err)

@@ -3,6 +3,7 @@
 #define MOBILE_AP_SESSION_H
 
 #include <atomic>
+#include <functional>
 #include <mutex>
 
 #include "addresses.h"
@@ -10,31 +11,13 @@
 #include "indications.h"
 #include "qcmap_client.h"
 #include "schemas.h"
+#include "state_file.h"
 #include "store.h"
 
 namespace mobile_ap {
 
 // A method's own rules and storage, as the shared wrapper calls them.
-class Body {
-public:
-    template <class Work>
-    explicit Body(Work& work) : work_(&work), call_(&Body::call<Work>)
-    {
-    }
-    qmi_error_type_v01 operator()(Store& db) const
-    {
-        return call_(work_, db);
-    }
-
-private:
-    template <class Work>
-    static qmi_error_type_v01 call(void* work, Store& db)
-    {
-        return (*static_cast<Work*>(work))(db);
-    }
-    void* work_;
-    qmi_error_type_v01 (*call_)(void* work, Store& db);
-};
+using Body = std::function<void(Store&)>;
 
 class Session {
 public:
@@ -43,7 +26,6 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    enum class Access { kRead, kWrite };
     bool run(const char* name, Access access, qmi_error_type_v01* err, const Body& body);
 
     bool is_ready();
@@ -57,14 +39,15 @@ public:
 private:
     struct Outcome {
         bool good;
-        qmi_error_type_v01 error;
+        qmi_error_type_v01 word;
     };
     template <class Work>
     bool with_faults(const char* name, qmi_error_type_v01* err, const Work& work);
     Outcome perform(Access access, const Body& body, unsigned int hold_ms);
-    void explain(const StoreError& error);
+    void explain(const DatabaseError& error);
 
     std::mutex one_at_a_time_;
+    std::string folder_;
     Store store_;
     Faults faults_;
     Listener listener_;
@@ -81,14 +64,14 @@ inline bool no_session(qmi_error_type_v01* err)
 }
 
 // A method that changes something:
-//     return method(session_, __func__, err, [&](Store& db) { ...; return QMI_ERR_NONE_V01; });
-// The work is one transaction: made good when it answers QMI_ERR_NONE_V01, else undone (unless db.keep_changes() was
-// called). The method returns true for QMI_ERR_NONE_V01, and *err holds what the work answered.
+//     return method(session_, __func__, err, [&](Store& db) { db.run(...); });
+// The work is one transaction. When it returns, the transaction is made good, and the method returns true with
+// QMI_ERR_NONE_V01 in *err; ending.h has its other ways to end.
 template <class Work>
 bool method(Session* session, const char* name, qmi_error_type_v01* err, Work&& work)
 {
     if (session == nullptr) return no_session(err);
-    return session->run(name, Session::Access::kWrite, err, Body(work));
+    return session->run(name, Access::kWrite, err, std::ref(work));  // a reference: nothing is allocated for it
 }
 
 // The same for one that only reads; it never waits for another reader.
@@ -96,7 +79,7 @@ template <class Work>
 bool read_method(Session* session, const char* name, qmi_error_type_v01* err, Work&& work)
 {
     if (session == nullptr) return no_session(err);
-    return session->run(name, Session::Access::kRead, err, Body(work));
+    return session->run(name, Access::kRead, err, std::ref(work));
 }
 
 }  // namespace mobile_ap

@@ -31,6 +31,7 @@ bool signal_waiting()
 bool sleep_ms(unsigned int milliseconds)
 {
     constexpr unsigned int kStep = 20;
+    if (milliseconds == 0) return true;
     while (!signal_waiting()) {
         if (milliseconds == 0) return true;
         const unsigned int step = std::min(milliseconds, kStep);

@@ -22,7 +22,7 @@ private:
 // A held signal waits for the method to end.
 bool signal_waiting();
 
-// Sleeps, but no longer than until a held signal waits. Returns false in that case.
+// Sleeps, but no longer than until a held signal waits. Returns false in that case; no sleep at all is never cut short.
 bool sleep_ms(unsigned int milliseconds);
 
 }  // namespace mobile_ap

@@ -15,93 +15,87 @@ CREATE TABLE IF NOT EXISTS vpn_passthrough (
 );
 )";
 
-using mobile_ap::is_connected;
-using mobile_ap::method;
-using mobile_ap::read_method;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 namespace {
 
 // Stores a flag; while the profile's backhaul is down it is stored too, and the answer says so.
-qmi_error_type_v01 set_flag(Store& db, const char* column, unsigned char enable)
+void set_flag(Store& db, const char* column, unsigned char enable)
 {
-    if (enable > 1) return QMI_ERR_INVALID_ARG_V01;
+    if (enable > 1) refuse(QMI_ERR_INVALID_ARG_V01);
     const uint32_t profile = db.selected_profile();
     db.run("INSERT OR IGNORE INTO vpn_passthrough (profile) VALUES (?)", profile);
     const std::string sql = std::string("UPDATE vpn_passthrough SET ") + column + " = ? WHERE profile = ?";
     db.run(sql.c_str(), enable, profile);
-    if (is_connected(db, profile)) return QMI_ERR_NONE_V01;
-    db.keep_changes();
-    return QMI_ERR_BACKHAUL_DOWN_V01;
+    if (!is_connected(db, profile)) refuse_but_keep_changes(QMI_ERR_BACKHAUL_DOWN_V01);
 }
 
-qmi_error_type_v01 get_flag(Store& db, const char* column, unsigned char* enable)
+void get_flag(Store& db, const char* column, unsigned char* enable)
 {
     const uint32_t profile = db.selected_profile();
-    if (enable == nullptr) return QMI_ERR_INVALID_ARG_V01;
+    if (enable == nullptr) refuse(QMI_ERR_INVALID_ARG_V01);
     const std::string sql = std::string("SELECT ") + column + " FROM vpn_passthrough WHERE profile = ?";
     *enable = db.one<unsigned char>(sql.c_str(), profile).value_or(0);
-    return QMI_ERR_NONE_V01;
 }
 
 }  // namespace
 
 bool QCMAP_Client::SetPPTPVpnPassthrough(unsigned char enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) { return set_flag(db, "pptp_ipv4", enable); });
+    return method(session_, __func__, err, [&](Store& db) { set_flag(db, "pptp_ipv4", enable); });
 }
 
 bool QCMAP_Client::GetPPTPVpnPassthrough(unsigned char* enable, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) { return get_flag(db, "pptp_ipv4", enable); });
+    return read_method(session_, __func__, err, [&](Store& db) { get_flag(db, "pptp_ipv4", enable); });
 }
 
 bool QCMAP_Client::SetPPTPVpnPassthrough_Ipv6(unsigned char enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) { return set_flag(db, "pptp_ipv6", enable); });
+    return method(session_, __func__, err, [&](Store& db) { set_flag(db, "pptp_ipv6", enable); });
 }
 
 bool QCMAP_Client::GetPPTPVpnPassthrough_Ipv6(unsigned char* enable, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) { return get_flag(db, "pptp_ipv6", enable); });
+    return read_method(session_, __func__, err, [&](Store& db) { get_flag(db, "pptp_ipv6", enable); });
 }
 
 bool QCMAP_Client::SetIPSECVpnPassthrough(unsigned char enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) { return set_flag(db, "ipsec_ipv4", enable); });
+    return method(session_, __func__, err, [&](Store& db) { set_flag(db, "ipsec_ipv4", enable); });
 }
 
 bool QCMAP_Client::GetIPSECVpnPassthrough(unsigned char* enable, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) { return get_flag(db, "ipsec_ipv4", enable); });
+    return read_method(session_, __func__, err, [&](Store& db) { get_flag(db, "ipsec_ipv4", enable); });
 }
 
 bool QCMAP_Client::SetIPSECVpnPassthrough_Ipv6(unsigned char enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) { return set_flag(db, "ipsec_ipv6", enable); });
+    return method(session_, __func__, err, [&](Store& db) { set_flag(db, "ipsec_ipv6", enable); });
 }
 
 bool QCMAP_Client::GetIPSECVpnPassthrough_Ipv6(unsigned char* enable, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) { return get_flag(db, "ipsec_ipv6", enable); });
+    return read_method(session_, __func__, err, [&](Store& db) { get_flag(db, "ipsec_ipv6", enable); });
 }
 
 bool QCMAP_Client::SetL2TPVpnPassthrough(unsigned char enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) { return set_flag(db, "l2tp_ipv4", enable); });
+    return method(session_, __func__, err, [&](Store& db) { set_flag(db, "l2tp_ipv4", enable); });
 }
 
 bool QCMAP_Client::GetL2TPVpnPassthrough(unsigned char* enable, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) { return get_flag(db, "l2tp_ipv4", enable); });
+    return read_method(session_, __func__, err, [&](Store& db) { get_flag(db, "l2tp_ipv4", enable); });
 }
 
 bool QCMAP_Client::SetL2TPVpnPassthrough_Ipv6(unsigned char enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) { return set_flag(db, "l2tp_ipv6", enable); });
+    return method(session_, __func__, err, [&](Store& db) { set_flag(db, "l2tp_ipv6", enable); });
 }
 
 bool QCMAP_Client::GetL2TPVpnPassthrough_Ipv6(unsigned char* enable, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) { return get_flag(db, "l2tp_ipv6", enable); });
+    return read_method(session_, __func__, err, [&](Store& db) { get_flag(db, "l2tp_ipv6", enable); });
 }

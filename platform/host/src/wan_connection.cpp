@@ -34,17 +34,7 @@ CREATE TRIGGER IF NOT EXISTS calls_go_with_their_profile AFTER DELETE ON wwan_pr
 END;
 )";
 
-using mobile_ap::indicate;
-using mobile_ap::ipv4_text;
-using mobile_ap::ipv6_bytes;
-using mobile_ap::method;
-using mobile_ap::mobile_ap_handle;
-using mobile_ap::network_ipv4_word;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::Refusal;
-using mobile_ap::set_field_text;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 namespace {
 
@@ -78,7 +68,7 @@ const Family& family_of(qcmap_msgr_wwan_call_type_v01 call_type)
         case QCMAP_MSGR_WWAN_CALL_TYPE_V6_V01:
             return kV6;
         default:
-            throw Refusal{QMI_ERR_INVALID_ARG_V01};
+            refuse(QMI_ERR_INVALID_ARG_V01);
     }
 }
 
@@ -121,9 +111,9 @@ void give_addresses(Store& db, uint32_t profile, const Family& family)
         bytes[6] = static_cast<uint8_t>(calls >> 8);
         bytes[7] = static_cast<uint8_t>(calls);
         bytes[15] = 2;
-        address = mobile_ap::ipv6_text(bytes);
+        address = ipv6_text(bytes);
         bytes[15] = 1;
-        gateway = mobile_ap::ipv6_text(bytes);
+        gateway = ipv6_text(bytes);
         prefix_length = 64;
         primary_dns = "2001:db8:ffff::53";
         secondary_dns = "2001:db8:ffff::153";
@@ -217,21 +207,19 @@ const char* families_of(qcmap_msgr_ip_family_enum_v01 ip_family)
         case QCMAP_MSGR_IP_FAMILY_ANY_V01:
             return "46";
         default:
-            throw Refusal{QMI_ERR_INVALID_ARG_V01};
+            refuse(QMI_ERR_INVALID_ARG_V01);
     }
 }
 
 // The on/off modes are columns of the profile.
-qmi_error_type_v01 set_mode(Store& db, const char* sql, bool enable)
+void set_mode(Store& db, const char* sql, bool enable)
 {
     db.run(sql, enable, db.selected_profile());
-    return QMI_ERR_NONE_V01;
 }
 
-qmi_error_type_v01 get_mode(Store& db, const char* sql, unsigned char* enable)
+void get_mode(Store& db, const char* sql, unsigned char* enable)
 {
     *enable = db.one<unsigned char>(sql, db.selected_profile()).value_or(0);
-    return QMI_ERR_NONE_V01;
 }
 
 }  // namespace
@@ -248,7 +236,6 @@ bool QCMAP_Client::GetWWANStatus(qcmap_msgr_wwan_status_enum_v01* v4_status, qcm
         const uint32_t profile = db.selected_profile();
         *v4_status = is_up(db, profile, kV4) ? kV4.connected : kV4.disconnected;
         *v6_status = is_up(db, profile, kV6) ? kV6.connected : kV6.disconnected;
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -260,9 +247,9 @@ bool QCMAP_Client::ConnectBackHaul(qcmap_msgr_wwan_call_type_v01 call_type, qmi_
         const int profile_family =
             db.one<int>("SELECT ip_family FROM wwan_profile WHERE handle = ?", profile).value_or(0);
         if (profile_family != family.number && profile_family != QCMAP_MSGR_IP_FAMILY_V4V6_V01) {
-            return QMI_ERR_INVALID_ARG_V01;
+            refuse(QMI_ERR_INVALID_ARG_V01);
         }
-        if (is_up(db, profile, family)) return QMI_ERR_NO_EFFECT_V01;
+        if (is_up(db, profile, family)) refuse(QMI_ERR_NO_EFFECT_V01);
         tell_status(db, profile, family.connecting);
         db.run("INSERT OR IGNORE INTO wwan_call (profile, family) VALUES (?, ?)", profile, family.number);
         give_addresses(db, profile, family);
@@ -270,7 +257,6 @@ bool QCMAP_Client::ConnectBackHaul(qcmap_msgr_wwan_call_type_v01 call_type, qmi_
                now_ms(), profile, family.number);
         tell_brought_up(db, profile, family.connected);
         tell_status(db, profile, family.connected);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -279,7 +265,7 @@ bool QCMAP_Client::DisconnectBackHaul(qcmap_msgr_wwan_call_type_v01 call_type, q
     return method(session_, __func__, err, [&](Store& db) {
         const Family& family = family_of(call_type);
         const uint32_t profile = db.selected_profile();
-        if (!is_up(db, profile, family)) return QMI_ERR_NO_EFFECT_V01;
+        if (!is_up(db, profile, family)) refuse(QMI_ERR_NO_EFFECT_V01);
         tell_status(db, profile, family.disconnecting);
         db.run(
             "UPDATE wwan_call SET up = 0, active_ms = active_ms + max(0, ? - counted_from), interface = '',"
@@ -288,50 +274,44 @@ bool QCMAP_Client::DisconnectBackHaul(qcmap_msgr_wwan_call_type_v01 call_type, q
             now_ms(), profile, family.number);
         tell_torn_down(db, profile, family.disconnected);
         tell_status(db, profile, family.disconnected);
-        return QMI_ERR_NONE_V01;
     });
 }
 
 bool QCMAP_Client::SetReconnect(bool enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) {
-        return set_mode(db, "UPDATE wwan_profile SET reconnect = ? WHERE handle = ?", enable);
-    });
+    return method(session_, __func__, err,
+                  [&](Store& db) { set_mode(db, "UPDATE wwan_profile SET reconnect = ? WHERE handle = ?", enable); });
 }
 
 bool QCMAP_Client::GetReconnect(unsigned char* enable, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) {
-        return get_mode(db, "SELECT reconnect FROM wwan_profile WHERE handle = ?", enable);
-    });
+    return read_method(session_, __func__, err,
+                       [&](Store& db) { get_mode(db, "SELECT reconnect FROM wwan_profile WHERE handle = ?", enable); });
 }
 
 bool QCMAP_Client::SetAutoconnect(bool enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) {
-        return set_mode(db, "UPDATE wwan_profile SET autoconnect = ? WHERE handle = ?", enable);
-    });
+    return method(session_, __func__, err,
+                  [&](Store& db) { set_mode(db, "UPDATE wwan_profile SET autoconnect = ? WHERE handle = ?", enable); });
 }
 
 bool QCMAP_Client::GetAutoconnect(unsigned char* enable, qmi_error_type_v01* err)
 {
     return read_method(session_, __func__, err, [&](Store& db) {
-        return get_mode(db, "SELECT autoconnect FROM wwan_profile WHERE handle = ?", enable);
+        get_mode(db, "SELECT autoconnect FROM wwan_profile WHERE handle = ?", enable);
     });
 }
 
 bool QCMAP_Client::SetRoaming(bool enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&](Store& db) {
-        return set_mode(db, "UPDATE wwan_profile SET roaming = ? WHERE handle = ?", enable);
-    });
+    return method(session_, __func__, err,
+                  [&](Store& db) { set_mode(db, "UPDATE wwan_profile SET roaming = ? WHERE handle = ?", enable); });
 }
 
 bool QCMAP_Client::GetRoaming(unsigned char* enable, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) {
-        return get_mode(db, "SELECT roaming FROM wwan_profile WHERE handle = ?", enable);
-    });
+    return read_method(session_, __func__, err,
+                       [&](Store& db) { get_mode(db, "SELECT roaming FROM wwan_profile WHERE handle = ?", enable); });
 }
 
 bool QCMAP_Client::GetAllConnectedPDNEx(unsigned char* count, qcmap_connected_wwan_info* pdn, qmi_error_type_v01* err)
@@ -346,7 +326,6 @@ bool QCMAP_Client::GetAllConnectedPDNEx(unsigned char* count, qcmap_connected_ww
             fill_info(db, q.get<uint32_t>(0), &info);
         }
         *count = found;
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -366,7 +345,6 @@ bool QCMAP_Client::GetWWANStatistics(qcmap_msgr_ip_family_enum_v01 ip_family,
         statistics->pkts_tx = static_cast<uint32_t>(ms / kMsPerPacketTx);
         statistics->pkts_dropped_rx = static_cast<uint32_t>(ms / kMsPerDrop);
         statistics->pkts_dropped_tx = 0;
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -375,6 +353,5 @@ bool QCMAP_Client::ResetWWANStatistics(qcmap_msgr_ip_family_enum_v01 ip_family, 
     return method(session_, __func__, err, [&](Store& db) {
         db.run("UPDATE wwan_call SET active_ms = 0, counted_from = ? WHERE profile = ? AND instr(?, family) > 0",
                now_ms(), db.selected_profile(), families_of(ip_family));
-        return QMI_ERR_NONE_V01;
     });
 }

@@ -15,23 +15,17 @@ CREATE TRIGGER IF NOT EXISTS mappings_go_with_their_bridge AFTER DELETE ON lan_b
 END;
 )";
 
-using mobile_ap::method;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 bool QCMAP_Client::AddPDNToVLANMapping(short vlan_id, unsigned int profile_handle, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        if (!db.one<int>("SELECT 1 FROM wwan_profile WHERE handle = ?", profile_handle)) {
-            return QMI_ERR_INVALID_HANDLE_V01;
-        }
-        if (vlan_id < 1 || !db.one<int>("SELECT 1 FROM lan_bridge WHERE id = ?", vlan_id)) {
-            return QMI_ERR_INVALID_ID_V01;
-        }
+        db.check_profile(profile_handle);
+        if (vlan_id < 1) refuse(QMI_ERR_INVALID_ID_V01);
+        db.check_bridge(vlan_id);
         const int added =
             db.run("INSERT OR IGNORE INTO pdn_vlan_mapping (profile, vlan_id) VALUES (?, ?)", profile_handle, vlan_id);
-        return added == 0 ? QMI_ERR_ALREADY_THERE_V01 : QMI_ERR_NONE_V01;
+        if (added == 0) refuse(QMI_ERR_ALREADY_THERE_V01);
     });
 }
 
@@ -40,7 +34,7 @@ bool QCMAP_Client::DeletePDNToVLANMapping(short vlan_id, unsigned int profile_ha
     return method(session_, __func__, err, [&](Store& db) {
         const int removed =
             db.run("DELETE FROM pdn_vlan_mapping WHERE profile = ? AND vlan_id = ?", profile_handle, vlan_id);
-        return removed == 0 ? QMI_ERR_NO_ENTRY_V01 : QMI_ERR_NONE_V01;
+        if (removed == 0) refuse(QMI_ERR_NO_ENTRY_V01);
     });
 }
 
@@ -64,6 +58,5 @@ bool QCMAP_Client::GetPDNtoVLANMappingsEx(qcmap_msgr_pdn_to_vlan_mapping_ex_v01*
             mapping->vlan_id[mapping->vlan_count++] = q.get<int16_t>(1);
         }
         *count = profiles;
-        return QMI_ERR_NONE_V01;
     });
 }

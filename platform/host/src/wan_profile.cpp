@@ -24,19 +24,13 @@ CREATE TABLE IF NOT EXISTS wwan_service (
 INSERT INTO wwan_service SELECT 1, 1, 1 WHERE NOT EXISTS (SELECT 1 FROM wwan_service);
 )";
 
-using mobile_ap::field_text;
-using mobile_ap::method;
-using mobile_ap::Query;
-using mobile_ap::read_method;
-using mobile_ap::Refusal;
-using mobile_ap::set_field_text;
-using mobile_ap::Store;
+using namespace mobile_ap;
 
 namespace {
 
 void check_tech_pref(const qcmap_net_policy_info& policy)
 {
-    if (policy.tech_pref > 2) throw Refusal{QMI_ERR_INVALID_ARG_V01};
+    if (policy.tech_pref > 2) refuse(QMI_ERR_INVALID_ARG_V01);
 }
 
 void check_ip_family(const qcmap_net_policy_info& policy)
@@ -44,14 +38,14 @@ void check_ip_family(const qcmap_net_policy_info& policy)
     const uint32_t family = policy.ip_family;
     if (family != QCMAP_MSGR_IP_FAMILY_V4_V01 && family != QCMAP_MSGR_IP_FAMILY_V6_V01 &&
         family != QCMAP_MSGR_IP_FAMILY_V4V6_V01) {
-        throw Refusal{QMI_ERR_INVALID_ARG_V01};
+        refuse(QMI_ERR_INVALID_ARG_V01);
     }
 }
 
 void check_apn_ids(const qcmap_net_policy_info& policy)
 {
     for (const uint8_t id : {policy.profile_index_3gpp, policy.profile_index_3gpp2}) {
-        if (id < 1 || id > 16) throw Refusal{QMI_ERR_INVALID_ARG_V01};
+        if (id < 1 || id > 16) refuse(QMI_ERR_INVALID_ARG_V01);
     }
 }
 
@@ -66,13 +60,8 @@ uint32_t lowest_free_handle(Store& db)
         "WITH RECURSIVE number(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM number WHERE n < ?)"
         " SELECT min(n) FROM number WHERE n NOT IN (SELECT handle FROM wwan_profile)",
         QCMAP_MAX_WWAN_PROFILES);
-    if (!handle) throw Refusal{QMI_ERR_LIMIT_V01};
+    if (!handle) refuse(QMI_ERR_LIMIT_V01);
     return *handle;
-}
-
-void check_profile_exists(Store& db, uint32_t handle)
-{
-    if (!db.one<int>("SELECT 1 FROM wwan_profile WHERE handle = ?", handle)) throw Refusal{QMI_ERR_INVALID_HANDLE_V01};
 }
 
 }  // namespace
@@ -90,7 +79,6 @@ bool QCMAP_Client::CreateWWANPolicyEx(qcmap_net_policy_info policy, unsigned int
             free_handle, policy.tech_pref, policy.ip_family, policy.profile_index_3gpp, policy.profile_index_3gpp2,
             apn_name(policy), policy.call_bringup_mode);
         *handle = free_handle;
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -103,38 +91,35 @@ bool QCMAP_Client::UpdateWWANPolicyEx(qcmap_msgr_update_profile_enum_v01 update,
             case QCMAP_MSGR_UPDATE_TECH_TYPE_V01:
                 check_tech_pref(policy);
                 db.run("UPDATE wwan_profile SET tech_pref = ? WHERE handle = ?", policy.tech_pref, profile);
-                return QMI_ERR_NONE_V01;
+                return;
             case QCMAP_MSGR_UPDATE_ALL_PROFILE_INDEX_V01:
                 check_apn_ids(policy);
                 db.run("UPDATE wwan_profile SET apn_id_3gpp = ?, apn_id_3gpp2 = ? WHERE handle = ?",
                        policy.profile_index_3gpp, policy.profile_index_3gpp2, profile);
-                return QMI_ERR_NONE_V01;
+                return;
             case QCMAP_MSGR_SET_DEFAULT_PROFILE_V01:
                 db.run("UPDATE wwan_service SET default_profile = ?", profile);
-                return QMI_ERR_NONE_V01;
+                return;
             case QCMAP_MSGR_UPDATE_APN_NAME_V01:
                 db.run("UPDATE wwan_profile SET apn_name = ? WHERE handle = ?", apn_name(policy), profile);
-                return QMI_ERR_NONE_V01;
+                return;
             case QCMAP_MSGR_UPDATE_IP_FAMILY_TYPE_V01:
                 check_ip_family(policy);
                 db.run("UPDATE wwan_profile SET ip_family = ? WHERE handle = ?", policy.ip_family, profile);
-                return QMI_ERR_NONE_V01;
+                return;
             case QCMAP_MSGR_UPDATE_CALL_BRINGUP_MODE_V01:
                 db.run("UPDATE wwan_profile SET call_bringup_mode = ? WHERE handle = ?", policy.call_bringup_mode,
                        profile);
-                return QMI_ERR_NONE_V01;
+                return;
             default:
-                return QMI_ERR_INVALID_ARG_V01;
+                refuse(QMI_ERR_INVALID_ARG_V01);
         }
     });
 }
 
 bool QCMAP_Client::SetWWANProfileHandlePreference(unsigned int handle, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) {
-        db.select_profile(handle);
-        return QMI_ERR_NONE_V01;
-    });
+    return read_method(session_, __func__, err, [&](Store& db) { db.select_profile(handle); });
 }
 
 // A profile that the module itself uses stays, and so does one that is connected.
@@ -144,11 +129,10 @@ bool QCMAP_Client::DeleteWWANPolicy(qmi_error_type_v01* err)
         const uint32_t profile = db.selected_profile();
         if (db.one<int>("SELECT 1 FROM wwan_service WHERE ? IN (default_profile, ap_profile, apdns_profile)",
                         profile)) {
-            return QMI_ERR_INVALID_ARG_V01;
+            refuse(QMI_ERR_INVALID_ARG_V01);
         }
-        if (mobile_ap::is_connected(db, profile)) return QMI_ERR_NO_EFFECT_V01;
+        if (is_connected(db, profile)) refuse(QMI_ERR_NO_EFFECT_V01);
         db.run("DELETE FROM wwan_profile WHERE handle = ?", profile);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -172,17 +156,15 @@ bool QCMAP_Client::GetWWANPolicyListEx(qcmap_wwan_policy_list_info* list, qmi_er
         }
         list->number_of_policies = count;
         list->default_profile_handle = db.one<uint32_t>("SELECT default_profile FROM wwan_service").value_or(0);
-        return QMI_ERR_NONE_V01;
     });
 }
 
 bool QCMAP_Client::SetAPProfileHandle(unsigned int ap, unsigned int apdns, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
-        check_profile_exists(db, ap);
-        check_profile_exists(db, apdns);
+        db.check_profile(ap);
+        db.check_profile(apdns);
         db.run("UPDATE wwan_service SET ap_profile = ?, apdns_profile = ?", ap, apdns);
-        return QMI_ERR_NONE_V01;
     });
 }
 
@@ -191,6 +173,5 @@ bool QCMAP_Client::GetAPProfileHandle(unsigned int* ap, unsigned int* apdns, qmi
     return read_method(session_, __func__, err, [&](Store& db) {
         *ap = db.one<unsigned int>("SELECT ap_profile FROM wwan_service").value_or(0);
         *apdns = db.one<unsigned int>("SELECT apdns_profile FROM wwan_service").value_or(0);
-        return QMI_ERR_NONE_V01;
     });
 }

@@ -11,6 +11,7 @@
 #include "alg.h"
 #include "indications.h"
 #include "signals.h"
+#include "state_file.h"
 #include "state_place.h"
 #include "store.h"
 
@@ -23,20 +24,20 @@ void change_state(const std::function<void(Store&)>& work)
 {
     const mobile_ap::SignalsHeld held;
     const mobile_ap::StatePlace place = mobile_ap::find_state_place();
-    std::string problem = place.problem;
     Store db;
-    if (!problem.empty() || !db.open(place.path, &problem)) {
+    const std::string problem = place.problem.empty() ? mobile_ap::open_state(db, place.path) : place.problem;
+    if (!problem.empty()) {
         std::fprintf(stderr, "mobile-AP state %s: %s\n", place.path.c_str(), problem.c_str());
         std::exit(1);
     }
     try {
-        db.begin_writing();
+        mobile_ap::Transaction transaction(db, mobile_ap::Access::kWrite);
         work(db);
-        db.commit();
-    } catch (const mobile_ap::Refusal& refusal) {
-        std::fprintf(stderr, "refused with error %d\n", static_cast<int>(refusal.error));
+        transaction.commit();
+    } catch (const mobile_ap::Ending& refusal) {
+        std::fprintf(stderr, "refused with error %d\n", static_cast<int>(refusal.word));
         std::exit(1);
-    } catch (const mobile_ap::StoreError& error) {
+    } catch (const mobile_ap::DatabaseError& error) {
         std::fprintf(stderr, "mobile-AP state %s: %s\n", db.path().c_str(), error.reason.c_str());
         std::exit(1);
     }
