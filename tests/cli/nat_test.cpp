@@ -59,11 +59,11 @@ TEST_F(NatCliTest, TypeHandles)
     expect_invalid("NAT Type set ? 1", {"0", "x", "", "-0", "0x1"});
     // What atoi makes of more than 32 bits: the low ones, or the largest number where long has no more.
     if (sizeof(long) > sizeof(int)) {
-        expect_invalid("NAT Type get 4294967296");
-        expect_invalid("NAT Type set 4294967296 1");
+        expect_invalid({"NAT Type get 4294967296", "NAT Type set 4294967296 1"});
     } else {
-        expect_run("NAT Type get 4294967296", "NAT Type: FULL CONE NAT\r\nCMD OK\r\n",
-                   {"SetWWANProfileHandlePreference(2147483647)", "GetNatType()"});
+        expect({{"NAT Type get 4294967296",
+                 "NAT Type: FULL CONE NAT\r\nCMD OK\r\n",
+                 {"SetWWANProfileHandlePreference(2147483647)", "GetNatType()"}}});
     }
 }
 
