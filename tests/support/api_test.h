@@ -97,24 +97,6 @@ bool is_poisoned(const T& value)
     return bytes[0] == 0xA5 && std::memcmp(bytes, bytes + 1, sizeof(T) - 1) == 0;
 }
 
-struct ExpectedRecord {
-    uint32_t level;
-    std::string text;
-};
-inline ExpectedRecord info(const std::string& text)
-{
-    return {4, text};
-}
-inline ExpectedRecord error(const std::string& text)
-{
-    return {8, text};
-}
-
-inline std::string shown(uint32_t level, const std::string& function, const std::string& text)
-{
-    return (level == 4 ? "info " : "error ") + function + ": " + text;
-}
-
 // A test without a session.
 class ClosedApiTest : public testing::Test {
 protected:
@@ -132,36 +114,9 @@ protected:
         EXPECT_THAT(platform.unused_answers(), testing::IsEmpty()) << "an answer was said and never asked for";
         platform.reset();
     }
-
-    // The whole journal since the session was opened.
-    void expect_calls(const std::vector<std::string>& calls)
-    {
-        EXPECT_THAT(platform.journal, testing::ElementsAreArray(calls));
-    }
-    // All records since the session was opened, every one under the given function's name.
-    void expect_log(const std::string& function, const std::vector<ExpectedRecord>& records)
-    {
-        std::vector<std::string> expected;
-        for (const auto& record : records) {
-            expected.push_back(shown(record.level, function, record.text));
-        }
-        std::vector<std::string> seen;
-        for (const auto& line : platform.log) {
-            seen.push_back(shown(line.level, line.function, line.text));
-        }
-        EXPECT_THAT(seen, testing::ElementsAreArray(expected));
-    }
-    // A row: the whole journal and all records of one call, then both are forgotten for the next row.
-    void expect_row(const std::string& function, const std::vector<std::string>& calls,
-                    const std::vector<ExpectedRecord>& records)
-    {
-        expect_calls(calls);
-        expect_log(function, records);
-        platform.forget();
-    }
 };
 
-// A test with an open session; journal and log begin behind its opening.
+// A test with an open session; the transcript begins behind its opening.
 class ApiTest : public ClosedApiTest {
 protected:
     ApiTest()
