@@ -45,7 +45,7 @@ inline void expect_lines(const char* file, int line, const std::string& what, co
     scripted::platform().forget();
 }
 
-// What EXPECT_ROW makes in front of the call: the transcript must be empty then, looked at or forgotten.
+// What EXPECT_ROW makes: the transcript in front of the call must be empty, looked at or forgotten.
 class RowExpectation {
 public:
     RowExpectation(const char* file, int line) : file_(file), line_(line)
@@ -97,25 +97,6 @@ bool is_poisoned(const T& value)
     return bytes[0] == 0xA5 && std::memcmp(bytes, bytes + 1, sizeof(T) - 1) == 0;
 }
 
-// Of expect_row below.
-struct ExpectedRecord {
-    uint32_t level;
-    std::string text;
-};
-inline ExpectedRecord info(const std::string& text)
-{
-    return {4, text};
-}
-inline ExpectedRecord error(const std::string& text)
-{
-    return {8, text};
-}
-
-inline std::string shown(uint32_t level, const std::string& function, const std::string& text)
-{
-    return (level == 4 ? "info " : "error ") + function + ": " + text;
-}
-
 // A test without a session.
 class ClosedApiTest : public testing::Test {
 protected:
@@ -132,23 +113,6 @@ protected:
         EXPECT_THAT(platform.complaints, testing::IsEmpty());
         EXPECT_THAT(platform.unused_answers(), testing::IsEmpty()) << "an answer was said and never asked for";
         platform.reset();
-    }
-
-    // Calls and records of one call apart, for the tests of the IPA file work. Both are forgotten for the next one.
-    void expect_row(const std::string& function, const std::vector<std::string>& calls,
-                    const std::vector<ExpectedRecord>& records)
-    {
-        EXPECT_THAT(platform.journal, testing::ElementsAreArray(calls));
-        std::vector<std::string> expected;
-        for (const auto& record : records) {
-            expected.push_back(shown(record.level, function, record.text));
-        }
-        std::vector<std::string> seen;
-        for (const auto& line : platform.log) {
-            seen.push_back(shown(line.level, line.function, line.text));
-        }
-        EXPECT_THAT(seen, testing::ElementsAreArray(expected));
-        platform.forget();
     }
 };
 
