@@ -61,6 +61,7 @@ ZR_NEXA_C_BEGIN
  *                      only logged. It stays stored until zr_nexa_client_uninit, also when opening fails.
  *
  * @retval 13        a session is already open; it and its callback stay as they are
+ * @retval 2|0x1000  there is no memory for the session
  * @retval e|0x1000  the service is not ready, and closing the half-open session gave error e
  * @retval e|0x2000  the service refused to be enabled with error e; no session is open
  * @retval 0         the session is open - or the service was not ready, or refused, without giving an error: then no

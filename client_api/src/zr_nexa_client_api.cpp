@@ -3,6 +3,8 @@
 
 #include <zr_nexa_client_api.h>
 
+#include <exception>
+
 using namespace zr_nexa;
 
 namespace {
@@ -12,6 +14,14 @@ constexpr auto kLogSource = LogSource::kClientApi;
 constexpr unsigned long long kAllServices = 65535;
 
 void ignore_indication(uint32_t, uint32_t, const void*, ...) {}
+
+// Null: there is no memory for it, and no exception leaves the interface.
+QCMAP_Client* make_client()
+try {
+    return new QCMAP_Client(zr_nexa_inds_cb, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+} catch (const std::exception&) {
+    return nullptr;
+}
 
 // Closes the session if there is one. The pointer is cleared before the object goes: a signal that closes the session
 // from inside the destructor then finds none, instead of half of one.
@@ -33,8 +43,11 @@ uint32_t zr_nexa_client_init(zr_nexa_ind_cb_t callback)
         return ZR_NEXA_ERR_NO_SESSION;
     }
     user_callback = callback != nullptr ? callback : ignore_indication;
-    client = new QCMAP_Client(zr_nexa_inds_cb, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
-
+    client = make_client();
+    if (client == nullptr) {
+        ZR_LOG_ERROR("Couldn't setup nexa client");
+        return failed_step(1, QMI_ERR_NO_MEMORY_V01);
+    }
     qmi_error_type_v01 err = QMI_ERR_NONE_V01;
     if (!client->IsReady()) {
         ZR_LOG_ERROR("Couldn't setup nexa client");

@@ -147,12 +147,10 @@ TEST_F(SessionTest, AFailedOpeningMayBeTriedAgain)
 TEST_F(SessionTest, WithoutMemoryForTheObjectThereIsNoSession)
 {
     no_memory_for_the_object = true;
-    try {
-        zr_nexa_client_init(nullptr);
-    } catch (const std::bad_alloc&) {
-    }
+    EXPECT_ROW(zr_nexa_client_init(nullptr), 0x1002u,
+        "info  entry",
+        "error Couldn't setup nexa client");
     no_memory_for_the_object = false;
-    EXPECT_TRANSCRIPT("info  zr_nexa_client_init: entry");
     EXPECT_EQ(zr_nexa_general_restore_nexa_v1(), 13u);
     platform.forget();
     EXPECT_ROW(zr_nexa_client_init(nullptr), 0u, kCreating, "call  EnableMobileAP_Ext(65535)");
