@@ -26,7 +26,12 @@ needed() {
 quietly install cmake --install "$build" --component host_platform --prefix "$sysroot"
 
 # ---- what is missing is said at once ----
-refused no_sysroot "No platform to build for" for_device
+# A toolchain file may name a sysroot of its own, which is then looked at.
+if [ -z "$toolchain" ]; then
+    refused no_sysroot "No platform to build for" for_device
+else
+    refused no_sysroot "lacks: header diag_msg.h" for_device
+fi
 refused wrong_sysroot "lacks: header diag_msg.h header ds_utils.h header qcmap_client.h" for_device \
     -DZR_NEXA_PLATFORM_SYSROOT="$work/tools"
 grep -q 'library libdsutils.so' "$work/wrong_sysroot.log" || fail "missing libraries are not said"
