@@ -106,7 +106,7 @@ try {
         for (pugi::xml_node child = gre_flag.first_child(), next; child; child = next) {
             next = child.next_sibling();
             const std::string_view name = child.name();
-            if (name == "GREServer" || name == "GREServerSubnet") gre_flag.remove_child(child);  // GCOVR_EXCL_LINE
+            if (name == "GREServer" || name == "GREServerSubnet") gre_flag.remove_child(child);
         }
         if (cfg->gre_enabled == 1) {
             gre_flag.child("GREEnabled").first_child().set_value("1");
