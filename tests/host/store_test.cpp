@@ -562,30 +562,43 @@ TEST_F(StoreHostTest, DatabaseTakenAwayUnderASession)
 
 TEST_F(StoreHostTest, DatabaseTakenAwayAndMadeAgainByAnother)
 {
-    QCMAP_Client idle(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
-    {
-        QCMAP_Client client(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
-        EXPECT_TRUE(client.DisableIPV4(&err));
-        EXPECT_TRUE(idle.DisableIPV6(&err));
-        fs::remove(database());
-        const pid_t other = start_child([] {
-            OpenClient maker;
-            qmi_error_type_v01 error = QMI_ERR_NONE_V01;
-            return maker.SetDataPathOptStatus(0, &error) ? 0 : 1;
-        });
-        EXPECT_EQ(wait_child(other), 0);
-        unsigned char state = 0xa5;
-        EXPECT_TRUE(client.GetDataPathOptStatus(&state, &err));
-        EXPECT_EQ(state, 0) << "the other's change is seen";
-        EXPECT_TRUE(client.GetIPv4State(&state, &err));
-        EXPECT_EQ(state, 1) << "and not one's own in the file that has gone";
-        EXPECT_TRUE(idle.GetIPv6State(&state, &err));
-        EXPECT_EQ(state, 1);
-        EXPECT_TRUE(client.SetUPNPNotifyInterval(77, &err));
-    }
+    auto client = std::make_unique<QCMAP_Client>(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+    auto idle = std::make_unique<QCMAP_Client>(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+    EXPECT_TRUE(client->DisableIPV4(&err));
+    fs::remove(database());
+    int made[2];
+    int looked[2];
+    ASSERT_EQ(pipe(made), 0);
+    ASSERT_EQ(pipe(looked), 0);
+    const pid_t other = start_child([&] {
+        close(looked[1]);
+        QCMAP_Client maker(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+        qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+        char byte = 0;
+        const bool good = maker.SetDataPathOptStatus(0, &error) && write(made[1], "", 1) == 1;
+        return good && read(looked[0], &byte, 1) == 0 && maker.EnableUPNP(&error) ? 0 : 1;
+    });
+    char byte = 0;
+    EXPECT_EQ(read(made[0], &byte, 1), 1);
+    unsigned char state = 0xa5;
+    EXPECT_TRUE(client->GetDataPathOptStatus(&state, &err));
+    EXPECT_EQ(state, 0) << "the other's change is seen";
+    EXPECT_TRUE(client->GetIPv4State(&state, &err));
+    EXPECT_EQ(state, 1) << "and not one's own in the file that has gone";
+    EXPECT_TRUE(client->SetUPNPNotifyInterval(77, &err));
+    idle.reset();  // closes the file that has gone
+    client.reset();
+    for (const int end : {made[0], made[1], looked[0], looked[1]})
+        close(end);
+    EXPECT_EQ(wait_child(other), 0);
+
+    OpenClient later;
     unsigned int seconds = 0;
-    EXPECT_TRUE(OpenClient().GetUPNPNotifyInterval(&seconds, &err));
+    EXPECT_TRUE(later.GetUPNPNotifyInterval(&seconds, &err));
     EXPECT_EQ(seconds, 77u);
+    auto mode = QCMAP_MSGR_UPNP_MODE_DOWN_V01;
+    EXPECT_TRUE(later.GetUPNPStatus(&mode, &err));
+    EXPECT_EQ(mode, QCMAP_MSGR_UPNP_MODE_UP_V01);
     EXPECT_EQ(files_beginning("mobile_ap.db.corrupt-"), 0);
 }
 
