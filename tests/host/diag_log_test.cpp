@@ -7,7 +7,10 @@
 #include <time.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <regex>
+#include <thread>
 
 #include "diag_msg.h"
 #include "host_fixture.h"
@@ -227,6 +230,82 @@ TEST_F(DiagLogHostTest, ErrnoIsKept)
         write_info(1, "x");
         if (errno != 77) _exit(1);
     });
+    run([] {
+        setenv("MOBILE_AP_LOG", "file:/dev/full", 1);
+        for (int record = 0; record < 2; ++record) {
+            errno = 77;
+            write_info(record, "x");
+            if (errno != 77) _exit(1);
+        }
+    });
+}
+
+TEST_F(DiagLogHostTest, ATextThatCannotBeWrittenIsEmpty)
+{
+    const std::string text = run([] {
+        setenv("MOBILE_AP_LOG", "stderr", 1);
+        static constexpr msg_const_type kWide = {1, 65, MSG_LEVEL_HIGH, "[%s]%s(): wide %ls", "diag_log_test"};
+        const wchar_t no_character[] = {static_cast<wchar_t>(0x7fffffff), 0};
+        msg_sprintf(&kWide, "ZR_NEXA", "zr_nexa_x", no_character, 0, 0, 0, 0);
+    });
+    EXPECT_TRUE(std::regex_match(text, std::regex(STAMP " INFO  \n"))) << text;
+}
+
+TEST_F(DiagLogHostTest, ThreadsThatBeginTogetherOpenOneFile)
+{
+    for (int round = 0; round < 40; ++round) {
+        run([&] {
+            setenv("MOBILE_AP_LOG", ("file:" + folder + "/log").c_str(), 1);
+            constexpr int kThreads = 4;
+            std::atomic<int> there{0};
+            std::vector<std::thread> threads;
+            for (int i = 0; i < kThreads; ++i) {
+                threads.emplace_back([&there] {
+                    ++there;
+                    while (there < kThreads)
+                        std::this_thread::yield();
+                    write_info(1, "x");
+                });
+            }
+            for (std::thread& thread : threads)
+                thread.join();
+            int open_files = 0;
+            for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+                open_files += std::filesystem::read_symlink(entry.path()).filename() == "log" ? 1 : 0;
+            if (open_files != 1) _exit(1);
+        });
+    }
+}
+
+// A write that a signal interrupts would lose its line.
+TEST_F(DiagLogHostTest, SignalsCostNoLineWhereTheReaderIsSlow)
+{
+    constexpr int kLines = 2000;
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t child = start_child([&] {
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[0]);
+        close(ends[1]);
+        setenv("MOBILE_AP_LOG", "stderr", 1);
+        struct sigaction action = {};
+        action.sa_handler = [](int) {};
+        sigaction(SIGALRM, &action, nullptr);
+        const itimerval often = {{0, 1000}, {0, 1000}};
+        setitimer(ITIMER_REAL, &often, nullptr);
+        for (int n = 0; n < kLines; ++n)
+            write_info(n, "x");
+        return 0;
+    });
+    close(ends[1]);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));  // the pipe is full by then
+    std::string text;
+    char part[4096];
+    for (ssize_t got; (got = read(ends[0], part, sizeof part)) > 0;)
+        text.append(part, static_cast<size_t>(got));
+    close(ends[0]);
+    EXPECT_EQ(wait_child(child), 0);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), kLines);
 }
 
 // A handler of the program's would be lost behind a mask that a record left.
@@ -295,8 +374,10 @@ TEST_F(DiagLogHostTest, Syslog)
         snprintf(address.sun_path, sizeof address.sun_path, "/dev/log");
         if (bind(server, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return 1;
         setenv("MOBILE_AP_LOG", "syslog", 1);
+        setenv("MOBILE_AP_LOG_LEVEL", "debug", 1);
         write_info(1, "hello");
         msg_sprintf(&kError, "ZR_NEXA", "zr_nexa_y", 2, 0, 0, 0, 0);
+        msg_sprintf(&kDebug, "ZR_NEXA", "zr_nexa_y", 3, 0, 0, 0, 0);
         char text[512] = "";
         const std::string tag = "mobile_ap[" + std::to_string(getpid()) + "]: ";
         if (recv(server, text, sizeof text - 1, MSG_DONTWAIT) < 0) return 2;
@@ -304,6 +385,9 @@ TEST_F(DiagLogHostTest, Syslog)
         memset(text, 0, sizeof text);
         if (recv(server, text, sizeof text - 1, MSG_DONTWAIT) < 0) return 4;
         if (text != "<11>" + tag + "ERROR [ZR_NEXA]zr_nexa_y(): failed 2") return 5;
+        memset(text, 0, sizeof text);
+        if (recv(server, text, sizeof text - 1, MSG_DONTWAIT) < 0) return 6;
+        if (text != "<15>" + tag + "DEBUG [ZR_NEXA]zr_nexa_y(): detail 3") return 7;
         return 0;
     });
     const int status = wait_child(child);

@@ -76,6 +76,34 @@ TEST_F(FaultsHostTest, DelayTakesItsTimeAndMayBeJoinedWithAnother)
     EXPECT_EQ(err, word(7));
 }
 
+TEST_F(FaultsHostTest, WordsForTheSameMethodAddUp)
+{
+    Faults faults;
+    std::string bad_word;
+    EXPECT_TRUE(
+        faults.parse("A=delay:1,A=hold:10,A=fail:3,A=ok:5,A=delay:2,A=hold:20,A=fail:4,A=ok:6,"
+                     "IsReady=notready,IsReady=delay:7",
+                     &bad_word));
+    const Misbehaviour a = faults.reach("A");
+    EXPECT_EQ(a.delay_ms, 3u);
+    EXPECT_EQ(a.hold_ms, 30u);
+    EXPECT_EQ(a.fail_with, 4u) << "of two words the last one";
+    EXPECT_EQ(a.ok_with, 6u);
+    EXPECT_FALSE(a.not_ready);
+    const Misbehaviour is_ready = faults.reach("IsReady");
+    EXPECT_TRUE(is_ready.not_ready);
+    EXPECT_EQ(is_ready.delay_ms, 7u);
+}
+
+TEST_F(FaultsHostTest, ReadinessMayBeToldLate)
+{
+    name_faults("IsReady=delay:150");
+    QCMAP_Client client(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(client.IsReady());
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(150));
+}
+
 TEST_F(FaultsHostTest, SessionMethods)
 {
     name_faults("IsReady=notready,DisableMobileAP=fail:5");
@@ -96,12 +124,12 @@ TEST_F(FaultsHostTest, SessionMethods)
 
 TEST_F(FaultsHostTest, NeverReachedIsReported)
 {
-    name_faults("SetDataPathOptStatus=fail:1,SetNatType#2=ok:9");
+    name_faults("SetDataPathOptStatus=fail:1,SetNatType#2=ok:9,AddDMZ=hold:1");
     const std::string told = stderr_of([&] {
         OpenClient client;
         client.SetDataPathOptStatus(1, &err);
     });
-    EXPECT_EQ(told, "MOBILE_AP_FAULTS: never reached: SetNatType#2=ok:9\n");
+    EXPECT_EQ(told, "MOBILE_AP_FAULTS: never reached: SetNatType#2=ok:9,AddDMZ=hold:1\n");
 }
 
 TEST_F(FaultsHostTest, AllReachedIsSilent)
@@ -136,6 +164,7 @@ TEST(Faults, Words)
         {"A=fail:1", nullptr},
         {"A=fail:0xFF,B#3=ok:4294967295,C=delay:600000,IsReady=notready", nullptr},
         {"ZR_SetRoutingBH=hold:1", nullptr},
+        {"A=fail:0Xff", nullptr},
         {"A", "A"},
         {"A=", "A="},
         {"=fail:1", "=fail:1"},

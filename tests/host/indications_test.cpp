@@ -1,7 +1,9 @@
 // Indications, within a process and across two.
 #include "indications.h"
 
+#include <pthread.h>
 #include <signal.h>
+#include <sys/inotify.h>
 
 #include <atomic>
 #include <chrono>
@@ -181,6 +183,41 @@ TEST_F(IndicationsHostTest, ComeSoonerThanTheRounds)
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(200 * kCount / 2));
 }
 
+TEST_F(IndicationsHostTest, ManyAtOnceWaitForNoRounds)
+{
+    Heard heard;
+    OpenClient client(Heard::callback, &heard);
+    Session sender(nullptr, nullptr);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(send(sender, 1, 1000));
+    EXPECT_EQ(heard.wait_for(1000), range(1, 1000));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+}
+
+TEST_F(IndicationsHostTest, OnlyAMethodThatTellsTouchesTheFile)
+{
+    Session session(nullptr, nullptr);
+    const int watch = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+    ASSERT_GE(inotify_add_watch(watch, (folder + "/mobile_ap.db").c_str(), IN_ATTRIB), 0);
+    const auto touched = [watch] {
+        char events[4096];
+        return read(watch, events, sizeof events) > 0;
+    };
+    const auto change = [&] {
+        EXPECT_TRUE(method(&session, "Test", &err, [](Store& db) { db.run("UPDATE data_path SET optimised = 5"); }));
+    };
+    change();
+    EXPECT_FALSE(touched());
+    EXPECT_TRUE(send(session, 1, 1));
+    EXPECT_TRUE(touched());
+    change();
+    EXPECT_FALSE(touched());
+    EXPECT_FALSE(send(session, 2, 2, QMI_ERR_NO_EFFECT_V01));
+    change();
+    EXPECT_FALSE(touched());
+    close(watch);
+}
+
 TEST_F(IndicationsHostTest, TheNewestThousandAreKept)
 {
     Session sender(nullptr, nullptr);
@@ -212,6 +249,21 @@ TEST_F(IndicationsHostTest, AnotherDatabaseInTheSamePlaceIsHeard)
     std::filesystem::remove(folder + "/mobile_ap.db");
     EXPECT_TRUE(send(sender, 4, 4));
     EXPECT_EQ(heard.wait_for(4), range(1, 4));
+}
+
+TEST_F(IndicationsHostTest, AnotherDatabaseMadeWhileDisabledHasNothingNew)
+{
+    Heard heard;
+    OpenClient client(Heard::callback, &heard);
+    Session sender(nullptr, nullptr);
+    EXPECT_TRUE(send(sender, 1, 1));
+    EXPECT_EQ(heard.wait_for(1), range(1, 1));
+    EXPECT_TRUE(client.DisableMobileAP(&err));
+    std::filesystem::remove(folder + "/mobile_ap.db");
+    EXPECT_TRUE(send(sender, 2, 2));
+    EXPECT_TRUE(client.EnableMobileAP_Ext(&err, 65535));
+    EXPECT_TRUE(send(sender, 3, 3));
+    EXPECT_EQ(heard.wait_for(2), (std::vector<uint32_t>{1, 3}));
 }
 
 TEST_F(IndicationsHostTest, DisablingDoesNotWaitForWhatIsQueued)
@@ -261,6 +313,51 @@ TEST_F(IndicationsHostTest, DescriptorsAreGivenBack)
     for (int opening = 0; opening < 50; ++opening)
         open_and_close();
     EXPECT_EQ(open_here(), before);
+}
+
+std::atomic<int> handler_runs{0};
+
+TEST_F(IndicationsHostTest, HandlersDoNotRunOnTheThreadThatDelivers)
+{
+    handler_runs = 0;
+    struct sigaction action = {};
+    action.sa_handler = [](int) { ++handler_runs; };
+    struct sigaction before = {};
+    ASSERT_EQ(sigaction(SIGUSR1, &action, &before), 0);
+    OpenClient client;
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGUSR1);
+    pthread_sigmask(SIG_BLOCK, &held, nullptr);
+    kill(getpid(), SIGUSR1);
+    settle();
+    EXPECT_EQ(handler_runs, 0);
+    pthread_sigmask(SIG_UNBLOCK, &held, nullptr);
+    EXPECT_EQ(handler_runs, 1);
+    sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST_F(IndicationsHostTest, CallbacksHaveTwoMegabytesOfStack)
+{
+    struct Room {
+        static void callback(qmi_client_type, unsigned int, void*, unsigned int, void* user)
+        {
+            pthread_attr_t attributes;
+            size_t size = 0;
+            if (pthread_getattr_np(pthread_self(), &attributes) != 0) return;
+            pthread_attr_getstacksize(&attributes, &size);
+            pthread_attr_destroy(&attributes);
+            *static_cast<std::atomic<size_t>*>(user) = size;
+        }
+    };
+    std::atomic<size_t> size{0};
+    OpenClient client(Room::callback, &size);
+    Session sender(nullptr, nullptr);
+    EXPECT_TRUE(send(sender, 1, 1));
+    for (int i = 0; i < 5000 && size == 0; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    EXPECT_GE(size, size_t{2} << 20);
+    EXPECT_LT(size, size_t{3} << 20);
 }
 
 TEST_F(IndicationsHostTest, TheLargeReport)

@@ -235,6 +235,33 @@ TEST_F(SessionHostTest, SignalEndsTheWaitForAnothersTransaction)
     EXPECT_EQ(state, 1);
 }
 
+TEST_F(SessionHostTest, GivingUpAWaitForASignalIsNoFault)
+{
+    setenv("MOBILE_AP_FAULTS", "EnableIPV6=hold:60000", 1);
+    const pid_t holder = start_child([] {
+        OpenClient client;
+        qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+        return client.EnableIPV6(&error) ? 0 : 1;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    unsetenv("MOBILE_AP_FAULTS");
+    const pid_t child = start_child([] {
+        OpenClient client;
+        sigset_t held;
+        sigemptyset(&held);
+        sigaddset(&held, SIGTERM);
+        sigprocmask(SIG_BLOCK, &held, nullptr);
+        raise(SIGTERM);
+        qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+        bool done = true;
+        const std::string told = stderr_of([&] { done = client.DisableIPV4(&error); });
+        return !done && error == QMI_ERR_ABORTED_V01 && told.empty() ? 0 : 1;
+    });
+    EXPECT_EQ(wait_child(child), 0);
+    kill(holder, SIGKILL);
+    wait_child(holder);
+}
+
 TEST_F(SessionHostTest, WaitsForAnothersTransaction)
 {
     setenv("MOBILE_AP_FAULTS", "EnableIPV6=hold:800", 1);

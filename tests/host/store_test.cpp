@@ -75,6 +75,12 @@ protected:
         content << file.rdbuf();
         return content.str();
     }
+    void damage_a_page() const
+    {
+        std::fstream file(database(), std::ios::binary | std::ios::in | std::ios::out);
+        file.seekp(4096) << std::string(4096, '\xee');
+        EXPECT_TRUE(file.flush());
+    }
     std::string name_set_aside() const
     {
         for (const auto& entry : fs::directory_iterator(folder)) {
@@ -224,7 +230,11 @@ TEST_F(StoreHostTest, FullFileSystem)
         if (mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=8m") != 0) return 77;
         if (!works()) return 1;
         const std::string before = read_file(database());
+        QCMAP_Client client(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
         std::ofstream(folder + "/filler") << std::string(16 << 20, 'f');
+        qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+        stderr_of([&] { client.DisableIPV4(&error); });
+        if (error != QMI_ERR_NO_MEMORY_V01) return 5;
         const std::string told = refused();
         if (told != not_ready_line(folder, "No space left on device")) return 2;
         if (read_file(database()) != before) return 3;
@@ -277,11 +287,7 @@ TEST_F(StoreHostTest, NotADatabaseIsSetAside)
 TEST_F(StoreHostTest, DamagedPageIsSetAside)
 {
     ASSERT_TRUE(works());
-    const int fd = open(database().c_str(), O_WRONLY);
-    ASSERT_GE(fd, 0);
-    const std::string junk(4096, '\xee');
-    ASSERT_EQ(pwrite(fd, junk.data(), junk.size(), 4096), 4096);
-    close(fd);
+    damage_a_page();
     const std::string told = refused();
     EXPECT_NE(told.find(": damaged ("), std::string::npos) << told;
     EXPECT_EQ(files_beginning("mobile_ap.db.corrupt-"), 1);
@@ -473,6 +479,63 @@ TEST_F(StoreHostTest, ManyThatFindDamageSetOneFileAside)
     }
 }
 
+TEST_F(StoreHostTest, DamageSeenByManyIsLookedAtAgain)
+{
+    std::ofstream(database()) << "junk junk junk junk";
+    const int lock = open((folder + "/mobile_ap.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(flock(lock, LOCK_EX), 0);
+    std::vector<pid_t> children;
+    for (int i = 0; i < 4; ++i) {
+        children.push_back(start_child([lock] {
+            close(lock);
+            stderr_of([] { OpenClient(); });
+            return 0;
+        }));
+    }
+    // All have seen the junk by then, and wait to set it aside.
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    close(lock);
+    for (const pid_t child : children)
+        EXPECT_EQ(wait_child(child), 0);
+    EXPECT_EQ(files_beginning("mobile_ap.db.corrupt-"), 1);
+}
+
+TEST_F(StoreHostTest, LogGoesAlongWithADamagedDatabase)
+{
+    ASSERT_TRUE(works());
+    QCMAP_Client client(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+    ASSERT_TRUE(client.DisableIPV4(&err));
+    const std::string log = read_file(database() + "-wal");
+    ASSERT_FALSE(log.empty());
+    damage_a_page();
+    EXPECT_NE(refused().find(": damaged ("), std::string::npos);
+    EXPECT_TRUE(read_file(name_set_aside() + "-wal") == log);
+    EXPECT_TRUE(works());
+}
+
+TEST_F(StoreHostTest, DamageIsToldEvenWhenNoneCanTakeItsPlace)
+{
+    std::ofstream(database()) << "junk junk junk junk";
+    signal(SIGXFSZ, SIG_IGN);
+    rlimit before = {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit tiny = {65536, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tiny), 0);
+    Store db;
+    const std::string problem = mobile_ap::open_state(db, folder);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+    EXPECT_NE(problem.find("set aside as " + name_set_aside()), std::string::npos) << problem;
+    EXPECT_FALSE(db.is_open());
+    EXPECT_TRUE(works());
+}
+
+TEST_F(StoreHostTest, LogStaysEmptied)
+{
+    ASSERT_TRUE(works());
+    ASSERT_TRUE(fs::exists(database() + "-wal"));
+    EXPECT_EQ(fs::file_size(database() + "-wal"), 0u);
+}
+
 TEST_F(StoreHostTest, DatabaseTakenAwayUnderASession)
 {
     OpenClient client;
@@ -499,30 +562,43 @@ TEST_F(StoreHostTest, DatabaseTakenAwayUnderASession)
 
 TEST_F(StoreHostTest, DatabaseTakenAwayAndMadeAgainByAnother)
 {
-    QCMAP_Client idle(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
-    {
-        QCMAP_Client client(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
-        EXPECT_TRUE(client.DisableIPV4(&err));
-        EXPECT_TRUE(idle.DisableIPV6(&err));
-        fs::remove(database());
-        const pid_t other = start_child([] {
-            OpenClient maker;
-            qmi_error_type_v01 error = QMI_ERR_NONE_V01;
-            return maker.SetDataPathOptStatus(0, &error) ? 0 : 1;
-        });
-        EXPECT_EQ(wait_child(other), 0);
-        unsigned char state = 0xa5;
-        EXPECT_TRUE(client.GetDataPathOptStatus(&state, &err));
-        EXPECT_EQ(state, 0) << "the other's change is seen";
-        EXPECT_TRUE(client.GetIPv4State(&state, &err));
-        EXPECT_EQ(state, 1) << "and not one's own in the file that has gone";
-        EXPECT_TRUE(idle.GetIPv6State(&state, &err));
-        EXPECT_EQ(state, 1);
-        EXPECT_TRUE(client.SetUPNPNotifyInterval(77, &err));
-    }
+    auto client = std::make_unique<QCMAP_Client>(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+    auto idle = std::make_unique<QCMAP_Client>(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+    EXPECT_TRUE(client->DisableIPV4(&err));
+    fs::remove(database());
+    int made[2];
+    int looked[2];
+    ASSERT_EQ(pipe(made), 0);
+    ASSERT_EQ(pipe(looked), 0);
+    const pid_t other = start_child([&] {
+        close(looked[1]);
+        QCMAP_Client maker(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
+        qmi_error_type_v01 error = QMI_ERR_NONE_V01;
+        char byte = 0;
+        const bool good = maker.SetDataPathOptStatus(0, &error) && write(made[1], "", 1) == 1;
+        return good && read(looked[0], &byte, 1) == 0 && maker.EnableUPNP(&error) ? 0 : 1;
+    });
+    char byte = 0;
+    EXPECT_EQ(read(made[0], &byte, 1), 1);
+    unsigned char state = 0xa5;
+    EXPECT_TRUE(client->GetDataPathOptStatus(&state, &err));
+    EXPECT_EQ(state, 0) << "the other's change is seen";
+    EXPECT_TRUE(client->GetIPv4State(&state, &err));
+    EXPECT_EQ(state, 1) << "and not one's own in the file that has gone";
+    EXPECT_TRUE(client->SetUPNPNotifyInterval(77, &err));
+    idle.reset();  // closes the file that has gone
+    client.reset();
+    for (const int end : {made[0], made[1], looked[0], looked[1]})
+        close(end);
+    EXPECT_EQ(wait_child(other), 0);
+
+    OpenClient later;
     unsigned int seconds = 0;
-    EXPECT_TRUE(OpenClient().GetUPNPNotifyInterval(&seconds, &err));
+    EXPECT_TRUE(later.GetUPNPNotifyInterval(&seconds, &err));
     EXPECT_EQ(seconds, 77u);
+    auto mode = QCMAP_MSGR_UPNP_MODE_DOWN_V01;
+    EXPECT_TRUE(later.GetUPNPStatus(&mode, &err));
+    EXPECT_EQ(mode, QCMAP_MSGR_UPNP_MODE_UP_V01);
     EXPECT_EQ(files_beginning("mobile_ap.db.corrupt-"), 0);
 }
 

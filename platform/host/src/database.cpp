@@ -1,8 +1,9 @@
 #include "database.h"
 
 #include <fcntl.h>
-#include <string.h>
 #include <sys/stat.h>
+
+#include "complain.h"
 
 namespace mobile_ap {
 
@@ -112,8 +113,7 @@ void Database::connect(const std::string& path, int flags)
     const int code = sqlite3_open_v2(path.c_str(), &connection_, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     if (code != SQLITE_OK) {
         const int reason = connection_ == nullptr ? 0 : sqlite3_system_errno(connection_);
-        char text[128] = "";
-        const char* words = reason != 0 ? strerror_r(reason, text, sizeof text) : sqlite3_errstr(code);
+        const std::string words = reason != 0 ? errno_text(reason) : sqlite3_errstr(code);
         close();
         throw DatabaseError{code, words};
     }

@@ -127,14 +127,14 @@ bool QCMAP_Client::AddFireWallEntry(qcmap_msgr_firewall_conf_t* conf, qmi_error_
         if (filter.ip_version != 4 && filter.ip_version != 6) refuse(QMI_ERR_INVALID_ARG_V01);
         if (conf->direction > 2) refuse(QMI_ERR_INVALID_ARG_V01);
         const uint32_t profile = db.selected_profile();
-        const auto entries = db.one<int>("SELECT COUNT(*) FROM firewall_entry WHERE profile = ?", profile);
+        const auto entries = db.one<int>("SELECT count(*) FROM firewall_entry WHERE profile = ?", profile);
         if (entries >= QCMAP_MAX_FIREWALL_ENTRIES) refuse(QMI_ERR_LIMIT_V01);
         const Header header = stored_header(filter);
         db.run(
-            "INSERT INTO firewall_entry (profile, direction, ip_version, fields, src_addr, src_mask, dst_addr, "
-            "dst_mask,"
-            " tos, tos_mask, nat_flag, protocol, transport_fields, src_port, src_port_range, dst_port, dst_port_range,"
-            " icmp_type, icmp_code, esp_spi) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+            "INSERT INTO firewall_entry (profile, direction, ip_version, fields, src_addr, src_mask, dst_addr,"
+            " dst_mask, tos, tos_mask, nat_flag, protocol, transport_fields, src_port, src_port_range, dst_port,"
+            " dst_port_range, icmp_type, icmp_code, esp_spi) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+            "?, ?, ?, ?)",
             profile, conf->direction, filter.ip_version, filter.ip_field_mask, header.src_addr, header.src_mask,
             header.dst_addr, header.dst_mask, header.tos, header.tos_mask, header.nat_flag, filter.next_header,
             transport.field_mask, transport.src_port, transport.src_port_range, transport.dst_port,

@@ -127,7 +127,7 @@ void Listener::deliver_new()
         unsigned int msg_id;
         std::vector<uint8_t> wire;
     };
-    for (bool more = true; more && !stopping_;) {
+    for (bool more = true; more;) {
         std::vector<Pending> batch;
         try {
             if (db_.is_open() && db_.replaced()) {

@@ -2,8 +2,6 @@
 // all bridges, and the addresses that are kept off the hardware path. A bridge without a row has the factory settings.
 #include "session.h"
 
-#include <arpa/inet.h>
-
 const char* const mobile_ap::kLanPassthroughSchema = R"(
 CREATE TABLE IF NOT EXISTS passthrough (
     bridge INTEGER PRIMARY KEY REFERENCES lan_bridge(id) ON DELETE CASCADE,
@@ -165,9 +163,10 @@ bool QCMAP_Client::GetIPPassthroughSoftwarePathFilters(qcmap_msgr_sw_path_filter
         *list = {};
         list->request = kFilterRequest;
         list->flags = db.one<uint32_t>("SELECT flags FROM gateway_filter_list WHERE bridge = ?", bridge).value_or(0);
-        Query q = db.query("SELECT start_port, end_port, protocol FROM gateway_filter WHERE bridge = ? ORDER BY number",
-                           bridge);
-        while (list->count < QCMAP_MAX_SW_PATH_FILTERS && q.next()) {
+        Query q = db.query(
+            "SELECT start_port, end_port, protocol FROM gateway_filter WHERE bridge = ? ORDER BY number LIMIT ?",
+            bridge, QCMAP_MAX_SW_PATH_FILTERS);
+        while (q.next()) {
             list->filter[list->count++] = {q.get<uint16_t>(0), q.get<uint16_t>(1), q.get<uint32_t>(2)};
         }
     });
@@ -216,8 +215,9 @@ bool QCMAP_Client::ZR_GetIPFromSWPathFilters(qcmap_sw_path_filters_ex_ipv4_addr_
 {
     return read_method(session_, __func__, err, [&](Store& db) {
         *list = {};
-        Query q = db.query("SELECT address FROM software_path_address ORDER BY number");
-        while (list->count < QCMAP_MAX_SW_PATH_FILTERS && q.next()) {
+        Query q =
+            db.query("SELECT address FROM software_path_address ORDER BY number LIMIT ?", QCMAP_MAX_SW_PATH_FILTERS);
+        while (q.next()) {
             list->address[list->count++] = network_ipv4_word(q.get<std::string>(0));
         }
     });

@@ -1,8 +1,6 @@
 // LAN services: DHCP reservations, packet statistics, connected devices, L2TP tunnels per bridge.
-#include <arpa/inet.h>
 #include <string.h>
 
-#include "addresses.h"
 #include "session.h"
 
 const char* const mobile_ap::kLanServicesSchema = R"(
@@ -95,7 +93,8 @@ int64_t position_of(Store& db, uint32_t reserved_ip)
 
 void read_device_ipv6(Store& db, const std::string& mac, qcmap_connected_device* device)
 {
-    Query q = db.query("SELECT ipv6 FROM connected_device_ipv6 WHERE mac = ? ORDER BY rowid LIMIT 6", mac);
+    Query q = db.query("SELECT ipv6 FROM connected_device_ipv6 WHERE mac = ? ORDER BY rowid LIMIT ?", mac,
+                       QCMAP_MAX_DEVICE_IPV6);
     while (q.next())
         ipv6_bytes(q.get<std::string>(0), device->ipv6_addr[device->ipv6_count++]);
 }
@@ -130,8 +129,10 @@ bool QCMAP_Client::GetDHCPReservRecords(qcmap_msgr_dhcp_reservation_v01* records
 {
     return read_method(session_, __func__, err, [&](Store& db) {
         *count = 0;
-        Query q = db.query("SELECT reserved_ip, mac, device_name, enabled FROM dhcp_reservation ORDER BY position");
-        while (q.next() && *count < QCMAP_MAX_DHCP_RESERVATIONS) {
+        Query q =
+            db.query("SELECT reserved_ip, mac, device_name, enabled FROM dhcp_reservation ORDER BY position LIMIT ?",
+                     QCMAP_MAX_DHCP_RESERVATIONS);
+        while (q.next()) {
             qcmap_msgr_dhcp_reservation_v01& record = records[(*count)++];
             record = {};
             record.reserved_ip = network_ipv4_word(q.get<std::string>(0));
@@ -193,8 +194,9 @@ bool QCMAP_Client::GetConnectedDevicesInfo(qcmap_connected_devices* list, unsign
     return read_method(session_, __func__, err, [&](Store& db) {
         *count = 0;
         Query q = db.query(
-            "SELECT mac, device_type, ipv4, host_name, rx_bytes, tx_bytes FROM connected_device ORDER BY rowid");
-        while (q.next() && *count < QCMAP_MAX_CONNECTED_DEVICES) {
+            "SELECT mac, device_type, ipv4, host_name, rx_bytes, tx_bytes FROM connected_device ORDER BY rowid LIMIT ?",
+            QCMAP_MAX_CONNECTED_DEVICES);
+        while (q.next()) {
             qcmap_connected_device& device = list->device[(*count)++];
             device = {};
             mac_bytes(q.get<std::string>(0), device.mac);
@@ -235,9 +237,9 @@ bool QCMAP_Client::GetL2TPConfig(qcmap_msgr_l2tp_conf_t* config, qmi_error_type_
         }
         Query q = db.query(
             "SELECT tunnel_id, peer_tunnel_id, ip_family, encapsulation, local_port, peer_port, local_ipv4, peer_ipv4,"
-            " local_ipv6, peer_ipv6, mtu FROM l2tp_tunnel WHERE bridge = ? ORDER BY rowid",
-            bridge);
-        while (q.next() && config->tunnel_count < QCMAP_MAX_L2TP_TUNNELS) {
+            " local_ipv6, peer_ipv6, mtu FROM l2tp_tunnel WHERE bridge = ? ORDER BY rowid LIMIT ?",
+            bridge, QCMAP_MAX_L2TP_TUNNELS);
+        while (q.next()) {
             qcmap_msgr_l2tp_config_v01& tunnel = config->tunnel[config->tunnel_count++];
             tunnel.tunnel_id = q.get<uint32_t>(0);
             tunnel.peer_tunnel_id = q.get<uint32_t>(1);

@@ -39,7 +39,7 @@ bool QCMAP_Client::CreateVLANConfig(qcmap_msgr_vlan_config_ex_v01 vlan, qmi_erro
                                        vlan.interface_type, vlan.is_accelerated, vlan.vlan_id);
         if (same && *same) succeed_with(QMI_ERR_ALREADY_THERE_V01);
         if (same) refuse(QMI_ERR_ALREADY_THERE_V01);
-        if (db.one<int>("SELECT count(*) FROM vlan").value_or(0) >= QCMAP_MAX_VLAN_ENTRIES) refuse(QMI_ERR_LIMIT_V01);
+        if (db.one<int>("SELECT count(*) FROM vlan") >= QCMAP_MAX_VLAN_ENTRIES) refuse(QMI_ERR_LIMIT_V01);
         add_bridge(db, vlan.vlan_id);
         db.run("INSERT INTO vlan (id, interface_type, accelerated) VALUES (?, ?, ?)", vlan.vlan_id, vlan.interface_type,
                vlan.is_accelerated);
@@ -50,8 +50,9 @@ bool QCMAP_Client::GetVLANConfig(qcmap_msgr_vlan_conf_t* list, qmi_error_type_v0
 {
     return read_method(session_, __func__, err, [&](Store& db) {
         list->count = 0;
-        Query q = db.query("SELECT interface_type, id, accelerated FROM vlan ORDER BY id");
-        while (list->count < QCMAP_MAX_VLAN_ENTRIES && q.next()) {
+        Query q =
+            db.query("SELECT interface_type, id, accelerated FROM vlan ORDER BY id LIMIT ?", QCMAP_MAX_VLAN_ENTRIES);
+        while (q.next()) {
             list->vlan[list->count++] = {q.get<qcmap_msgr_interface_type_enum_v01>(0), q.get<int16_t>(1),
                                          q.get<uint8_t>(2)};
         }

@@ -4,6 +4,7 @@
 
 #include <new>
 
+#include "complain.h"
 #include "diag_msg.h"
 #include "signals.h"
 #include "state_place.h"

@@ -3,12 +3,12 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>
-#include <string.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
+#include "complain.h"
 #include "schemas.h"
 
 namespace mobile_ap {
@@ -140,7 +140,7 @@ std::string set_aside(const std::string& path)
         if (stat((path + log).c_str(), &info) == 0 && info.st_size > 0)
             rename((path + log).c_str(), (name + log).c_str());
     }
-    if (rename(path.c_str(), name.c_str()) != 0) throw DatabaseError{SQLITE_IOERR, strerror(errno)};
+    if (rename(path.c_str(), name.c_str()) != 0) throw DatabaseError{SQLITE_IOERR, errno_text(errno)};
     return name;
 }
 

@@ -4,20 +4,15 @@
 #include <fcntl.h>
 #include <pwd.h>
 #include <stdlib.h>
-#include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "complain.h"
 
 namespace mobile_ap {
 namespace {
 
 constexpr off_t kRoomNeeded = 65536;
-
-std::string errno_text(int error)
-{
-    char text[128] = "";
-    return strerror_r(error, text, sizeof text);
-}
 
 // Makes the folder and those above it. 0 or an errno.
 int make_folders(const std::string& path)
@@ -90,12 +85,6 @@ StatePlace find_state_place()
     else
         place.problem = why_not_writable(place.path);
     return place;
-}
-
-void complain(const std::string& text)
-{
-    const std::string line = text + "\n";
-    if (write(STDERR_FILENO, line.data(), line.size()) < 0) return;  // nobody left to tell
 }
 
 }  // namespace mobile_ap

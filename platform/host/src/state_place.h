@@ -14,9 +14,6 @@ struct StatePlace {
 // MOBILE_AP_STATE names a folder that exists. Without it: zr_nexa in the user's state folder, made when missing.
 StatePlace find_state_place();
 
-// One line on standard error, in one write.
-void complain(const std::string& text);
-
 }  // namespace mobile_ap
 
 #endif

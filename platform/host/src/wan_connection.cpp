@@ -212,11 +212,6 @@ const char* families_of(qcmap_msgr_ip_family_enum_v01 ip_family)
 }
 
 // The on/off modes are columns of the profile.
-void set_mode(Store& db, const char* sql, bool enable)
-{
-    db.run(sql, enable, db.selected_profile());
-}
-
 void get_mode(Store& db, const char* sql, unsigned char* enable)
 {
     *enable = db.one<unsigned char>(sql, db.selected_profile()).value_or(0);
@@ -279,8 +274,9 @@ bool QCMAP_Client::DisconnectBackHaul(qcmap_msgr_wwan_call_type_v01 call_type, q
 
 bool QCMAP_Client::SetReconnect(bool enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err,
-                  [&](Store& db) { set_mode(db, "UPDATE wwan_profile SET reconnect = ? WHERE handle = ?", enable); });
+    return method(session_, __func__, err, [&](Store& db) {
+        db.run("UPDATE wwan_profile SET reconnect = ? WHERE handle = ?", enable, db.selected_profile());
+    });
 }
 
 bool QCMAP_Client::GetReconnect(unsigned char* enable, qmi_error_type_v01* err)
@@ -291,8 +287,9 @@ bool QCMAP_Client::GetReconnect(unsigned char* enable, qmi_error_type_v01* err)
 
 bool QCMAP_Client::SetAutoconnect(bool enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err,
-                  [&](Store& db) { set_mode(db, "UPDATE wwan_profile SET autoconnect = ? WHERE handle = ?", enable); });
+    return method(session_, __func__, err, [&](Store& db) {
+        db.run("UPDATE wwan_profile SET autoconnect = ? WHERE handle = ?", enable, db.selected_profile());
+    });
 }
 
 bool QCMAP_Client::GetAutoconnect(unsigned char* enable, qmi_error_type_v01* err)
@@ -304,8 +301,9 @@ bool QCMAP_Client::GetAutoconnect(unsigned char* enable, qmi_error_type_v01* err
 
 bool QCMAP_Client::SetRoaming(bool enable, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err,
-                  [&](Store& db) { set_mode(db, "UPDATE wwan_profile SET roaming = ? WHERE handle = ?", enable); });
+    return method(session_, __func__, err, [&](Store& db) {
+        db.run("UPDATE wwan_profile SET roaming = ? WHERE handle = ?", enable, db.selected_profile());
+    });
 }
 
 bool QCMAP_Client::GetRoaming(unsigned char* enable, qmi_error_type_v01* err)
