@@ -7,17 +7,17 @@
 
 static bool no_memory_for_the_object;
 
-void* operator new(size_t size)
+[[gnu::noinline]] void* operator new(size_t size)
 {
     void* const memory = no_memory_for_the_object && size == sizeof(QCMAP_Client) ? nullptr : std::malloc(size);
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
-void operator delete(void* memory) noexcept
+[[gnu::noinline]] void operator delete(void* memory) noexcept
 {
     std::free(memory);
 }
-void operator delete(void* memory, size_t) noexcept
+[[gnu::noinline]] void operator delete(void* memory, size_t) noexcept
 {
     std::free(memory);
 }
