@@ -7,7 +7,7 @@
 
 namespace cli {
 
-void dispatch(int argc, char** argv)
+void zr_nexa_dispatch(int argc, char** argv)
 {
     const Category* const category = find_category(argv[1]);
     const Setting* const setting = category != nullptr ? find_setting(*category, argv[2]) : nullptr;

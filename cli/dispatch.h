@@ -4,7 +4,7 @@
 namespace cli {
 
 // Finds the handler of argv[1] and argv[2], calls it with all words and prints the verdict. At least three words.
-void dispatch(int argc, char** argv);
+void zr_nexa_dispatch(int argc, char** argv);
 
 }  // namespace cli
 

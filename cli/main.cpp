@@ -26,10 +26,10 @@ int main(int argc, char** argv)
 
     if (argc > 2) {
         zr_nexa_client_init(ignore_indication);
-        cli::dispatch(argc, argv);
+        cli::zr_nexa_dispatch(argc, argv);
         zr_nexa_client_uninit();
     } else {
-        cli::print_menu(argc, argv);
+        cli::zr_nexa_print_menu(argc, argv);
     }
     const unsigned int unslept = sleep(1);
     cli::ignore_ending_signals();

@@ -36,7 +36,7 @@ void MenuText::append_row(const char* name, const char* description)
     append("\r\n");
 }
 
-void print_menu(int argc, char** argv)
+void zr_nexa_print_menu(int argc, char** argv)
 {
     MenuText menu;
     menu.append("Korvane MoblieAP CMD\r\n\r\n");

@@ -26,7 +26,7 @@ private:
 };
 
 // One word: the categories. Two words: the settings of category argv[1].
-void print_menu(int argc, char** argv);
+void zr_nexa_print_menu(int argc, char** argv);
 
 }  // namespace cli
 

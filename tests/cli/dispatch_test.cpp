@@ -118,7 +118,7 @@ TEST_F(DispatchTest, ARejectedOptionIsTheHandlersLineAndTheVerdict)
 TEST_F(DispatchTest, WithoutASessionTheInterfaceRefuses)
 {
     Words words("General SFE get");
-    EXPECT_EQ(printed([&] { cli::dispatch(words.argc(), words.argv()); }), "CMD Error#0xd\r\n");
+    EXPECT_EQ(printed([&] { cli::zr_nexa_dispatch(words.argc(), words.argv()); }), "CMD Error#0xd\r\n");
     EXPECT_THAT(platform.journal, testing::IsEmpty());
 }
 

@@ -11,7 +11,7 @@ protected:
     static void expect_menu(const std::string& line, const std::string& output)
     {
         Words words(line);
-        EXPECT_EQ(printed([&] { cli::print_menu(words.argc(), words.argv()); }), kBanner + output)
+        EXPECT_EQ(printed([&] { cli::zr_nexa_print_menu(words.argc(), words.argv()); }), kBanner + output)
             << line.substr(0, 20);
     }
     // No menu needs the platform.

@@ -85,7 +85,7 @@ std::string CliTest::run(const std::string& line)
     Words words(line);
     EXPECT_EQ(zr_nexa_client_init(nullptr), 0u);
     platform.forget();
-    const std::string output = printed([&] { cli::dispatch(words.argc(), words.argv()); });
+    const std::string output = printed([&] { cli::zr_nexa_dispatch(words.argc(), words.argv()); });
     const auto journal = platform.journal;
     const auto log = platform.log;
     zr_nexa_client_uninit();
