@@ -19,7 +19,7 @@ void ignore_indication(uint32_t, uint32_t, const void*, ...) {}
 QCMAP_Client* make_client()
 try {
     return new QCMAP_Client(zr_nexa_inds_cb, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr);
-} catch (const std::exception&) {
+} catch (const std::exception& /* no memory */) {
     return nullptr;
 }
 
