@@ -32,7 +32,7 @@ asks_for() {
     grep -q " UND .*$2" <<<"$(readelf --dyn-syms -W "$1")" || fail "${1##*/} does not ask for $2"
 }
 for file in "$build/lib/libzr_nexa_client_api.so" "$build/lib/libqcmap_client.so" "$build/lib/libdiag.so" \
-    "$build/bin/mobile_ap_demo"; do
+    "$build/bin/mobile_ap_ctl"; do
     asks_for "$file" __stack_chk_fail
 done
 asks_for "$build/bin/zr_nexa" __printf_chk

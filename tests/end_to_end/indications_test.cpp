@@ -383,12 +383,12 @@ TEST_F(IndicationsTest, AFailedDisconnectOfIpv6HasAFourthValue)
     }
 }
 
-#ifdef ZR_NEXA_DEMO
+#ifdef ZR_NEXA_MOBILE_AP_CTL
 TEST_F(IndicationsTest, ReportsAreSentOnDemand)
 {
     ASSERT_EQ(zr_nexa_client_init(note_event), 0u);
     for (const char* kind : {"0", "1", "2", "4294967295"}) {
-        EXPECT_EQ(run_program(ZR_NEXA_DEMO, {"report", kind}), 0);
+        EXPECT_EQ(run_program(ZR_NEXA_MOBILE_AP_CTL, {"report", kind}), 0);
     }
     const std::vector<Event> events = heard.take(2);
     ASSERT_EQ(events.size(), 2u);

@@ -69,8 +69,8 @@ expect 1 "$expected/reserve_again.txt" "$work/plain/reserve"
 
 # A connected profile, servers from the network, and a reservation (the one just made) that has to be changed.
 emulated "$prefix/bin/zr_nexa" WAN Connect connect 1 46 | grep -q "^CMD OK" || fail "the installed command cannot connect"
-emulated "$build/bin/mobile_ap_demo" sip add --bridge 0 --family 4 --address 198.51.100.61
-emulated "$build/bin/mobile_ap_demo" sip add --bridge 0 --family 4 --fqdn pcscf2.example
+emulated "$build/bin/mobile_ap_ctl" sip add --bridge 0 --family 4 --address 198.51.100.61
+emulated "$build/bin/mobile_ap_ctl" sip add --bridge 0 --family 4 --fqdn pcscf2.example
 expect 0 "$expected/lan_services_connected.txt" "$work/make/lan_services"
 
 # ---- result codes in words, in both languages ----

@@ -163,7 +163,7 @@ TEST_F(LanServicesHostTest, DevicesArePutInPlaceByTheDemonstrationTool)
 
     const auto device = [](std::vector<std::string> words) {
         words.insert(words.begin(), "device");
-        return run_program(MOBILE_AP_DEMO, words);
+        return run_program(MOBILE_AP_CTL, words);
     };
     ASSERT_EQ(device({"add", "02:00:00:00:00:07", "192.168.225.21", "laptop", "--type", "8", "--rx", "5000000000",
                       "--tx", "12", "--ipv6", "2001:db8::7", "fe80::7"}),
