@@ -153,7 +153,7 @@ TEST_F(LanServicesHostTest, PacketStatsAreOffAtFirst)
     EXPECT_EQ(status, QCMAP_MSGR_PACKET_STATS_DISABLED_V01);
 }
 
-TEST_F(LanServicesHostTest, DevicesArePutInPlaceByTheDemonstrationTool)
+TEST_F(LanServicesHostTest, DevicesJoinAndLeave)
 {
     OpenClient client;
     qcmap_connected_devices list = {};
@@ -165,10 +165,10 @@ TEST_F(LanServicesHostTest, DevicesArePutInPlaceByTheDemonstrationTool)
         words.insert(words.begin(), "device");
         return run_program(MOBILE_AP_CTL, words);
     };
-    ASSERT_EQ(device({"add", "02:00:00:00:00:07", "192.168.225.21", "laptop", "--type", "8", "--rx", "5000000000",
+    ASSERT_EQ(device({"join", "02:00:00:00:00:07", "192.168.225.21", "laptop", "--type", "8", "--rx", "5000000000",
                       "--tx", "12", "--ipv6", "2001:db8::7", "fe80::7"}),
               0);
-    ASSERT_EQ(device({"add", "02:00:00:00:00:08", "192.168.225.22", "printer"}), 0);
+    ASSERT_EQ(device({"join", "02:00:00:00:00:08", "192.168.225.22", "printer"}), 0);
     ASSERT_TRUE(client.GetConnectedDevicesInfo(&list, &count, &err));
     ASSERT_EQ(count, 2u);
     const qcmap_connected_device& laptop = list.device[0];
@@ -188,7 +188,7 @@ TEST_F(LanServicesHostTest, DevicesArePutInPlaceByTheDemonstrationTool)
     ASSERT_TRUE(client.GetConnectedDevicesInfo(&list, &count, &err));
     EXPECT_EQ(list.device[0].rx_bytes, 0u);
 
-    ASSERT_EQ(device({"clear"}), 0);
+    ASSERT_EQ(device({"leave", "--all"}), 0);
     ASSERT_TRUE(client.GetConnectedDevicesInfo(&list, &count, &err));
     EXPECT_EQ(count, 0u);
 }

@@ -370,7 +370,7 @@ TEST_F(StoreHostTest, RowsWrittenByHandAreCutToWhatACallerHolds)
                  "INSERT INTO gateway_filter SELECT 0, i, 1, 1, 1 FROM n LIMIT 8",
                  "INSERT INTO software_path_address SELECT i, i FROM n LIMIT 8",
                  "INSERT INTO wwan_profile (handle) SELECT i + 1 FROM n LIMIT 52",
-                 "INSERT INTO wwan_call (profile, family, up) SELECT i, 4, 1 FROM n LIMIT 53",
+                 "INSERT INTO wwan_call (profile, family, state) SELECT i, 4, 'up' FROM n LIMIT 53",
                  "INSERT INTO nat_static_entry SELECT i, 1, '', 1, i, 6 FROM n LIMIT 53",
                  "INSERT INTO firewall_entry SELECT i, 1, 1, 4, 0, '', '', '', '', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0"
                  " FROM n LIMIT 53",

@@ -67,7 +67,7 @@ Query network_servers(Store& db, uint32_t family)
 void mobile_ap::add_network_sip_server(Store& db, int bridge, uint32_t family, const std::string& address,
                                        const std::string& fqdn)
 {
-    db.select_bridge(bridge);
+    db.check_bridge(bridge);
     const bool by_address = !address.empty();
     uint8_t bytes[16];
     if (family != 4 && family != 6) refuse(QMI_ERR_INVALID_ARG_V01);
@@ -85,7 +85,7 @@ void mobile_ap::add_network_sip_server(Store& db, int bridge, uint32_t family, c
 
 void mobile_ap::clear_network_sip_servers(Store& db, int bridge)
 {
-    db.select_bridge(bridge);
+    db.check_bridge(bridge);
     db.run("DELETE FROM sip_server_network WHERE bridge = ?", bridge);
 }
 

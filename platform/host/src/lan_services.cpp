@@ -1,6 +1,8 @@
 // LAN services: DHCP reservations, packet statistics, connected devices, L2TP tunnels per bridge.
 #include <string.h>
 
+#include "lan_services.h"
+
 #include "session.h"
 
 const char* const mobile_ap::kLanServicesSchema = R"(
@@ -110,6 +112,21 @@ void read_sessions(Store& db, int bridge, qcmap_msgr_l2tp_config_v01* tunnel)
 }
 
 }  // namespace
+
+void mobile_ap::join_lan(Store& db, const LanDevice& device)
+{
+    db.run("DELETE FROM connected_device WHERE mac = ?", device.mac);
+    db.run("INSERT INTO connected_device VALUES (?, ?, ?, ?, ?, ?)", device.mac, device.type, device.ipv4,
+           device.host_name, device.rx_bytes, device.tx_bytes);
+    for (const std::string& address : device.ipv6)
+        db.run("INSERT OR IGNORE INTO connected_device_ipv6 VALUES (?, ?)", device.mac, address);
+}
+
+void mobile_ap::leave_lan(Store& db, const std::string& mac)
+{
+    const int left = db.run("DELETE FROM connected_device WHERE mac = ?1 OR ?1 = ''", mac);
+    if (left == 0 && !mac.empty()) refuse(QMI_ERR_NO_ENTRY_V01);
+}
 
 bool QCMAP_Client::AddDHCPReservRecord(qcmap_msgr_dhcp_reservation_v01* record, qmi_error_type_v01* err)
 {

@@ -18,9 +18,10 @@ CREATE TABLE IF NOT EXISTS nat_static_entry (
     UNIQUE (profile, private_ip, private_port, global_port, protocol)
 );
 CREATE TABLE IF NOT EXISTS nat_service (
-    routing_behind INTEGER NOT NULL
+    routing_behind INTEGER NOT NULL,
+    routing_behind_in_force INTEGER NOT NULL
 );
-INSERT INTO nat_service SELECT 0 WHERE NOT EXISTS (SELECT 1 FROM nat_service);
+INSERT INTO nat_service SELECT 0, 0 WHERE NOT EXISTS (SELECT 1 FROM nat_service);
 )";
 
 using namespace mobile_ap;
@@ -113,7 +114,7 @@ bool QCMAP_Client::GetStaticNatConfig(qcmap_msgr_snat_entry_config_v01* entries,
     });
 }
 
-// Kept at once, as a module keeps it; a module goes by it after its next start.
+// Kept at once; it comes in force with the next start of the service.
 bool QCMAP_Client::ZR_SetRoutingBH(unsigned int routing_bh, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {

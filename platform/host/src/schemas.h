@@ -7,10 +7,17 @@
 
 namespace mobile_ap {
 
+extern const char* const kServiceSchema;
+extern const char* const kEventsSchema;
+extern const char* const kNetworkSchema;
+
+// The service's own tables, which a factory restore leaves alone.
+inline constexpr const char* const* kServiceSchemas[] = {&kServiceSchema, &kEventsSchema, &kNetworkSchema};
+
 extern const char* const kGeneralSchema;
 extern const char* const kLanAddressingSchema;
 extern const char* const kWanProfileSchema;
-extern const char* const kWanConnectionSchema;
+extern const char* const kWanCallSchema;
 extern const char* const kWanMpdnMappingSchema;
 extern const char* const kNatSchema;
 extern const char* const kVpnPassthroughSchema;
@@ -22,7 +29,7 @@ extern const char* const kFirewallSchema;
 extern const char* const kUpnpSchema;
 
 inline constexpr const char* const* kAreaSchemas[] = {
-    &kGeneralSchema,        &kLanAddressingSchema, &kWanProfileSchema,     &kWanConnectionSchema,
+    &kGeneralSchema,        &kLanAddressingSchema, &kWanProfileSchema,     &kWanCallSchema,
     &kWanMpdnMappingSchema, &kNatSchema,           &kVpnPassthroughSchema, &kAlgSchema,
     &kLanServicesSchema,    &kLanVlanSchema,       &kLanPassthroughSchema, &kFirewallSchema,
     &kUpnpSchema,

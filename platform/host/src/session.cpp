@@ -6,6 +6,8 @@
 
 #include "complain.h"
 #include "diag_msg.h"
+#include "events.h"
+#include "service.h"
 #include "signals.h"
 #include "state_place.h"
 
@@ -131,16 +133,29 @@ Session::Outcome Session::perform(Access access, const Body& body, unsigned int 
         const std::string problem = open_state(store_, folder_);
         if (!problem.empty()) throw DatabaseError{SQLITE_CANTOPEN, problem};
     }
-    Transaction transaction(store_, access);
-    Ending ending = {true, QMI_ERR_NONE_V01, true};
+    return on_current_state(store_, access, [&](Transaction& transaction) -> Outcome {
+        if (is_away(store_)) return {false, QMI_ERR_INTERNAL_V01};
+        Ending ending = {true, QMI_ERR_NONE_V01, true};
+        try {
+            body(store_);
+        } catch (const Ending& thrown) {
+            ending = thrown;
+        }
+        if (!sleep_ms(hold_ms)) return {false, QMI_ERR_ABORTED_V01};
+        if (ending.keeps_changes) transaction.commit();
+        return {ending.good, ending.word};
+    });
+}
+
+// The service has gone away since the session was opened. A state that cannot be read is the next method's to explain.
+bool Session::service_is_away()
+{
+    const std::lock_guard<std::mutex> lock(one_at_a_time_);
     try {
-        body(store_);
-    } catch (const Ending& thrown) {
-        ending = thrown;
+        return on_current_state(store_, Access::kRead, [&](Transaction&) { return is_away(store_); });
+    } catch (const DatabaseError&) {
+        return false;
     }
-    if (!sleep_ms(hold_ms)) return {false, QMI_ERR_ABORTED_V01};
-    if (ending.keeps_changes) transaction.commit();
-    return {ending.good, ending.word};
 }
 
 bool Session::is_ready()
@@ -149,7 +164,7 @@ bool Session::is_ready()
     try {
         const Misbehaviour fault = faults_.reach("IsReady");
         sleep_ms(fault.delay_ms);
-        return ready_ && !fault.not_ready;
+        return ready_ && !fault.not_ready && !service_is_away();
     } catch (const std::bad_alloc&) {
         return false;
     }
@@ -162,13 +177,15 @@ bool Session::enable(qmi_error_type_v01* err)
         if (!sleep_ms(fault.hold_ms)) return {false, QMI_ERR_ABORTED_V01};
         if (listener_.is_running()) return {true, QMI_ERR_NONE_V01};
         const std::lock_guard<std::mutex> lock(one_at_a_time_);
-        const Transaction reading(store_, Access::kRead);
-        const bool started = listener_.start(store_.path(), newest_indication(store_));
-        return {started, started ? QMI_ERR_NONE_V01 : QMI_ERR_NO_MEMORY_V01};
+        return on_current_state(store_, Access::kRead, [&](Transaction&) -> Outcome {
+            if (is_away(store_)) return {false, QMI_ERR_INTERNAL_V01};
+            const bool started = listener_.start(store_.path(), newest_indication(store_));
+            return {started, started ? QMI_ERR_NONE_V01 : QMI_ERR_NO_MEMORY_V01};
+        });
     });
 }
 
-// Also true for a session that was never enabled, or never ready: there is nothing left to do then. Made to fail, it
+// Also true for a session that was never enabled, or never ready: there is nothing left to do then. When it fails, it
 // ends the delivery all the same: whoever closes a session goes on to give up what the callback reads.
 bool Session::disable(qmi_error_type_v01* err)
 {
@@ -176,6 +193,7 @@ bool Session::disable(qmi_error_type_v01* err)
     const bool good = with_faults("DisableMobileAP", err, [&](const Misbehaviour& fault) -> Outcome {
         if (listener_.is_this_thread()) return {false, QMI_ERR_INTERNAL_V01};
         sleep_ms(fault.hold_ms);
+        if (ready_ && service_is_away()) return {false, QMI_ERR_INTERNAL_V01};
         return {true, QMI_ERR_NONE_V01};
     });
     if (!listener_.is_this_thread()) listener_.stop();

@@ -14,8 +14,8 @@
 namespace mobile_ap {
 namespace {
 
-// The service's own tables, which a factory restore leaves alone.
-constexpr const char* kServiceSchema = R"(
+// Who the indications are from, and those that are to be delivered; a factory restore leaves both alone.
+constexpr const char* kIndicationSchema = R"(
 CREATE TABLE IF NOT EXISTS mobile_ap (handle INTEGER NOT NULL);
 INSERT INTO mobile_ap (handle) SELECT 1 WHERE NOT EXISTS (SELECT 1 FROM mobile_ap);
 CREATE TABLE IF NOT EXISTS indication (
@@ -34,7 +34,9 @@ int schema_version()
         for (; *text != '\0'; ++text)
             hash = (hash ^ static_cast<unsigned char>(*text)) * 16777619u;
     };
-    add(kServiceSchema);
+    add(kIndicationSchema);
+    for (const char* const* schema : kServiceSchemas)
+        add(*schema);
     for (const char* const* schema : kAreaSchemas)
         add(*schema);
     return static_cast<int>(hash & 0x7fffffffu) | 1;
@@ -99,7 +101,9 @@ void make_tables(Database& db)
 {
     db.one<std::string>("PRAGMA journal_mode = WAL");
     Transaction making(db, Access::kWrite);
-    db.run_script(kServiceSchema);
+    db.run_script(kIndicationSchema);
+    for (const char* const* schema : kServiceSchemas)
+        db.run_script(*schema);
     for (const char* const* schema : kAreaSchemas)
         db.run_script(*schema);
     db.run_script(("PRAGMA user_version = " + std::to_string(schema_version())).c_str());
@@ -192,7 +196,8 @@ void restore_factory(Database& db)
     {
         Query q = db.query(
             "SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite_%'"
-            " AND name NOT IN ('mobile_ap', 'indication') ORDER BY rowid DESC");
+            " AND name NOT IN ('mobile_ap', 'indication', 'service', 'event', 'network', 'network_refusal', 'network_delay')"
+            " ORDER BY rowid DESC");
         while (q.next())
             tables.push_back(q.get<std::string>(0));
     }

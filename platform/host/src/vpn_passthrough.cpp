@@ -1,7 +1,7 @@
 // VPN passthrough: six flags of each WWAN profile. A profile without a row has them all at 0, and a deleted profile
 // takes its row along.
 #include "session.h"
-#include "wan_connection.h"
+#include "wan_call.h"
 
 const char* const mobile_ap::kVpnPassthroughSchema = R"(
 CREATE TABLE IF NOT EXISTS vpn_passthrough (

@@ -1,6 +1,6 @@
 // WWAN profiles, the default one, and the ones of the AP and its DNS proxy.
 #include "session.h"
-#include "wan_connection.h"
+#include "wan_call.h"
 
 const char* const mobile_ap::kWanProfileSchema = R"(
 CREATE TABLE IF NOT EXISTS wwan_profile (
@@ -122,7 +122,7 @@ bool QCMAP_Client::SetWWANProfileHandlePreference(unsigned int handle, qmi_error
     return read_method(session_, __func__, err, [&](Store& db) { db.select_profile(handle); });
 }
 
-// A profile that the module itself uses stays, and so does one that is connected.
+// A profile that the module itself uses stays, and so does one with a call.
 bool QCMAP_Client::DeleteWWANPolicy(qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
@@ -131,7 +131,7 @@ bool QCMAP_Client::DeleteWWANPolicy(qmi_error_type_v01* err)
                         profile)) {
             refuse(QMI_ERR_INVALID_ARG_V01);
         }
-        if (is_connected(db, profile)) refuse(QMI_ERR_NO_EFFECT_V01);
+        if (!is_idle(db, profile)) refuse(QMI_ERR_NO_EFFECT_V01);
         db.run("DELETE FROM wwan_profile WHERE handle = ?", profile);
     });
 }

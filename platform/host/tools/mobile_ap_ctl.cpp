@@ -1,15 +1,16 @@
-// Makes things happen at the host platform that on a module come from outside: reports, devices, servers of the
-// network. For development only. A further subcommand is one add_... function, called from main.
+// Makes things happen at the host platform that on a module come from outside. The words are in provocations.cpp.
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
+#include <fstream>
 #include <functional>
+#include <sstream>
 #include <string>
-#include <vector>
 
-#include "alg.h"
-#include "indications.h"
+#include "events.h"
+#include "provocations.h"
+#include "scenario.h"
+#include "service.h"
 #include "signals.h"
 #include "state_file.h"
 #include "state_place.h"
@@ -17,111 +18,122 @@
 
 namespace {
 
+using mobile_ap::DatabaseError;
 using mobile_ap::Store;
 
-// Runs work as one transaction on the state that MOBILE_AP_STATE names.
+constexpr const char* kExamples = R"(
+Examples:
+  mobile_ap_ctl call drop 1 --reason 6:36       the network ends the calls of profile 1
+  mobile_ap_ctl call refuse 1 --times 3         the next three connects fail
+  mobile_ap_ctl call refuse 1 disconnect        the next disconnect fails
+  mobile_ap_ctl call slow 1 1500                connecting takes a second and a half from now on
+  mobile_ap_ctl service restart 5               all calls end, and nothing answers for five seconds
+  mobile_ap_ctl device join 02:00:00:00:00:07 192.168.225.21 laptop
+  mobile_ap_ctl play bad_day.txt                the lines of a file, each at its time
+
+A scenario's line is a time and the words of a command:
+  0      call slow 1 800
+  2s     call drop 1 --family 4                 # seen by every open session
+  2500ms service away 10
+Nothing waits for these times: they stand in the state, and whoever looks next finds them done.
+
+Works on the state that MOBILE_AP_STATE names, as all sessions do. Statuses: 0 done, 1 not done, 2 wrong words.)";
+
+// Opens the state, with nothing overdue, and runs work as one transaction on it. Throws what open and work throw.
 void change_state(const std::function<void(Store&)>& work)
 {
     const mobile_ap::SignalsHeld held;
     const mobile_ap::StatePlace place = mobile_ap::find_state_place();
     Store db;
     const std::string problem = place.problem.empty() ? mobile_ap::open_state(db, place.path) : place.problem;
-    if (!problem.empty()) {
-        std::fprintf(stderr, "mobile-AP state %s: %s\n", place.path.c_str(), problem.c_str());
-        std::exit(1);
-    }
+    if (!problem.empty()) throw DatabaseError{SQLITE_CANTOPEN, "mobile-AP state " + place.path + ": " + problem};
     try {
-        mobile_ap::Transaction transaction(db, mobile_ap::Access::kWrite);
-        work(db);
-        transaction.commit();
-    } catch (const mobile_ap::Ending& refusal) {
-        std::fprintf(stderr, "refused with error %d\n", static_cast<int>(refusal.word));
-        std::exit(1);
-    } catch (const mobile_ap::DatabaseError& error) {
-        std::fprintf(stderr, "mobile-AP state %s: %s\n", db.path().c_str(), error.reason.c_str());
-        std::exit(1);
+        mobile_ap::on_current_state(db, mobile_ap::Access::kWrite, [&](mobile_ap::Transaction& transaction) {
+            work(db);
+            transaction.commit();
+        });
+    } catch (const DatabaseError& error) {
+        throw DatabaseError{error.code, "mobile-AP state " + db.path() + ": " + error.reason};
     }
 }
 
-void add_report(CLI::App& app)
+// What concerns the service itself is done while it is away, too; all else waits for its return.
+void provoke(const mobile_ap::Provocation& provocation, const std::vector<std::string>& words)
 {
-    static uint32_t kind = 0;
-    CLI::App* command = app.add_subcommand("report", "Send a large status report to every open session");
-    command->add_option("kind", kind, "First word of the report; callers are told of 0 and 1")->required();
-    command->callback([] {
-        static qcmap_msgr_status_report_ind_msg_v01 report;
-        report.kind = kind;
-        for (size_t i = 0; i < sizeof report.report; ++i)
-            report.report[i] = static_cast<uint8_t>(i % 251);
-        change_state([](Store& db) { mobile_ap::indicate(db, QCMAP_MSGR_STATUS_REPORT_IND_V01, report); });
+    change_state([&](Store& db) {
+        const int64_t now = mobile_ap::now_ms();
+        if (mobile_ap::is_away(db) && words.front() != "service") {
+            mobile_ap::schedule(db, now, words);
+            std::printf("the service is away; this happens when it is back\n");
+            return;
+        }
+        std::fputs(provocation.carry_out(db, now).c_str(), stdout);
     });
 }
 
-void add_device(CLI::App& app)
+void play(const std::string& path)
 {
-    CLI::App* device = app.add_subcommand("device", "Devices on the LAN");
-    device->require_subcommand(1);
-
-    static std::string mac, ipv4, host_name;
-    static std::vector<std::string> ipv6;
-    static uint32_t type = 4;
-    static int64_t rx_bytes = 0, tx_bytes = 0;
-    CLI::App* add = device->add_subcommand("add", "Put a device on the LAN, or change the one with this MAC address");
-    add->add_option("mac", mac, "MAC address")->required();
-    add->add_option("ipv4", ipv4, "IPv4 address")->required();
-    add->add_option("name", host_name, "Host name, at most 100 bytes")->required();
-    add->add_option("--ipv6", ipv6, "IPv6 addresses, at most 6");
-    add->add_option("--type", type, "Device type: 3 USB, 4 Ethernet, 8 WLAN, 16 second Ethernet");
-    add->add_option("--rx", rx_bytes, "Bytes received from it");
-    add->add_option("--tx", tx_bytes, "Bytes sent to it");
-    add->callback([] {
-        change_state([](Store& db) {
-            db.run("DELETE FROM connected_device WHERE mac = ?", mac);
-            db.run("INSERT INTO connected_device VALUES (?, ?, ?, ?, ?, ?)", mac, type, ipv4, host_name, rx_bytes,
-                   tx_bytes);
-            for (const std::string& address : ipv6)
-                db.run("INSERT INTO connected_device_ipv6 VALUES (?, ?)", mac, address);
-        });
+    std::ifstream file(path);
+    std::ostringstream text;
+    if (!(text << file.rdbuf())) throw mobile_ap::ProvocationError{path + ": cannot be read"};
+    std::vector<mobile_ap::ScenarioEvent> events;
+    try {
+        events = mobile_ap::read_scenario(text.str());
+    } catch (const mobile_ap::ProvocationError& error) {
+        throw mobile_ap::ProvocationError{path + ": " + error.reason};
+    }
+    change_state([&](Store& db) {
+        const int64_t start = mobile_ap::now_ms();
+        for (const mobile_ap::ScenarioEvent& event : events)
+            mobile_ap::schedule(db, start + event.after_ms, event.words);
     });
-
-    CLI::App* clear = device->add_subcommand("clear", "Take all devices off the LAN");
-    clear->callback([] { change_state([](Store& db) { db.run("DELETE FROM connected_device"); }); });
+    std::printf("%zu events to come\n", events.size());
 }
 
-void add_sip(CLI::App& app)
+void forget()
 {
-    static int bridge = 0;
-    static uint32_t family = 4;
-    static std::string address;
-    static std::string fqdn;
-    CLI::App* command = app.add_subcommand("sip", "SIP servers that the network assigns to a LAN bridge");
-    command->require_subcommand(1);
-    CLI::App* add = command->add_subcommand("add", "Assign one more server");
-    add->add_option("--bridge", bridge, "LAN id")->capture_default_str();
-    add->add_option("--family", family, "4 or 6")->capture_default_str();
-    CLI::Option_group* name = add->add_option_group("server", "How it is named");
-    name->add_option("--address", address, "By its address");
-    name->add_option("--fqdn", fqdn, "By its name");
-    name->require_option(1);
-    add->callback(
-        [] { change_state([](Store& db) { mobile_ap::add_network_sip_server(db, bridge, family, address, fqdn); }); });
-    CLI::App* clear = command->add_subcommand("clear", "Take all servers of a bridge away");
-    clear->add_option("--bridge", bridge, "LAN id")->capture_default_str();
-    clear->callback([] { change_state([](Store& db) { mobile_ap::clear_network_sip_servers(db, bridge); }); });
+    change_state([](Store& db) { std::printf("%d events taken back\n", mobile_ap::forget_events(db)); });
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 try {
-    CLI::App app("What happens around the host platform, on demand");
+    CLI::App app("What happens around the host platform, on demand", "mobile_ap_ctl");
     app.require_subcommand(1);
-    add_report(app);
-    add_sip(app);
-    add_device(app);
-    CLI11_PARSE(app, argc, argv);
+    mobile_ap::Provocation chosen;
+    mobile_ap::add_provocations(app, &chosen);
+
+    std::string path;
+    CLI::App* plays = app.add_subcommand("play", "Let the lines of a scenario file happen, each at its time");
+    plays->add_option("file", path, "The file")->required()->check(CLI::ExistingFile);
+    CLI::App* forgets = app.add_subcommand("forget", "Take back what a scenario still has to come");
+    app.footer(kExamples);  // after the subcommands, which would take it over
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
+    } catch (const CLI::ParseError& error) {
+        throw mobile_ap::ProvocationError{mobile_ap::parse_problem(app, error) + "; see --help"};
+    }
+    if (plays->parsed())
+        play(path);
+    else if (forgets->parsed())
+        forget();
+    else
+        provoke(chosen, std::vector<std::string>(argv + 1, argv + argc));
     return 0;
+} catch (const mobile_ap::ProvocationError& error) {
+    std::fprintf(stderr, "mobile_ap_ctl: %s\n", error.reason.c_str());
+    return 2;
+} catch (const mobile_ap::Ending& refusal) {
+    std::fprintf(stderr, "mobile_ap_ctl: %s\n", mobile_ap::refusal_text(refusal.word).c_str());
+    return 1;
+} catch (const DatabaseError& error) {
+    std::fprintf(stderr, "mobile_ap_ctl: %s\n", error.reason.c_str());
+    return 1;
 } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
+    std::fprintf(stderr, "mobile_ap_ctl: %s\n", error.what());
     return 1;
 }
