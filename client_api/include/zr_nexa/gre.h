@@ -35,6 +35,9 @@ typedef struct zr_nexa_wan_gre_ipacfg_t {
  *
  * Waits without limit, trying every 50 ms, while the file is missing or cannot be parsed.
  *
+ * Not one change: the file is read, changed and written back. Of two writers at the same moment one loses its settings,
+ * or the file is cut, as it is by a process that ends while it is copied.
+ *
  * @param[in] cfg  the settings.
  *
  * @retval 4  cfg null, num_of_server_addrs above 10 or num_of_subnet_masks above 2, and the file is untouched
