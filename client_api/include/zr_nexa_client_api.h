@@ -29,7 +29,8 @@
  * 10. A function that takes a wwan_handle first makes that profile the session's current one, a function that takes a
  *     lan_id that bridge; the choice stays, also when a later step fails.
  * 11. Nothing is locked. Call from one thread at a time; indications arrive on a thread of the platform's own
- *     (zr_nexa/indications.h).
+ *     (zr_nexa/indications.h). A function whose comment says "Not one change" makes several, or reads a setting and
+ *     writes it back: it can be cut in between, and another process's change can be lost. All others make one or none.
  * 12. No exception crosses the interface. The functions are C functions; the headers serve C99 and C++11.
  */
 #ifndef ZR_NEXA_CLIENT_API_H

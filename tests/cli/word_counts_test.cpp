@@ -6,6 +6,7 @@
 
 #include "cli_test.h"
 #include "document.h"
+#include "steps.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ const std::vector<Row>& rows()
     static const Parameters filter = {"0", "1", "80", "90", "x", "x", "x"};
     static const Parameters mapping = {"1", "7", "x", "x", "x", "x", "x"};
     static const Parameters call = {"1", "4", "x", "x", "x", "x", "x"};
+    static const Parameters calls = {"1", "46", "x", "x", "x", "x", "x"};
     static const Parameters dmz = {"1", "192.168.225.50", "x", "x", "x", "x", "x"};
     static const Parameters rule = {"1", "192.168.225.50", "80", "8080", "6", "x", "x"};
     static const std::vector<Row> all = {
@@ -72,9 +74,13 @@ const std::vector<Row>& rows()
         {"LAN IPPT", "adaptive", passthrough_off, {6}, ok},
         {"LAN IPPT", "set", passthrough_off, {6, 7}, ok},
         {"LAN IPPT", "set", passthrough_on, {7}, ok},
-        {"LAN IPPTGWFilter", "get", filter, {5, 6, 8}, "LAN IPPTGWFilter: No GW Filter\r\n" + ok},
+        {"LAN IPPTGWFilter",
+         "get",
+         filter,
+         {5, 6, 8},
+         "LAN IPPTGWFilter:\r\nfilterID: 1 protocol: 1 start_port: 80 end_port 90\r\n" + ok},
         {"LAN IPPTGWFilter", "add", filter, {8}, ok},
-        {"LAN IPPTGWFilter", "del", filter, {6}, "CMD Error#0x2\r\n"},
+        {"LAN IPPTGWFilter", "del", filter, {6}, ok},
         {"LAN DefaultDHCPEnable", "get", any, {4, 5}, "DefaultDHCPEnable: 1(enable)\r\n" + ok},
         {"LAN DefaultDHCPEnable", "set", any, {5}, "Set DefaultDHCPEnable successful\r\n" + ok},
 
@@ -92,6 +98,16 @@ const std::vector<Row>& rows()
         {"WAN Status", "get", any, {5}, "WAN Status:\r\nv4 connected\r\nv6 disconnected\r\n" + ok},
         {"WAN Connect", "connect", call, {6}, "WAN Connect connect v4 set success\r\n" + ok},
         {"WAN Connect", "disconnect", call, {6}, "WAN Connect disconnect v4 set success\r\n" + ok},
+        {"WAN Connect",
+         "connect",
+         calls,
+         {6},
+         "WAN Connect connect v4 set success\r\nWAN Connect connect v6 set success\r\n" + ok},
+        {"WAN Connect",
+         "disconnect",
+         calls,
+         {6},
+         "WAN Connect disconnect v4 set success\r\nWAN Connect disconnect v6 set success\r\n" + ok},
         {"WAN ReConnect", "get", any, {5, 6}, "WAN ReConnect enabled\r\n" + ok},
         {"WAN ReConnect", "set", any, {6}, "WAN ReConnect set enable success\r\n" + ok},
         {"WAN AutoConnect", "get", any, {5, 6}, "WAN AutoConnect disabled\r\n" + ok},
@@ -179,6 +195,8 @@ protected:
         platform.on("GetStaticNatConfig").gives_array("entries", &entry, 1).gives("count", 1);
         platform.on("ZR_GetRoutingBH").gives("routing_bh", 1u);
         platform.on("GetFeatureMode").gives("features", 1ULL).gives("config", qcmap_client_feature_mode_config{1, 1});
+        platform.on("GetIPPassthroughSoftwarePathFilters")
+            .gives("list", qcmap_msgr_sw_path_filters_conf_t{2, 1, 0, {{80, 90, 1}}});
         const qcmap_msgr_vlan_config_ex_v01 vlan = {QCMAP_MSGR_INTERFACE_TYPE_ETH_V01, 5, 1};
         platform.on("GetVLANConfig").gives("count", int32_t{1}).gives_array("vlan", &vlan, 1);
         platform.on("GetWWANStatus")
@@ -198,6 +216,24 @@ TEST_F(WordCountsTest, EveryOptionTakesItsWordCountsAndNoOther)
             EXPECT_EQ(!platform.journal.empty(), accepted && row.asks_platform);
         }
     }
+}
+
+// Of an option's ways one is enough.
+TEST_F(WordCountsTest, OptionsThatAreNotOneChangeAreTheDocumentedOnes)
+{
+    std::set<std::string> seen;
+    for (const Row& row : rows()) {
+        run(line(row.setting, row.option, row.parameters, row.counts.front()));
+        std::vector<std::string> methods;
+        for (const std::string& call : platform.journal)
+            methods.push_back(call.substr(0, call.find('(')));
+        if (!is_one_change(methods)) seen.insert(row.setting + " " + row.option);
+    }
+    std::set<std::string> documented;
+    for (DocumentedSteps& steps : documented_steps(ZR_NEXA_DOCS_DIR "/steps.md"))
+        documented.merge(steps.commands);
+    EXPECT_THAT(documented, testing::ContainerEq(seen));
+    platform.reset();
 }
 
 TEST_F(WordCountsTest, EverySettingRefusesOtherOptionsAtEveryWordCount)

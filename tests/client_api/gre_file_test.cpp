@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <zr_nexa_client_api.h>
 
+#include <atomic>
 #include <cstring>
 #include <thread>
 #include <vector>
@@ -176,6 +177,33 @@ TEST_F(GreFileTest, NothingIsLostWhenTheFileIsReadOnly)
     EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
     EXPECT_EQ(content_of(ipacm::kConfigFile), kOff);
     EXPECT_FALSE(std::filesystem::exists(ipacm::kTemporaryFile));
+}
+
+// The results of saving are ignored: what fits is copied over the file.
+TEST_F(GreFileTest, AFullTemporaryFolderCutsTheFileAndReadingWaitsUntilItIsPutBack)
+{
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const std::string size = "size=" + std::to_string(page);
+    const std::string front = "<?xml version=\"1.0\"?>\n<system>" + std::string(2 * page, 'x');
+    write_file(ipacm::kConfigFile, front + "<IPACM><GREFlag/></IPACM></system>");
+    const auto cfg = on_record();
+    ASSERT_EQ(mount("none", "/run/data", "tmpfs", 0, size.c_str()), 0);
+    EXPECT_EQ(zr_nexa_wan_gre_ipacfg_set_v1(&cfg), 0);
+    EXPECT_EQ(umount("/run/data"), 0);
+    EXPECT_EQ(content_of(ipacm::kConfigFile), front.substr(0, page));
+
+    std::atomic<bool> has_read = false;
+    zr_nexa_wan_gre_ipacfg_t read = {};
+    std::thread reader([&] {
+        EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&read), 0);
+        has_read = true;
+    });
+    usleep(120000);
+    EXPECT_FALSE(has_read);
+    ipacm::put_in_place(ipacm::kConfigFile, kOn);
+    reader.join();
+    EXPECT_EQ(read.gre_enabled, 1);
+    EXPECT_EQ(read.server_ipv4_addr[0], htonl(0x0A000001));
 }
 
 TEST_F(GreFileTest, ReadingNeedsNoWritableFolder)

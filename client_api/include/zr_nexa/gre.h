@@ -30,7 +30,13 @@ typedef struct zr_nexa_wan_gre_ipacfg_t {
  * type are not kept. The file is replaced by a copy of /var/run/data/zr_IPACM_cfg.tmp; a failure (a folder missing,
  * read-only or full, no memory) is not reported.
  *
+ * With /var/run/data full the file is cut, the result is 0, and every later call waits until a whole file is put back.
+ * 64 KiB and four times the file's size are enough, there and beside the file. Keep a copy of the file.
+ *
  * Waits without limit, trying every 50 ms, while the file is missing or cannot be parsed.
+ *
+ * Not one change: the file is read, changed and written back. Of two writers at the same moment one loses its settings,
+ * or the file is cut, as it is by a process that ends while it is copied.
  *
  * @param[in] cfg  the settings.
  *
@@ -42,7 +48,8 @@ ZR_NEXA_API int32_t zr_nexa_wan_gre_ipacfg_set_v1(const zr_nexa_wan_gre_ipacfg_t
 /**
  * Reads the settings from the file, which is left as it is.
  *
- * Waits without limit, trying every 50 ms, while the file is missing or cannot be parsed.
+ * Waits without limit, trying every 50 ms, while the file is missing or cannot be parsed: for ever, if a full disk has
+ * cut it and nobody puts it back.
  *
  * @param[out] cfg  receives the whole record, unused elements and padding cleared. gre_enabled is 0 when the file says
  *                  "0", with no addresses then, and 1 when it says anything else or nothing. An address that does not

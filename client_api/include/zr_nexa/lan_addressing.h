@@ -60,6 +60,9 @@ ZR_NEXA_API uint32_t zr_nexa_lan_gwurl_get_v1(char* url, uint32_t* len);
  *
  * The bridge is not activated anew.
  *
+ * Not one change: a bridge's whole configuration is read and written back. Addresses that another process sets in
+ * between are set back.
+ *
  * @param[in] lan_id  0 the default LAN, else a VLAN id up to 4094.
  * @param[in] enable  0 off, 1 on. A bridge gets the low 8 bits (256 switches off, 2 is stored as 2), the default action
  *                    the lowest bit (2 switches off).
@@ -91,7 +94,9 @@ ZR_NEXA_API uint32_t zr_nexa_lan_dhcp_srvctl_get_v1(uint32_t lan_id, uint32_t* e
 /**
  * Sets address and DHCP pool of one LAN bridge and activates it. The DHCP server's switch stays as it is.
  *
- * What a step did stays done when a later one fails.
+ * Not one change: the configuration is read for its switch, written, then activated. What a step did stays done when a
+ * later one fails; ended behind the writing, the bridge has the new configuration and is not activated. A DHCP server
+ * that another process switches in between is switched back.
  *
  * @param[in] lan_id  0 the default LAN, else a VLAN id up to 4094.
  * @param[in] cfg     the new configuration; the service judges its values. The DNS addresses count with dns_mode 3
@@ -149,6 +154,9 @@ ZR_NEXA_API uint32_t zr_nexa_lan_dhcp_default_action_set_v1(uint32_t state);
 
 /**
  * Switches IPv4 and IPv6 of the mobile-AP service, IPv4 first. The IPv4 change stays when the IPv6 step fails.
+ *
+ * Not one change: ended between the two steps, IPv4 is as asked and IPv6 as before. Of two processes at the same moment
+ * one may set IPv4 and the other IPv6.
  *
  * @param[in] ipv4  0 off, 1 on.
  * @param[in] ipv6  0 off, 1 on.

@@ -160,6 +160,9 @@ ZR_NEXA_API uint32_t zr_nexa_lan_ipptnatpdn_get_v1(uint32_t lan_id, int8_t* pdn_
  *
  * An empty host_name or host_mac changes nothing and gives 0.
  *
+ * Not one change with ippt_mode 0: ended between the two steps, the adaptive passthrough is ended and passthrough
+ * itself not disabled. A passthrough that another process sets in between is disabled.
+ *
  * @param[in] rec  every field is checked, whichever request is made.
  *
  * @retval 13        no session
@@ -201,6 +204,9 @@ ZR_NEXA_API uint32_t zr_nexa_lan_ippt_get_v1(zr_nexa_lan_ippt_t* rec);
 /**
  * Adds a gateway filter behind the LAN's last one. Whether it is there already is not looked at.
  *
+ * Not one change: the list is read and written back. A filter that another process adds in between is gone, one that it
+ * deletes is back.
+ *
  * @param[in] lan_id      0 the default LAN, else a VLAN id up to 4094.
  * @param[in] protocol    ZR_NEXA_LAN_IPPTGWFILTER_..., 1..3.
  * @param[in] start_port  1..65534, not above end_port; with protocol 3 any.
@@ -238,6 +244,9 @@ ZR_NEXA_API uint32_t zr_nexa_lan_ipptgwfilter_get_v1(uint32_t lan_id, zr_nexa_la
 
 /**
  * Deletes a LAN's gateway filter. The ones behind it move up by one: a number is a place in the list.
+ *
+ * Not one change: the list is read and written back. A filter that another process adds in between is gone, one that it
+ * deletes is back.
  *
  * @param[in] lan_id  0 the default LAN, else a VLAN id up to 4094.
  * @param[in] number  1..5.

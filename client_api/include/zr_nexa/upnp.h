@@ -72,6 +72,9 @@ ZR_NEXA_API uint32_t zr_nexa_media_upnp_notify_interval_get_v1(uint16_t* interva
 /**
  * Lets UPnP open pinholes in the firewall of a profile, or not. The firewall must be on, for either state.
  *
+ * Not one change: the firewall's switch is read and handed on with the state. A firewall that another process switches
+ * off in between counts as on.
+ *
  * @param[in] wwan_handle  the profile; not checked for 0.
  * @param[in] state        0 no pinholes, 1 pinholes.
  *

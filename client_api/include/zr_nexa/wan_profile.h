@@ -81,6 +81,9 @@ ZR_NEXA_API uint32_t zr_nexa_wan_wwanconfig_add_v2(uint32_t* wwan_handle, zr_nex
  * Changes a profile's technology preference, then its apn_id. IP family and APN name stay. Nothing is rolled back: a
  * change that was made before a later one failed stays.
  *
+ * Not one change: ended between the two, the technology preference is new and the apn_id old. Of two processes at the
+ * same moment one may set the first and the other the second.
+ *
  * @param[in] wwan_handle  the profile, non-zero; whether it exists is the service's to say. It is the session's current
  *                         profile afterwards, also when the function ends with 11 or a later failure.
  * @param[in] tech_pref    ZR_NEXA_WAN_TECH_....
@@ -99,6 +102,9 @@ ZR_NEXA_API uint32_t zr_nexa_wan_wwanconfig_set_v1(uint32_t wwan_handle, int tec
 /**
  * Changes a whole profile: technology preference, IP family, APN name, apn_id and call bring-up mode (always set to 0),
  * in this order. Nothing is rolled back: a change that was made before a later one failed stays.
+ *
+ * Not one change: ended in between, the first ones of these are new and the rest old. Of two processes at the same
+ * moment each may set some of them.
  *
  * @param[in] wwan_handle  the profile, non-zero. It is the session's current profile afterwards, also when the function
  *                         ends with 11 or a later failure.
