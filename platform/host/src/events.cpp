@@ -18,6 +18,9 @@ CREATE TABLE IF NOT EXISTS event (
     words TEXT NOT NULL
 );
 CREATE INDEX IF NOT EXISTS event_by_time ON event (due_ms);
+CREATE TRIGGER IF NOT EXISTS event_is_due AFTER INSERT ON event BEGIN
+    UPDATE service SET next_ms = min(next_ms, NEW.due_ms);
+END;
 )";
 
 namespace mobile_ap {
@@ -104,17 +107,14 @@ int forget_events(Store& db)
     return db.run("DELETE FROM event");
 }
 
-std::optional<int64_t> next_due_ms(Store& db)
+int64_t next_due_ms(Store& db)
 {
-    const auto first = next(db);
-    if (!first) return std::nullopt;
-    return first->due_ms;
+    return db.one<int64_t>("SELECT next_ms FROM service").value_or(INT64_MAX);
 }
 
 bool is_overdue(Store& db)
 {
-    const auto due = next_due_ms(db);
-    return due && *due <= now_ms();
+    return next_due_ms(db) <= now_ms();
 }
 
 // What waited for the service's return happens at that time, not at its own.
@@ -122,7 +122,8 @@ void carry_out_due(Store& db)
 {
     Transaction transaction(db, Access::kWrite);
     const int64_t now = now_ms();
-    for (auto first = next(db); first && first->due_ms <= now; first = next(db)) {
+    auto first = next(db);
+    for (; first && first->due_ms <= now; first = next(db)) {
         const int64_t at = std::max(first->due_ms, last_start_ms(db));
         switch (first->what) {
             case What::kReturn:
@@ -136,6 +137,7 @@ void carry_out_due(Store& db)
                 break;
         }
     }
+    db.run("UPDATE service SET next_ms = ?", first ? first->due_ms : INT64_MAX);
     transaction.commit();
 }
 

@@ -9,7 +9,6 @@
 
 #include <stdint.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,8 +26,8 @@ void schedule(Store& db, int64_t due_ms, const std::vector<std::string>& words);
 // Takes all events from outside back that are still to come; returns how many.
 int forget_events(Store& db);
 
-// When the next thing is due; nothing when nothing is to come.
-std::optional<int64_t> next_due_ms(Store& db);
+// Nothing is due before this time. The state keeps it beside what is due, so that every method can afford to ask.
+int64_t next_due_ms(Store& db);
 
 // Something should have been carried out by now. For a transaction that wants to see or change the state.
 bool is_overdue(Store& db);

@@ -3,9 +3,19 @@
 #include "schemas.h"
 #include "wan_call.h"
 
+//   started_ms   when it started last; 0: it never was away
+//   back_ms      when it will be back; NULL: it is there
+//   next_ms      nothing is due before this time (events.h)
 const char* const mobile_ap::kServiceSchema = R"(
-CREATE TABLE IF NOT EXISTS service (started_ms INTEGER NOT NULL, back_ms INTEGER);
-INSERT INTO service SELECT 0, NULL WHERE NOT EXISTS (SELECT 1 FROM service);
+CREATE TABLE IF NOT EXISTS service (
+    started_ms INTEGER NOT NULL DEFAULT 0,
+    back_ms INTEGER,
+    next_ms INTEGER NOT NULL DEFAULT 9223372036854775807
+);
+INSERT INTO service (started_ms) SELECT 0 WHERE NOT EXISTS (SELECT 1 FROM service);
+CREATE TRIGGER IF NOT EXISTS return_is_due AFTER UPDATE OF back_ms ON service WHEN NEW.back_ms IS NOT NULL BEGIN
+    UPDATE service SET next_ms = min(next_ms, NEW.back_ms);
+END;
 )";
 
 namespace mobile_ap {

@@ -42,6 +42,9 @@ CREATE TABLE IF NOT EXISTS wwan_call (
 CREATE TRIGGER IF NOT EXISTS calls_go_with_their_profile AFTER DELETE ON wwan_profile BEGIN
     DELETE FROM wwan_call WHERE profile = OLD.handle;
 END;
+CREATE TRIGGER IF NOT EXISTS call_is_due AFTER UPDATE OF due_ms ON wwan_call WHEN NEW.due_ms IS NOT NULL BEGIN
+    UPDATE service SET next_ms = min(next_ms, NEW.due_ms);
+END;
 )";
 
 namespace mobile_ap {
