@@ -1,0 +1,261 @@
+#include "document.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <yaml.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+namespace ctl {
+namespace {
+
+constexpr int kDepthMax = 16;
+
+// A document that cannot be read on.
+struct Broken {
+    Problem problem;
+};
+
+class Event {
+public:
+    explicit Event(yaml_parser_t* parser)
+    {
+        if (yaml_parser_parse(parser, &event_) != 0) return;
+        if (parser->error == YAML_MEMORY_ERROR) throw std::bad_alloc();
+        const yaml_mark_t& at = parser->problem_mark;
+        std::string text = parser->problem != nullptr ? parser->problem : "cannot be read";
+        if (parser->error == YAML_READER_ERROR) text = "not UTF-8: " + text;
+        if (text.find("Unicode character escape") != std::string::npos)
+            text += "; a sign beyond \\uffff is written as itself, or as \\U and eight digits";
+        throw Broken{{{static_cast<uint32_t>(at.line) + 1, static_cast<uint32_t>(at.column) + 1}, "", text}};
+    }
+    ~Event()
+    {
+        yaml_event_delete(&event_);
+    }
+    Event(const Event&) = delete;
+    Event& operator=(const Event&) = delete;
+
+    yaml_event_type_t type() const
+    {
+        return event_.type;
+    }
+    Mark mark() const
+    {
+        return {static_cast<uint32_t>(event_.start_mark.line) + 1, static_cast<uint32_t>(event_.start_mark.column) + 1};
+    }
+    std::string text() const
+    {
+        const auto& scalar = event_.data.scalar;
+        return std::string(scalar.value, scalar.value + scalar.length);
+    }
+    bool is_plain() const
+    {
+        return event_.data.scalar.style == YAML_PLAIN_SCALAR_STYLE;
+    }
+    // An anchor or a tag of a node that has just begun.
+    bool is_marked() const
+    {
+        switch (event_.type) {
+            case YAML_SCALAR_EVENT:
+                return event_.data.scalar.anchor != nullptr || event_.data.scalar.tag != nullptr;
+            case YAML_SEQUENCE_START_EVENT:
+                return event_.data.sequence_start.anchor != nullptr || event_.data.sequence_start.tag != nullptr;
+            case YAML_MAPPING_START_EVENT:
+                return event_.data.mapping_start.anchor != nullptr || event_.data.mapping_start.tag != nullptr;
+            default:
+                return false;
+        }
+    }
+
+private:
+    yaml_event_t event_;
+};
+
+class Reader {
+public:
+    Reader(const std::string& bytes, Problems* problems) : problems_(problems)
+    {
+        if (yaml_parser_initialize(&parser_) == 0) throw std::bad_alloc();
+        const void* const start = bytes.data();
+        yaml_parser_set_encoding(&parser_, YAML_UTF8_ENCODING);
+        yaml_parser_set_input_string(&parser_, static_cast<const unsigned char*>(start), bytes.size());
+    }
+    ~Reader()
+    {
+        yaml_parser_delete(&parser_);
+    }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+
+    Value read()
+    {
+        const Event stream(&parser_);
+        const Event start(&parser_);
+        if (start.type() == YAML_STREAM_END_EVENT) {
+            tell({1, 1}, "", "empty");
+            return {};
+        }
+        const Event first(&parser_);
+        Value value = node(first, "", 1);
+        const Event end(&parser_);
+        const Event next(&parser_);
+        if (next.type() != YAML_STREAM_END_EVENT) tell(next.mark(), "", "a second document");
+        return value;
+    }
+
+private:
+    void tell(Mark mark, const std::string& path, const std::string& text)
+    {
+        problems_->push_back({mark, path, text});
+    }
+
+    Value node(const Event& event, const std::string& path, int depth)
+    {
+        const Mark mark = event.mark();
+        if (depth > kDepthMax) throw Broken{{mark, path, "nested deeper than " + std::to_string(kDepthMax)}};
+        if (++values_ > kValuesMax) throw Broken{{mark, path, "more than " + std::to_string(kValuesMax) + " values"}};
+        if (event.type() == YAML_ALIAS_EVENT) throw Broken{{mark, path, "aliases are not taken"}};
+        if (event.is_marked()) throw Broken{{mark, path, "anchors and tags are not taken"}};
+        Value value;
+        if (event.type() == YAML_SCALAR_EVENT)
+            value = scalar(event, path);
+        else if (event.type() == YAML_SEQUENCE_START_EVENT)
+            value = list(path, depth);
+        else
+            value = map(path, depth);
+        value.mark = mark;
+        return value;
+    }
+
+    // What YAML takes for nothing is no value here: a forgotten one never means "delete all".
+    Value scalar(const Event& event, const std::string& path)
+    {
+        const std::string text = event.text();
+        if (event.is_plain() && (text.empty() || text == "~" || text == "null" || text == "Null" || text == "NULL"))
+            tell(event.mark(), path, "nothing stands behind it; leave the key out to leave it alone");
+        return Value(Scalar{text, !event.is_plain()});
+    }
+
+    Value list(const std::string& path, int depth)
+    {
+        Value::List list;
+        for (;;) {
+            const Event event(&parser_);
+            if (event.type() == YAML_SEQUENCE_END_EVENT) return Value(std::move(list));
+            list.push_back(node(event, path + "[" + std::to_string(list.size()) + "]", depth + 1));
+        }
+    }
+
+    Value map(const std::string& path, int depth)
+    {
+        Value::Map map;
+        for (;;) {
+            const Event event(&parser_);
+            if (event.type() == YAML_MAPPING_END_EVENT) return Value(std::move(map));
+            if (event.type() != YAML_SCALAR_EVENT || event.is_marked())
+                throw Broken{{event.mark(), path, "a key is a plain text or number"}};
+            const std::string key = event.text();
+            const std::string below = path.empty() ? key : path + "." + key;
+            const Event behind(&parser_);
+            Value value = node(behind, below, depth + 1);
+            value.mark = event.mark();  // a problem is told at the key, which is never empty
+            const auto [place, is_new] = map.emplace(key, std::move(value));
+            if (!is_new)
+                tell(event.mark(), below, "key stands on line " + std::to_string(place->second.mark.line) + " already");
+        }
+    }
+
+    yaml_parser_t parser_;
+    Problems* problems_;
+    size_t values_ = 0;
+};
+
+// Every reader takes it for the text that it is: no number, no flag, no place in time, no punctuation of YAML's.
+bool can_be_bare(const std::string& text)
+{
+    if (text.empty() || !std::isalpha(static_cast<unsigned char>(text[0]))) return false;
+    const bool plain = std::all_of(text.begin(), text.end(), [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '_' || c == '.';
+    });
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
+    const std::initializer_list<const char*> others = {"y", "n", "yes", "no", "on", "off", "true", "false", "null"};
+    return plain && std::find(others.begin(), others.end(), lower) == others.end();
+}
+
+}  // namespace
+
+std::string problem_lines(const std::string& file, Problems problems)
+{
+    std::stable_sort(problems.begin(), problems.end(), [](const Problem& a, const Problem& b) {
+        return a.mark.line != b.mark.line ? a.mark.line < b.mark.line : a.mark.column < b.mark.column;
+    });
+    std::string lines;
+    for (const Problem& problem : problems) {
+        lines += file + ":";
+        if (problem.mark.line != 0)
+            lines += std::to_string(problem.mark.line) + ":" + std::to_string(problem.mark.column) + ":";
+        lines += (problem.path.empty() ? " " : " " + problem.path + ": ") + problem.text + "\n";
+    }
+    return lines;
+}
+
+std::string read_file(const std::string& file, std::string* bytes)
+{
+    struct Descriptor {
+        int fd;
+        ~Descriptor()
+        {
+            if (fd > STDIN_FILENO) close(fd);
+        }
+    };
+    const Descriptor input = {file == "-" ? STDIN_FILENO : open(file.c_str(), O_RDONLY | O_CLOEXEC)};
+    if (input.fd < 0) return std::strerror(errno);
+    bytes->clear();
+    char block[65536];
+    for (;;) {
+        const ssize_t size = read(input.fd, block, sizeof block);
+        if (size < 0 && errno == EINTR) continue;
+        if (size < 0) return std::strerror(errno);
+        if (size == 0) return "";
+        bytes->append(block, static_cast<size_t>(size));
+        if (bytes->size() > kDocumentMax) return "larger than 32 MiB";
+    }
+}
+
+Value read_document(const std::string& bytes, Problems* problems)
+{
+    try {
+        return Reader(bytes, problems).read();
+    } catch (const Broken& broken) {
+        problems->push_back(broken.problem);
+        return {};
+    }
+}
+
+std::string quoted(const std::string& text)
+{
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::string out = "\"";
+    for (const char c : text) {
+        const unsigned char byte = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\')
+            out += std::string("\\") + c;
+        else if (byte < 0x20 || byte == 0x7f)
+            out += std::string("\\u00") + kDigits[byte >> 4] + kDigits[byte & 15];
+        else
+            out += c;
+    }
+    return out + "\"";
+}
+
+std::string spelled(const Value& scalar, bool bare)
+{
+    return bare || can_be_bare(scalar.text()) ? scalar.text() : quoted(scalar.text());
+}
+
+}  // namespace ctl

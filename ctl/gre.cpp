@@ -1,0 +1,10 @@
+#include "keys.h"
+
+namespace ctl {
+
+std::vector<Row> gre_rows()
+{
+    return {};
+}
+
+}  // namespace ctl

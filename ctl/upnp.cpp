@@ -1,0 +1,10 @@
+#include "keys.h"
+
+namespace ctl {
+
+std::vector<Row> upnp_rows()
+{
+    return {};
+}
+
+}  // namespace ctl

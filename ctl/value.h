@@ -1,0 +1,119 @@
+// A configuration, or a part of one, as a tree: what a document says, and what a module has.
+//
+// Behind the checks every scalar stands in its one normal spelling (types.h), so that two values are the same when
+// their texts are.
+#ifndef ZR_NEXA_CTL_VALUE_H
+#define ZR_NEXA_CTL_VALUE_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace ctl {
+
+// A place in a document; line 0 for what does not come from one.
+struct Mark {
+    uint32_t line = 0;
+    uint32_t column = 0;
+};
+
+// Runs of digits go by their number: "lan 9" stands before "lan 10", 192.168.0.9 before 192.168.0.10.
+struct NaturalOrder {
+    bool operator()(const std::string& a, const std::string& b) const;
+};
+
+struct Scalar {
+    std::string text;
+    bool quoted = false;  // as the document has it: a number in quotes is a text
+};
+
+class Value {
+public:
+    using List = std::vector<Value>;
+    using Map = std::map<std::string, Value, NaturalOrder>;
+
+    Value() = default;
+    Value(std::string text) : content_(Scalar{std::move(text), false}) {}
+    Value(const char* text) : Value(std::string(text)) {}
+    Value(bool flag) : Value(flag ? "true" : "false") {}
+    template <class Number, std::enable_if_t<std::is_integral_v<Number> && !std::is_same_v<Number, bool>, int> = 0>
+    Value(Number number) : Value(std::to_string(number))
+    {
+    }
+    Value(List list) : content_(std::move(list)) {}
+    Value(Map map) : content_(std::move(map)) {}
+    Value(Scalar scalar) : content_(std::move(scalar)) {}
+
+    bool is_nothing() const
+    {
+        return std::holds_alternative<std::monostate>(content_);
+    }
+    bool is_scalar() const
+    {
+        return std::holds_alternative<Scalar>(content_);
+    }
+    bool is_list() const
+    {
+        return std::holds_alternative<List>(content_);
+    }
+    bool is_map() const
+    {
+        return std::holds_alternative<Map>(content_);
+    }
+
+    // The empty text, list or map for a value of another kind.
+    const std::string& text() const;
+    bool quoted() const;
+    const List& list() const;
+    const Map& map() const;
+
+    // Makes an empty one of a value of another kind.
+    List& list();
+    Map& map();
+
+    // Of normal spellings.
+    bool flag() const
+    {
+        return text() == "true";
+    }
+    uint32_t number() const;
+
+    // What stands under this key of a map; nothing where there is none.
+    const Value& child(const std::string& key) const;
+
+    // What stands at this path, such as "dhcp.first". Keys with dots in them, which are addresses, are children.
+    const Value& at(std::string_view path) const;
+    bool has(std::string_view path) const
+    {
+        return !at(path).is_nothing();
+    }
+    // The same, made with the maps on the way.
+    Value& make(std::string_view path);
+    void erase(std::string_view path);
+
+    Mark mark;
+    // What the module knows a list's entry by, its place or its handle: no part of the value.
+    uint32_t tag = 0;
+
+    friend bool operator==(const Value& a, const Value& b);
+    friend bool operator!=(const Value& a, const Value& b)
+    {
+        return !(a == b);
+    }
+    friend bool operator<(const Value& a, const Value& b);
+
+private:
+    std::variant<std::monostate, Scalar, List, Map> content_;
+};
+
+Value::List sorted(const Value::List& list);
+
+// On one line, as it stands in differences and messages: {a: 1, b: [2, 3]}; "none" for nothing.
+std::string in_short(const Value& value);
+
+}  // namespace ctl
+
+#endif
