@@ -80,8 +80,9 @@ struct Row {
     std::function<Result(uint32_t id, const std::string& key, const Value& wanted, const Value& present)> change =
         nullptr;
 
-    size_t most = 0;  // entries
-    Type key = {};    // of a keyed one's keys
+    std::string about = {};  // of what has a path, for people
+    size_t most = 0;         // entries
+    Type key = {};           // of a keyed one's keys
     // What belongs together in a record or entry that is whole and of normal form.
     std::function<void(const Value& record, const std::string& path, const Complain& complain)> check = nullptr;
     // What the change interrupts, for people; nothing for most. `name` is "LAN 10" or a profile's label.
