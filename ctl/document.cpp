@@ -194,6 +194,11 @@ std::string problem_lines(const std::string& file, Problems problems)
     std::stable_sort(problems.begin(), problems.end(), [](const Problem& a, const Problem& b) {
         return a.mark.line != b.mark.line ? a.mark.line < b.mark.line : a.mark.column < b.mark.column;
     });
+    // One value is wrong once: a value that is none is no word either.
+    const auto same_place = [](const Problem& a, const Problem& b) {
+        return a.mark.line == b.mark.line && a.mark.column == b.mark.column && a.path == b.path;
+    };
+    problems.erase(std::unique(problems.begin(), problems.end(), same_place), problems.end());
     std::string lines;
     for (const Problem& problem : problems) {
         lines += file + ":";

@@ -81,8 +81,13 @@ struct Row {
         nullptr;
 
     std::string about = {};  // of what has a path, for people
-    size_t most = 0;         // entries
-    Type key = {};           // of a keyed one's keys
+    // What it does is finished by the next row's write, which follows it even where that one's values stay the same.
+    bool next_follows = false;
+    size_t most = 0;  // entries
+    // A field whose values only one entry can have: an entry is changed to a value that is free, else removed and
+    // added.
+    std::string only_once = {};
+    Type key = {};  // of a keyed one's keys
     // What belongs together in a record or entry that is whole and of normal form.
     std::function<void(const Value& record, const std::string& path, const Complain& complain)> check = nullptr;
     // What the change interrupts, for people; nothing for most. `name` is "LAN 10" or a profile's label.

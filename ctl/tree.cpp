@@ -1,6 +1,7 @@
 #include "tree.h"
 
 #include <algorithm>
+#include <array>
 
 #include "document.h"
 
@@ -304,12 +305,15 @@ const Node& key_tree()
     return tree;
 }
 
-std::vector<const Row*> rows_of(Scope scope)
+const std::vector<const Row*>& rows_of(Scope scope)
 {
-    std::vector<const Row*> found;
-    for (const Row& row : rows())
-        if (row.scope == scope) found.push_back(&row);
-    return found;
+    static const auto by_scope = [] {
+        std::array<std::vector<const Row*>, 3> found;
+        for (const Row& row : rows())
+            found[static_cast<size_t>(row.scope)].push_back(&row);
+        return found;
+    }();
+    return by_scope[static_cast<size_t>(scope)];
 }
 
 Value record_of(const Row& row, const Value& instance)

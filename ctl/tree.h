@@ -35,7 +35,7 @@ constexpr uint32_t kVersion = 1;  // of the document's form
 const Node& key_tree();
 
 // The rows of one scope, in the table's order.
-std::vector<const Row*> rows_of(Scope scope);
+const std::vector<const Row*>& rows_of(Scope scope);
 
 // What a document calls a record of this row: the record itself, or for a unit the values of its fields.
 Value record_of(const Row& row, const Value& instance);

@@ -207,26 +207,22 @@ bool normalize_list(const Type& type, const std::string& path, Value* value, con
     return good;
 }
 
-bool normalize_record(const Type& type, const std::string& path, Value* value, const Complain& complain)
+// How many letters must be changed, put in or left out to make one of the other.
+size_t distance(const std::string& a, const std::string& b)
 {
-    bool good = true;
-    for (const auto& [key, each] : value->map()) {
-        const bool known = std::any_of(type.fields.begin(), type.fields.end(),
-                                       [&name = key](const Field& field) { return field.key == name; });
-        if (!known) complain(each, path + "." + key, "no such key");
-        good &= known;
-    }
-    for (const Field& field : type.fields) {
-        if (value->has(field.key))
-            good &= normalize(field.type, path + "." + field.key, &value->make(field.key), complain);
-        else if (field.need == Field::Need::kDefault)
-            value->make(field.key) = Value(field.fallback);
-        else if (field.need == Field::Need::kNeeded) {
-            complain(*value, path, field.key + " is missing");
-            good = false;
+    std::vector<size_t> row(b.size() + 1);
+    for (size_t j = 0; j <= b.size(); ++j)
+        row[j] = j;
+    for (size_t i = 1; i <= a.size(); ++i) {
+        size_t diagonal = row[0];
+        row[0] = i;
+        for (size_t j = 1; j <= b.size(); ++j) {
+            const size_t above = row[j];
+            row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (a[i - 1] == b[j - 1] ? 0 : 1)});
+            diagonal = above;
         }
     }
-    return good;
+    return row[b.size()];
 }
 
 }  // namespace
@@ -304,12 +300,53 @@ Field or_else(Field field, std::string fallback)
     return field;
 }
 
+bool normalize_record(const std::vector<Field>& fields, const std::string& path, Value* value, const Complain& complain)
+{
+    bool good = true;
+    for (const auto& [key, each] : value->map()) {
+        const bool known =
+            std::any_of(fields.begin(), fields.end(), [&name = key](const Field& field) { return field.key == name; });
+        if (known) continue;
+        std::vector<std::string> keys;
+        for (const Field& field : fields)
+            keys.push_back(field.key);
+        complain(each, path + "." + key, no_such_key(key, keys));
+        good = false;
+    }
+    for (const Field& field : fields) {
+        const auto found = value->map().find(field.key);
+        if (found != value->map().end()) {
+            good &= normalize(field.type, path + "." + field.key, &found->second, complain);
+        } else if (field.need == Field::Need::kDefault) {
+            value->map()[field.key] = Value(field.fallback);
+        } else if (field.need == Field::Need::kNeeded) {
+            complain(*value, path, field.key + " is missing");
+            good = false;
+        }
+    }
+    return good;
+}
+
+std::string no_such_key(const std::string& key, const std::vector<std::string>& known)
+{
+    std::string closest;
+    size_t least = std::max<size_t>(2, key.size() / 3) + 1;
+    for (const std::string& each : known) {
+        if (key.size() > 100) break;
+        const size_t steps = distance(key, each);
+        if (steps >= least) continue;
+        least = steps;
+        closest = each;
+    }
+    return closest.empty() ? "no such key" : "no such key; did you mean " + closest + "?";
+}
+
 bool normalize(const Type& type, const std::string& path, Value* value, const Complain& complain)
 {
     const bool is_word =
         value->is_scalar() && std::find(type.words.begin(), type.words.end(), value->text()) != type.words.end();
     if (type.kind == Kind::kList && value->is_list()) return normalize_list(type, path, value, complain);
-    if (type.kind == Kind::kRecord && value->is_map()) return normalize_record(type, path, value, complain);
+    if (type.kind == Kind::kRecord && value->is_map()) return normalize_record(type.fields, path, value, complain);
     const auto normal = value->is_scalar() ? normal_scalar(type, *value) : std::nullopt;
     if (!normal && !is_word) {
         complain(*value, path, allowed(type) + ", not " + found(*value));

@@ -76,6 +76,13 @@ using Complain = std::function<void(const Value& at, const std::string& path, co
 // Brings value, as a document has it, into its normal form. What is wrong is told, and false is returned.
 bool normalize(const Type& type, const std::string& path, Value* value, const Complain& complain);
 
+// The same for the fields of a record: what it does not say is filled in where there is a fallback.
+bool normalize_record(const std::vector<Field>& fields, const std::string& path, Value* value,
+                      const Complain& complain);
+
+// "no such key", with the one that may have been meant.
+std::string no_such_key(const std::string& key, const std::vector<std::string>& known);
+
 // What is allowed, for messages and pages: "true or false", "a whole number, 1 to 50".
 std::string allowed(const Type& type);
 
