@@ -28,9 +28,8 @@ public:
         group(key_tree(), "", tree, {"version"});
         if (!problems_->empty()) return;
         for (const Scope scope : {Scope::kModule, Scope::kLan, Scope::kProfile}) {
-            each_instance(*tree, scope, [&](const std::string& name, const Value& instance) {
-                units(scope, name, instance);
-            });
+            each_instance(*tree, scope,
+                          [&](const std::string& name, const Value& instance) { units(scope, name, instance); });
         }
         profiles(tree->child("profiles"));
         roles(*tree);

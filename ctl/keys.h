@@ -52,7 +52,8 @@ enum class Phase {
     kRoles,
     kProfileSettings,
     kMapping,    // profiles and LANs
-    kService,    // what can cut the caller off
+    kService,    // what the service does beside
+    kCutting,    // what can cut the caller off
     kWriteOnly,  // cannot be undone, so nothing may fail behind it
 };
 

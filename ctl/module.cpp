@@ -61,9 +61,8 @@ private:
     void all(const Row& row)
     {
         const auto& known = names(row.scope);
-        const bool is_wished = std::any_of(known.begin(), known.end(), [&](const auto& each) {
-            return wishes(row, instance_id(each.first));
-        });
+        const bool is_wished = std::any_of(known.begin(), known.end(),
+                                           [&](const auto& each) { return wishes(row, instance_id(each.first)); });
         if (!is_wished) return;
         std::map<uint32_t, Value> records;
         const Result result = row.read_all(&records);
@@ -74,7 +73,8 @@ private:
         for (const auto& [name, instance] : known) {
             Value& record = records[instance_id(name)];
             if (record.is_nothing()) record.list();
-            if (wishes(row, instance_id(name))) put_record(row, record, &make_instance(&module_->tree, row.scope, name));
+            if (wishes(row, instance_id(name)))
+                put_record(row, record, &make_instance(&module_->tree, row.scope, name));
         }
     }
 

@@ -1,0 +1,45 @@
+// Carrying a plan out, and what becomes of it.
+#ifndef ZR_NEXA_CTL_APPLY_H
+#define ZR_NEXA_CTL_APPLY_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "plan.h"
+
+namespace ctl {
+
+struct ApplyOptions {
+    Reach reach = Reach::kMerge;
+    bool verify = true;
+    bool keep_going = false;
+};
+
+// What happens on the way, for whoever shows it.
+struct Progress {
+    std::function<void(const Step& step, size_t number, size_t count)> starts = nullptr;
+    // The result is good when it was done; a note may stand beside it.
+    std::function<void(const Step& step, const Result& result, const std::string& note)> ends = nullptr;
+    std::function<void(const std::string& line)> tells = nullptr;
+    std::function<bool()> is_stopped = nullptr;  // between steps: the rest is left out and all is undone
+};
+
+struct Outcome {
+    int status = 0;                      // exit_status.h
+    std::vector<std::string> left = {};  // what is not as it should be, a line each
+};
+
+// Carries the steps out. before is the state to go back to, as a document with handles.
+Outcome carry_out(const Plan& plan, const Value& document, const Value& before, const ApplyOptions& options,
+                  const Progress& progress);
+
+// Brings the module to a held state.
+Outcome go_back(const Value& before, const Progress& progress);
+
+// What the module has of all that a document names, read now.
+Module read_for(const Value& document, Reach reach);
+
+}  // namespace ctl
+
+#endif
