@@ -15,6 +15,7 @@
 
 #include "checks.h"
 #include "document.h"
+#include "gre.h"
 #include "tree.h"
 
 namespace ctl {
@@ -183,6 +184,7 @@ void forget_held(const std::string& folder)
     const std::string path = folder + kHeldName;
     if (unlink(path.c_str()) != 0 && errno != ENOENT) fail(path);
     sync_folder(folder);
+    drop_gre_copy(folder);
 }
 
 void start_watchdog(const std::string& folder)
