@@ -93,11 +93,15 @@ struct Row {
     std::function<void(const Value& record, const std::string& path, const Complain& complain)> check = nullptr;
     // What the change interrupts, for people; nothing for most. `name` is "LAN 10" or a profile's label.
     std::function<std::string(const std::string& name, const Value& wanted, const Value& present)> interrupts = nullptr;
-    // Why going back from wanted to present is impossible; empty: it is possible.
+    // Why going back from wanted to present is impossible; empty: it is possible. Asked of each entry of a list, one of
+    // the two being nothing. Asked the other way round it tells why a document cannot be reached.
     std::function<std::string(const Value& wanted, const Value& present)> not_undone = nullptr;
     std::vector<uint32_t> done_codes = {};     // results that say: done all the same
     std::vector<uint32_t> missing_codes = {};  // results of reading that say: this module does not have it
     bool write_only = false;
+    bool once = false;           // of a list: no two entries may be the same
+    std::string note = {};       // what else is to be known of every change, for people
+    std::string done_note = {};  // what a result of done_codes means, for people
 };
 
 // The rows of all areas, in the order in which they stand in a document.

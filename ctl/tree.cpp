@@ -232,7 +232,7 @@ private:
         for (const Field& field : fields) {
             const Value& each = value.child(field.key);
             if (each.is_nothing()) continue;
-            if (field.need == Field::Need::kDefault && each.text() == field.fallback) continue;
+            if (each == fallback_of(field, value)) continue;
             text += (text.empty() ? "" : ", ") + key_text(field.key) + ": " + flow(field.type, each);
         }
         return "{" + text + "}";

@@ -49,6 +49,12 @@ std::optional<uint32_t> dotted(const std::string& text)
     return address;
 }
 
+bool is_ipv4(const Type& type, const std::string& text)
+{
+    const auto address = dotted(text);
+    return address && *address >= type.low && (type.high == 0 || *address <= type.high);
+}
+
 std::optional<std::string> normal_net(const std::string& text)
 {
     const size_t slash = text.find('/');
@@ -78,6 +84,11 @@ std::optional<std::string> normal_net6(const std::string& text)
     // The interface takes any byte; a prefix beyond 128 is what a plausibility check is for.
     if (!address || !bits || *bits > 255) return std::nullopt;
     return *address + "/" + std::to_string(*bits);
+}
+
+std::optional<std::string> normal_ip_net(const std::string& text)
+{
+    return is_ipv6(text) ? normal_net6(text) : normal_net(text);
 }
 
 std::optional<std::string> normal_mac(std::string text)
@@ -155,7 +166,7 @@ std::optional<std::string> normal_scalar(const Type& type, const Value& value)
         case Kind::kNumber:
             return in_range(type, decimal(text)) ? std::optional<std::string>(text) : std::nullopt;
         case Kind::kIpv4:
-            return dotted(text) && *dotted(text) >= type.low ? std::optional<std::string>(text) : std::nullopt;
+            return is_ipv4(type, text) ? std::optional<std::string>(text) : std::nullopt;
         case Kind::kNet:
             return normal_net(text);
         case Kind::kIpv6:
@@ -164,6 +175,8 @@ std::optional<std::string> normal_scalar(const Type& type, const Value& value)
             return dotted(text) ? std::optional<std::string>(text) : normal_ipv6(text);
         case Kind::kNet6:
             return normal_net6(text);
+        case Kind::kIpNet:
+            return normal_ip_net(text);
         case Kind::kMac:
             return normal_mac(text);
         case Kind::kText:
@@ -247,6 +260,11 @@ Type ipv4(std::vector<std::string> words)
     return {Kind::kIpv4, 0, 0, std::move(words)};
 }
 
+Type host()
+{
+    return {Kind::kIpv4, 1, 0xfffffffe};
+}
+
 Type text(uint64_t low, uint64_t high)
 {
     return {Kind::kText, low, high};
@@ -300,6 +318,19 @@ Field or_else(Field field, std::string fallback)
     return field;
 }
 
+Field or_same_as(Field field, std::string key)
+{
+    field.need = Field::Need::kDefault;
+    field.same_as = std::move(key);
+    return field;
+}
+
+Value fallback_of(const Field& field, const Value& record)
+{
+    if (field.need != Field::Need::kDefault) return {};
+    return field.same_as.empty() ? Value(field.fallback) : record.at(field.same_as);
+}
+
 bool normalize_record(const std::vector<Field>& fields, const std::string& path, Value* value, const Complain& complain)
 {
     bool good = true;
@@ -317,8 +348,8 @@ bool normalize_record(const std::vector<Field>& fields, const std::string& path,
         const auto found = value->map().find(field.key);
         if (found != value->map().end()) {
             good &= normalize(field.type, path + "." + field.key, &found->second, complain);
-        } else if (field.need == Field::Need::kDefault) {
-            value->map()[field.key] = Value(field.fallback);
+        } else if (const Value fallback = fallback_of(field, *value); !fallback.is_nothing()) {
+            value->map()[field.key] = fallback;
         } else if (field.need == Field::Need::kNeeded) {
             complain(*value, path, field.key + " is missing");
             good = false;
@@ -373,6 +404,7 @@ std::string allowed(const Type& type)
             return "one of " + joined(type.words);
         case Kind::kIpv4:
             text = type.low == 0 ? "an IPv4 address" : "an IPv4 address other than 0.0.0.0";
+            if (type.high != 0) text += " and 255.255.255.255";
             break;
         case Kind::kNet:
             text = "an IPv4 address and its prefix length or mask, as 192.168.1.1/24";
@@ -385,6 +417,9 @@ std::string allowed(const Type& type)
             break;
         case Kind::kNet6:
             text = "an IPv6 address and its prefix length, as \"2001:db8::/32\"";
+            break;
+        case Kind::kIpNet:
+            text = "an address of either family and its prefix length, as 192.168.1.0/24 or \"2001:db8::/32\"";
             break;
         case Kind::kMac:
             text = "six pairs of hexadecimal digits with colons: write \"00:01:02:03:04:0a\"";

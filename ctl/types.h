@@ -23,6 +23,7 @@ struct Type {
         kIpv6,     // "2001:db8::1"
         kIp,       // an address of either family
         kNet6,     // "2001:db8::/32"
+        kIpNet,    // a net of either family
         kMac,      // "00:01:02:03:04:0a"
         kText,     // low..high bytes; others than UTF-8 and control bytes as \xNN
         kPorts,    // "80", or "5000-5010"; low..high
@@ -53,12 +54,14 @@ struct Field {
     std::string factory = {};  // what the host platform has at first; empty: nothing, or it does not say
     Need need = Need::kLeftAlone;
     std::string fallback = {};
+    std::string same_as = {};  // in place of a fallback: the key whose value it has then
 };
 
 Type flag();
 Type number(uint64_t low, uint64_t high);
 Type word(std::vector<std::string> words);
 Type ipv4(std::vector<std::string> words = {});
+Type host();  // an IPv4 address that a device can have
 Type text(uint64_t low, uint64_t high);
 Type plain(Type::Kind kind);  // of one that needs no more
 Type ports(uint64_t low, uint64_t high);
@@ -69,6 +72,10 @@ Type list_of_records(std::vector<Field> fields, uint64_t most);
 Field needed(Field field);
 Field optional(Field field);
 Field or_else(Field field, std::string fallback);
+Field or_same_as(Field field, std::string key);
+
+// What a field has that a record does not say; nothing when it has none.
+Value fallback_of(const Field& field, const Value& record);
 
 // Where a value is not what it must be: told with its place.
 using Complain = std::function<void(const Value& at, const std::string& path, const std::string& problem)>;
