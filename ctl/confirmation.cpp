@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <stdexcept>
 
 #include "apply.h"
@@ -19,14 +20,14 @@
 namespace ctl {
 namespace {
 
-struct Words {
+struct Options {
     std::string state;
     bool if_pending = false;
 };
 
-int confirm(const Words& words)
+int confirm(const Options& options)
 {
-    const std::string folder = state_folder(words.state);
+    const std::string folder = state_folder(options.state);
     const Lock lock(folder);
     if (!lock.is_held()) {
         tell("an apply is under way: " + lock.holder() + " holds the lock of " + folder);
@@ -45,9 +46,9 @@ int confirm(const Words& words)
     return kDone;
 }
 
-int pending(const Words& words)
+int pending(const Options& options)
 {
-    const auto held = read_held(state_folder(words.state));
+    const auto held = read_held(state_folder(options.state));
     if (!held) {
         std::puts("nothing is pending");
         return kDone;
@@ -61,9 +62,9 @@ int pending(const Words& words)
     return kDiffers;
 }
 
-int rollback(const Words& words)
+int rollback(const Options& options)
 {
-    const std::string folder = state_folder(words.state);
+    const std::string folder = state_folder(options.state);
     const Lock lock(folder);
     if (!lock.is_held()) {
         tell("an apply is under way: " + lock.holder() + " holds the lock of " + folder);
@@ -71,8 +72,8 @@ int rollback(const Words& words)
     }
     const auto held = read_held(folder);
     if (!held) {
-        if (!words.if_pending) tell("nothing is pending");
-        return words.if_pending ? kDone : kDiffers;
+        if (!options.if_pending) tell("nothing is pending");
+        return options.if_pending ? kDone : kDiffers;
     }
     const Session session;
     if (!session.problem().empty()) {
@@ -101,24 +102,24 @@ int rollback(const Words& words)
 
 // Waits off the terminal until the time for confirming is over, and goes back then. It reads the held state each time:
 // a confirmation takes it away, another apply sets its time anew.
-int watch_over(const Words& words)
+int watch_over(const Options& options)
 {
     signal(SIGHUP, SIG_IGN);
     for (;;) {
-        const auto held = read_held(words.state);
+        const auto held = read_held(options.state);
         if (!held || held->seconds == 0) return kDone;
         if (seconds_left(*held) == 0) {
-            const int status = rollback({words.state, true});
+            const int status = rollback({options.state, true});
             if (status != kLocked && status != kNoService) return status;
         }
         usleep(200000);
     }
 }
 
-int guarded(const Words& words, int (*work)(const Words&))
+int guarded(const Options& options, int (*work)(const Options&))
 {
     try {
-        return work(words);
+        return work(options);
     } catch (const Refusal& refusal) {
         tell(refusal.path + " cannot be read: " + in_words(refusal.result));
         return kNoService;
@@ -128,12 +129,12 @@ int guarded(const Words& words, int (*work)(const Words&))
     }
 }
 
-CLI::App* add_verb(CLI::App& app, const char* name, const char* about, int (*work)(const Words&),
-                   const std::shared_ptr<Words>& words, Work* chosen)
+CLI::App* add_verb(CLI::App& app, const char* name, const char* about, int (*work)(const Options&),
+                   const std::shared_ptr<Options>& options, Work* chosen)
 {
     CLI::App* const verb = app.add_subcommand(name, about);
-    verb->add_option("--state", words->state, "Folder of the lock and the held state: one a module");
-    verb->final_callback([=] { *chosen = [=] { return guarded(*words, work); }; });
+    verb->add_option("--state", options->state, "Folder of the lock and the held state: one a module");
+    verb->final_callback([=] { *chosen = [=] { return guarded(*options, work); }; });
     return verb;
 }
 
@@ -141,12 +142,12 @@ CLI::App* add_verb(CLI::App& app, const char* name, const char* about, int (*wor
 
 void add_confirmation(CLI::App& app, Work* chosen)
 {
-    const auto words = std::make_shared<Words>();
-    add_verb(app, "confirm", "Keeps what an apply with --confirm-within has changed", confirm, words, chosen);
-    add_verb(app, "pending", "Says whether an apply waits to be confirmed, or was cut off", pending, words, chosen);
-    add_verb(app, "rollback", "Goes back to the state before what is pending", rollback, words, chosen)
-        ->add_flag("--if-pending", words->if_pending, "Says nothing when nothing is pending, for start-up scripts");
-    add_verb(app, "watchdog", "", watch_over, words, chosen)->group("");  // apply's own
+    const auto options = std::make_shared<Options>();
+    add_verb(app, "confirm", "Keeps what an apply with --confirm-within has changed", confirm, options, chosen);
+    add_verb(app, "pending", "Says whether an apply waits to be confirmed, or was cut off", pending, options, chosen);
+    add_verb(app, "rollback", "Goes back to the state before what is pending", rollback, options, chosen)
+        ->add_flag("--if-pending", options->if_pending, "Says nothing when nothing is pending, for start-up scripts");
+    add_verb(app, "watchdog", "", watch_over, options, chosen)->group("");  // apply's own
 }
 
 }  // namespace ctl

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <stdexcept>
 
 #include "apply.h"
@@ -23,7 +24,7 @@
 namespace ctl {
 namespace {
 
-struct Words {
+struct Options {
     std::string file;
     std::vector<std::string> sections;
     std::string state;
@@ -80,9 +81,9 @@ bool is_wished(const Row& row, const std::vector<std::string>& sections)
     });
 }
 
-int show(const Words& words)
+int show(const Options& options)
 {
-    for (const std::string& section : words.sections) {
+    for (const std::string& section : options.sections) {
         if (key_tree().child(section) != nullptr) continue;
         std::vector<std::string> known;
         for (const Node& node : key_tree().children)
@@ -97,31 +98,32 @@ int show(const Words& words)
     }
     Module module = read_lists();
     Wish wish;
-    wish.row = [&words](const Row& row) { return is_wished(row, words.sections); };
-    wish.scoped = [&words](const Row& row, uint32_t) { return is_wished(row, words.sections); };
+    wish.row = [&options](const Row& row) { return is_wished(row, options.sections); };
+    wish.scoped = [&options](const Row& row, uint32_t) { return is_wished(row, options.sections); };
     read_settings(wish, &module);
-    Value document = as_document(module, {}, words.handles);
-    if (!words.sections.empty()) {
+    Value document = as_document(module, {}, options.handles);
+    if (!options.sections.empty()) {
         for (const Node& node : key_tree().children)
-            if (std::find(words.sections.begin(), words.sections.end(), node.key) == words.sections.end())
+            if (std::find(options.sections.begin(), options.sections.end(), node.key) == options.sections.end())
                 document.map().erase(node.key);
     }
-    print(words.json ? as_json(document) : as_yaml(document));
+    print(options.json ? as_json(document) : as_yaml(document));
     tell_unread(module);
     return is_refused(module) ? kNoService : kDone;
 }
 
-int validate(const Words& words)
+int validate(const Options& options)
 {
-    const Value document = document_of(words.file);
+    const Value document = document_of(options.file);
     if (document.is_nothing()) return kWrong;
     Problems problems;
     Problems warnings;
-    check_plausible(document, [](const std::string&) { return true; }, &problems, &warnings);
-    std::fputs(problem_lines(words.file, problems).c_str(), stderr);
-    std::fputs(problem_lines(words.file, warnings).c_str(), stderr);
+    check_plausible(
+        document, [](const std::string&) { return true; }, &problems, &warnings);
+    std::fputs(problem_lines(options.file, problems).c_str(), stderr);
+    std::fputs(problem_lines(options.file, warnings).c_str(), stderr);
     if (!problems.empty()) return kWrong;
-    if (words.print) print(words.json ? as_json(document) : as_yaml(document));
+    if (options.print) print(options.json ? as_json(document) : as_yaml(document));
     return kDone;
 }
 
@@ -182,22 +184,22 @@ int plan_status(const Plan& plan, const Module& module, const std::string& file)
     return is_refused(module) ? kNoService : kWrong;
 }
 
-int diff(const Words& words)
+int diff(const Options& options)
 {
-    const Value document = document_of(words.file);
+    const Value document = document_of(options.file);
     if (document.is_nothing()) return kWrong;
     const Session session;
     if (!session.problem().empty()) {
         tell(session.problem());
         return kNoService;
     }
-    const Reach reach = words.exact ? Reach::kExact : Reach::kMerge;
+    const Reach reach = options.exact ? Reach::kExact : Reach::kMerge;
     const Module module = read_for(document, reach);
     const Plan plan = make_plan(document, module, reach);
-    const int status = plan_status(plan, module, words.file);
+    const int status = plan_status(plan, module, options.file);
     if (status != kDone) return status;
-    tell_beforehand(plan, words.file);
-    print_plan(plan, words.json);
+    tell_beforehand(plan, options.file);
+    print_plan(plan, options.json);
     return plan.steps.empty() ? kDone : kDiffers;
 }
 
@@ -220,9 +222,9 @@ void go_on_alone()
     signal(SIGPIPE, SIG_IGN);
 }
 
-Progress progress_of(const Words& words)
+Progress progress_of(const Options& options)
 {
-    const bool shows = isatty(STDERR_FILENO) != 0 && !words.json;
+    const bool shows = isatty(STDERR_FILENO) != 0 && !options.json;
     Progress progress;
     progress.is_stopped = [] { return stop_wished != 0; };
     progress.tells = [](const std::string& line) { tell(line); };
@@ -232,7 +234,7 @@ Progress progress_of(const Words& words)
             if (number == count) std::fputs("\r\033[K", stderr);
         };
     }
-    progress.ends = [json = words.json](const Step& step, const Result& result, const std::string& note) {
+    progress.ends = [json = options.json](const Step& step, const Result& result, const std::string& note) {
         if (json) {
             std::vector<std::pair<std::string, std::string>> members = {
                 {"step", json_list(step.lines)}, {"outcome", quoted(result.good() ? "done" : "refused")}};
@@ -255,11 +257,11 @@ Progress progress_of(const Words& words)
     return progress;
 }
 
-int end_with(const Outcome& outcome, const Words& words)
+int end_with(const Outcome& outcome, const Options& options)
 {
     for (const std::string& line : outcome.left)
         tell("is not as it should be: " + line);
-    if (words.json) {
+    if (options.json) {
         print(json_object({{"status", std::to_string(outcome.status)}, {"left", json_list(outcome.left)}}));
     }
     return outcome.status;
@@ -280,43 +282,40 @@ bool changes_gre(const Plan& plan)
                        [](const Step& step) { return step.wanted.map().count("gre.enabled") != 0; });
 }
 
-int apply(const Words& words)
+int apply(const Options& options)
 {
-    const Value document = document_of(words.file);
+    const Value document = document_of(options.file);
     if (document.is_nothing()) return kWrong;
-    if (words.dry_run) return diff(words) == kDiffers ? kDone : diff(words);
+    if (options.dry_run) return diff(options) == kDiffers ? kDone : diff(options);
 
-    const std::string folder = state_folder(words.state);
+    const std::string folder = state_folder(options.state);
     const Lock lock(folder);
     if (!lock.is_held()) {
         tell("an apply is under way: " + lock.holder() + " holds the lock of " + folder);
         return kLocked;
     }
     const std::optional<Held> earlier = read_held(folder);
-    const bool confirms = words.confirm_within > 0;
+    const bool confirms = options.confirm_within > 0;
     if (earlier && earlier->seconds > 0 && (!confirms || seconds_left(*earlier) == 0)) {
         tell(pending_problem(*earlier));
         return kLocked;
     }
-    if (earlier && earlier->seconds == 0)
-        tell("an apply was cut off; its state is kept as the one to go back to");
+    if (earlier && earlier->seconds == 0) tell("an apply was cut off; its state is kept as the one to go back to");
 
     const Session session;
     if (!session.problem().empty()) {
         tell(session.problem());
         return kNoService;
     }
-    ApplyOptions options;
-    options.reach = words.exact ? Reach::kExact : Reach::kMerge;
-    options.verify = !words.no_verify;
-    options.keep_going = words.keep_going;
-    const Module module = read_for(document, options.reach);
-    const Plan plan = make_plan(document, module, options.reach);
-    const int status = plan_status(plan, module, words.file);
+    const Reach reach = options.exact ? Reach::kExact : Reach::kMerge;
+    const ApplyOptions how = {reach, !options.no_verify, options.keep_going};
+    const Module module = read_for(document, reach);
+    const Plan plan = make_plan(document, module, reach);
+    const int status = plan_status(plan, module, options.file);
     if (status != kDone) return status;
-    tell_beforehand(plan, words.file);
+    tell_beforehand(plan, options.file);
     if (plan.steps.empty() && !(earlier && confirms)) {
-        if (words.json) return end_with({kDone, {}}, words);
+        if (options.json) return end_with({kDone, {}}, options);
         tell("nothing differs");
         return kDone;
     }
@@ -324,8 +323,8 @@ int apply(const Words& words)
     const Value before = as_document(module, plan.handles, true);
     Held held = earlier ? *earlier : Held{before, boot_name(), 0, 0};
     held.boot = boot_name();
-    held.seconds = confirms ? words.confirm_within : 0;
-    held.until_ms = confirms ? boot_clock_ms() + words.confirm_within * 1000 : 0;
+    held.seconds = confirms ? options.confirm_within : 0;
+    held.until_ms = confirms ? boot_clock_ms() + options.confirm_within * 1000 : 0;
     write_held(folder, held);
     if (!earlier && changes_gre(plan)) {
         const std::string problem = keep_gre_copy(folder);
@@ -338,17 +337,17 @@ int apply(const Words& words)
     if (confirms) start_watchdog(folder);
 
     go_on_alone();
-    const Outcome outcome = carry_out(plan, document, before, options, progress_of(words));
+    const Outcome outcome = carry_out(plan, document, before, how, progress_of(options));
     if (outcome.status == kDone && confirms) {
-        held.until_ms = boot_clock_ms() + words.confirm_within * 1000;
+        held.until_ms = boot_clock_ms() + options.confirm_within * 1000;
         write_held(folder, held);
-        tell("\"zr_nexactl confirm\" within " + std::to_string(words.confirm_within) + " s, or all is undone");
+        tell("\"zr_nexactl confirm\" within " + std::to_string(options.confirm_within) + " s, or all is undone");
     } else if (earlier && confirms && outcome.status == kRefused) {
         write_held(folder, *earlier);  // what waited before still waits
-    } else if (outcome.status != kNotUndone || words.keep_going) {
+    } else if (outcome.status != kNotUndone || options.keep_going) {
         forget_held(folder);
     }
-    return end_with(outcome, words);
+    return end_with(outcome, options);
 }
 
 // What goes wrong with the machine rather than with the module.
@@ -367,66 +366,66 @@ int guarded(const Work& work)
     }
 }
 
-void choose(Work* chosen, const std::shared_ptr<Words>& words, int (*work)(const Words&))
+void choose(Work* chosen, const std::shared_ptr<Options>& options, int (*work)(const Options&))
 {
-    *chosen = [words, work] { return guarded([words, work] { return work(*words); }); };
+    *chosen = [options, work] { return guarded([options, work] { return work(*options); }); };
 }
 
-void add_file(CLI::App* verb, const std::shared_ptr<Words>& words)
+void add_file(CLI::App* verb, const std::shared_ptr<Options>& options)
 {
-    verb->add_option("FILE", words->file, "The document; - for standard input")->required();
+    verb->add_option("FILE", options->file, "The document; - for standard input")->required();
 }
 
-void add_json(CLI::App* verb, const std::shared_ptr<Words>& words, const char* about)
+void add_json(CLI::App* verb, const std::shared_ptr<Options>& options, const char* about)
 {
-    verb->add_flag("--json", words->json, about);
+    verb->add_flag("--json", options->json, about);
 }
 
 }  // namespace
 
 void add_show(CLI::App& app, Work* chosen)
 {
-    const auto words = std::make_shared<Words>();
+    const auto options = std::make_shared<Options>();
     CLI::App* const verb = app.add_subcommand("show", "The configuration, as a document that apply takes");
-    verb->add_option("SECTION", words->sections, "Only these sections");
-    verb->add_flag("--handles", words->handles, "With the handles of all profiles");
-    add_json(verb, words, "As JSON");
-    verb->final_callback([=] { choose(chosen, words, show); });
+    verb->add_option("SECTION", options->sections, "Only these sections");
+    verb->add_flag("--handles", options->handles, "With the handles of all profiles");
+    add_json(verb, options, "As JSON");
+    verb->final_callback([=] { choose(chosen, options, show); });
 }
 
 void add_validate(CLI::App& app, Work* chosen)
 {
-    const auto words = std::make_shared<Words>();
+    const auto options = std::make_shared<Options>();
     CLI::App* const verb = app.add_subcommand("validate", "Checks a document; asks no module");
-    add_file(verb, words);
-    verb->add_flag("--print", words->print, "Prints its normal form");
-    add_json(verb, words, "Prints it as JSON");
-    verb->final_callback([=] { choose(chosen, words, validate); });
+    add_file(verb, options);
+    verb->add_flag("--print", options->print, "Prints its normal form");
+    add_json(verb, options, "Prints it as JSON");
+    verb->final_callback([=] { choose(chosen, options, validate); });
 }
 
 void add_diff_and_apply(CLI::App& app, Work* chosen)
 {
-    const auto words = std::make_shared<Words>();
+    const auto options = std::make_shared<Options>();
     const char* const exact = "What a section of the document does not name goes";
     CLI::App* const differs = app.add_subcommand("diff", "What apply would do, a line a change");
-    add_file(differs, words);
-    differs->add_flag("--exact", words->exact, exact);
-    add_json(differs, words, "An object a step");
-    differs->final_callback([=] { choose(chosen, words, diff); });
+    add_file(differs, options);
+    differs->add_flag("--exact", options->exact, exact);
+    add_json(differs, options, "An object a step");
+    differs->final_callback([=] { choose(chosen, options, diff); });
 
     CLI::App* const applies = app.add_subcommand("apply", "Makes the module what a document says");
-    add_file(applies, words);
-    applies->add_flag("--exact", words->exact, exact);
-    applies->add_flag("--dry-run", words->dry_run, "Changes nothing; says what would be done");
-    applies->add_flag("--no-verify", words->no_verify, "Does not read back what was changed");
-    applies->add_flag("--keep-going", words->keep_going, "After a refusal does the rest, and undoes nothing");
+    add_file(applies, options);
+    applies->add_flag("--exact", options->exact, exact);
+    applies->add_flag("--dry-run", options->dry_run, "Changes nothing; says what would be done");
+    applies->add_flag("--no-verify", options->no_verify, "Does not read back what was changed");
+    applies->add_flag("--keep-going", options->keep_going, "After a refusal does the rest, and undoes nothing");
     applies
-        ->add_option("--confirm-within", words->confirm_within,
+        ->add_option("--confirm-within", options->confirm_within,
                      "Undoes all when \"zr_nexactl confirm\" does not come within so many seconds")
         ->check(CLI::Range(1, 86400));
-    applies->add_option("--state", words->state, "Folder of the lock and the held state: one a module");
-    add_json(applies, words, "An object a step, and the status");
-    applies->final_callback([=] { choose(chosen, words, apply); });
+    applies->add_option("--state", options->state, "Folder of the lock and the held state: one a module");
+    add_json(applies, options, "An object a step, and the status");
+    applies->final_callback([=] { choose(chosen, options, apply); });
 }
 
 }  // namespace ctl
