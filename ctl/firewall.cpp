@@ -83,7 +83,7 @@ Result read_family(uint32_t handle, uint32_t family, Value* out)
 {
     static zr_nexa_firewall_entry_list_t list;
     list = {};  // values without their flag are left alone
-    const Result result = CALL(zr_nexa_firewall_entry_get_v1, handle, family, &list);
+    Result result = CALL(zr_nexa_firewall_entry_get_v1, handle, family, &list);
     if (!result.good()) return result;
     for (uint32_t i = 0; i < list.count; ++i) {
         list.entry[i].ip_version = family;
@@ -97,7 +97,7 @@ Result read_family(uint32_t handle, uint32_t family, Value* out)
 Result read_entries(uint32_t handle, Value* out)
 {
     out->list();
-    const Result result = read_family(handle, ZR_NEXA_IP_V4, out);
+    Result result = read_family(handle, ZR_NEXA_IP_V4, out);
     return result.good() ? read_family(handle, ZR_NEXA_IP_V6, out) : result;
 }
 
@@ -267,7 +267,7 @@ Result read_config(uint32_t handle, Value* out)
 {
     uint8_t enabled = 0;
     uint8_t allowed = 0;
-    const Result result = CALL(zr_nexa_firewall_config_get_v1, handle, &enabled, &allowed);
+    Result result = CALL(zr_nexa_firewall_config_get_v1, handle, &enabled, &allowed);
     if (!result.good()) return result;
     out->map()["firewall.enabled"] = enabled != 0;
     const std::string policy = word_of(kPolicies, allowed);
@@ -281,7 +281,7 @@ Result write_config(uint32_t handle, const Value& wanted, const Value&)
     Value whole = wanted;
     if (wanted.child("firewall.enabled").is_nothing() || wanted.child("firewall.unmatched").is_nothing()) {
         Value now;
-        const Result result = read_config(handle, &now);
+        Result result = read_config(handle, &now);
         if (!result.good()) return result;
         whole.map().insert(now.map().begin(), now.map().end());
     }
@@ -319,7 +319,7 @@ Result read_mac_filter(uint32_t, Value* out)
 {
     uint32_t state = 0;
     zr_nexa_firewall_hwfilter_cfg_t config = {};
-    const Result result = CALL(zr_nexa_firewall_hwfiltering_state_get_v1, &state, &config);
+    Result result = CALL(zr_nexa_firewall_hwfiltering_state_get_v1, &state, &config);
     if (!result.good()) return result;
     const std::string word = word_of(kFilterStates, state);
     if (!word.empty()) out->map()[kState] = word;
@@ -341,9 +341,7 @@ Result read_mac_filter(uint32_t, Value* out)
 
 bool is_whole(const Value& filter)
 {
-    for (const char* const key : {kState, kStations, kInterfaces})
-        if (filter.child(key).is_nothing()) return false;
-    return true;
+    return filter.child(kState).is_scalar() && filter.child(kStations).is_list() && filter.child(kInterfaces).is_list();
 }
 
 Result write_mac_filter(uint32_t, const Value& wanted, const Value&)

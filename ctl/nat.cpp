@@ -32,7 +32,7 @@ Row type_row()
         {"zr_nexa_nat_type_set_v1", "zr_nexa_nat_type_get_v1"}};
     row.read = [](uint32_t handle, Value* out) {
         uint8_t type = 0xff;  // an unknown one is left alone
-        const Result result = CALL(zr_nexa_nat_type_get_v1, handle, &type);
+        Result result = CALL(zr_nexa_nat_type_get_v1, handle, &type);
         if (!result.good()) return result;
         out->map();
         if (!word_of(kTypes, type).empty()) out->map()["nat.type"] = word_of(kTypes, type);
@@ -58,7 +58,7 @@ Row dmz_row()
     row.read = [](uint32_t handle, Value* out) {
         uint8_t enabled = 0;
         uint32_t address = 0;
-        const Result result = CALL(zr_nexa_nat_ipv4dmz_get_v1, handle, &enabled, &address);
+        Result result = CALL(zr_nexa_nat_ipv4dmz_get_v1, handle, &enabled, &address);
         if (result.good()) out->map()["nat.dmz"] = enabled != 0 ? ipv4_text(address) : "none";
         return result;
     };
@@ -78,7 +78,7 @@ bool has_ports(const std::string& protocol)
 Result read_mappings(uint32_t handle, Value* out)
 {
     zr_nexa_nat_ipv4portmapping_list_t list = {};  // a protocol without a code is left alone
-    const Result result = CALL(zr_nexa_nat_ipv4portmapping_get_v1, handle, &list);
+    Result result = CALL(zr_nexa_nat_ipv4portmapping_get_v1, handle, &list);
     if (!result.good()) return result;
     out->list();
     for (uint32_t i = 0; i < list.count; ++i) {
@@ -163,7 +163,7 @@ Row routing_behind_row()
                {"zr_nexa_nat_routingbh_set_v1", "zr_nexa_nat_routingbh_get_v1"}};
     row.read = [](uint32_t, Value* out) {
         uint32_t on = 0;
-        const Result result = CALL(zr_nexa_nat_routingbh_get_v1, &on);
+        Result result = CALL(zr_nexa_nat_routingbh_get_v1, &on);
         const bool is_neither = result.code == ZR_NEXA_NAT_ERR_ROUTINGBH;  // on nor off: no refusal
         if (!result.good() && !is_neither) return result;
         out->map();

@@ -21,7 +21,7 @@ Result read_calling(uint32_t handle, bool* calling)
 {
     uint32_t ipv4 = kNoState;
     uint32_t ipv6 = kNoState;
-    const Result result = CALL(zr_nexa_wan_status_get_v1, handle, &ipv4, &ipv6);
+    Result result = CALL(zr_nexa_wan_status_get_v1, handle, &ipv4, &ipv6);
     if (result.good())
         *calling = (ipv4 != kNoState && ipv4 != ZR_NEXA_WAN_V4_DISCONNECTED) ||
                    (ipv6 != kNoState && ipv6 != ZR_NEXA_WAN_V6_DISCONNECTED);

@@ -11,7 +11,7 @@ constexpr uint32_t kVlanMax = 4094;
 Result read_mappings(std::map<uint32_t, Value>* out)
 {
     static zr_nexa_wan_mpdnmapping_list_t list;  // 1.2 MB; only its count and what lies below it is looked at
-    const Result result = CALL(zr_nexa_wan_mpdnmapping_get_v1, &list);
+    Result result = CALL(zr_nexa_wan_mpdnmapping_get_v1, &list);
     if (!result.good()) return result;
     for (uint32_t i = 0; i < list.count; ++i)
         (*out)[list.profile_handle[i]].list().emplace_back(list.vlan_id[i]);

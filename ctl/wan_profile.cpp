@@ -72,7 +72,7 @@ Row dial_row()
     row.read_all = [](std::map<uint32_t, Value>* out) {
         Value profiles;
         uint32_t default_handle = 0;
-        const Result result = read_profiles(&profiles, &default_handle);
+        Result result = read_profiles(&profiles, &default_handle);
         for (const auto& [handle, profile] : profiles.map())
             (*out)[static_cast<uint32_t>(std::stoul(handle))] = profile.child("dial");
         return result;
@@ -118,7 +118,7 @@ Row default_row()
     row.read = [](uint32_t, Value* out) {
         Value profiles;
         uint32_t handle = 0;
-        const Result result = read_profiles(&profiles, &handle);
+        Result result = read_profiles(&profiles, &handle);
         if (result.good()) out->map()["roles.default"] = role_of(handle);
         return result;
     };
@@ -144,7 +144,7 @@ Row access_point_row()
     row.read = [](uint32_t, Value* out) {
         uint32_t access_point = 0;
         uint32_t dns_proxy = 0;
-        const Result result = CALL(zr_nexa_wan_apwwan_get_v1, &access_point, &dns_proxy);
+        Result result = CALL(zr_nexa_wan_apwwan_get_v1, &access_point, &dns_proxy);
         if (!result.good()) return result;
         out->map()["roles.access_point"] = role_of(access_point);
         out->map()["roles.dns_proxy"] = role_of(dns_proxy);
@@ -169,7 +169,7 @@ Result read_profiles(Value* profiles, uint32_t* default_handle)
     zr_nexa_wan_wwanconfig_list_v2_t list = {};
     for (zr_nexa_wan_wwanconfig_t& each : list.wwanconfig)
         each.tech_pref = kNoTechnology;
-    const Result result = CALL(zr_nexa_wan_wwanconfig_get_v2, &list);
+    Result result = CALL(zr_nexa_wan_wwanconfig_get_v2, &list);
     if (!result.good()) return result;
     profiles->map();
     *default_handle = list.default_wwan_handle;

@@ -88,6 +88,9 @@ TEST_F(WanProfileRows, RemovesWhatHasNoRole)
 {
     EXPECT_EQ(told(ctl::remove_profile(1)), "0x2030");
     add_profile();
+    sql("INSERT OR REPLACE INTO wwan_call (profile, family, state) VALUES (2, 4, 'up')");
+    EXPECT_EQ(told(ctl::remove_profile(2)), "0x201A") << "it has a call";
+    sql("UPDATE wwan_call SET state = 'down'");
     EXPECT_EQ(told(ctl::remove_profile(2)), "0");
     EXPECT_EQ(profiles(), "{1: {dial: {apn_index: 1, apn_name: \"\", family: ipv4v6, technology: any}}} 1");
 }
@@ -142,14 +145,6 @@ TEST_F(WanProfileRows, TellsRefusals)
     EXPECT_EQ(told(ctl::change_dial(1, dial("umts", 2, "ipv4v6", ""), present)), "0x3009");
     open();
     EXPECT_EQ(value("dial", 1), dial("umts", 1, "ipv4v6", "")) << "half done";
-}
-
-TEST_F(WanProfileRows, SeesACall)
-{
-    bool calling = true;
-    EXPECT_EQ(told(ctl::read_calling(1, &calling)), "0");
-    EXPECT_FALSE(calling);
-    EXPECT_EQ(told(ctl::read_calling(9, &calling)), "0x1009");
 }
 
 }  // namespace
