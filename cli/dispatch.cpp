@@ -7,17 +7,14 @@
 
 namespace cli {
 
-void zr_nexa_dispatch(int argc, char** argv)
+int zr_nexa_dispatch(int argc, char** argv)
 {
     const Category* const category = find_category(argv[1]);
     const Setting* const setting = category != nullptr ? find_setting(*category, argv[2]) : nullptr;
-    if (setting == nullptr) {
-        invalid();
-        return;
-    }
+    if (setting == nullptr) return invalid();
     if (setting->handler == nullptr) {
         puts("Setting Not Support now\r");
-        return;
+        return 65535;
     }
     const int code = setting->handler(argc, argv);
     if (code == 0) {
@@ -25,6 +22,7 @@ void zr_nexa_dispatch(int argc, char** argv)
     } else {
         printf("CMD Error#0x%x\r\n", static_cast<unsigned int>(code));
     }
+    return code;
 }
 
 }  // namespace cli

@@ -4,7 +4,8 @@
 namespace cli {
 
 // Finds the handler of argv[1] and argv[2], calls it with all words and prints the verdict. At least three words.
-void zr_nexa_dispatch(int argc, char** argv);
+// Returns what the handler returned; 65535 for words that nobody knows and for a setting without a handler.
+int zr_nexa_dispatch(int argc, char** argv);
 
 }  // namespace cli
 

@@ -14,6 +14,15 @@ enum ExitStatus {
     kLocked = 6,     // another apply holds the lock
 };
 
+// The same for people, in this order.
+constexpr const char* kExitStatuses[] = {"done, or the same already",
+                                         "something differs, or a state was not reached in time",
+                                         "the words or the document are wrong",
+                                         "no service, or reading was refused",
+                                         "a change was refused, and all is as before",
+                                         "refused and not wholly undone, or read back otherwise",
+                                         "another apply holds the lock"};
+
 }  // namespace ctl
 
 #endif

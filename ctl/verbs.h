@@ -3,11 +3,13 @@
 #ifndef ZR_NEXA_CTL_VERBS_H
 #define ZR_NEXA_CTL_VERBS_H
 
+#include <cstdint>
 #include <functional>
 
 namespace CLI {
 class App;
-}
+class Option;
+}  // namespace CLI
 
 namespace ctl {
 
@@ -25,6 +27,9 @@ void add_watch(CLI::App& app, Work* chosen);
 void add_run(CLI::App& app, Work* chosen);
 void add_explain(CLI::App& app, Work* chosen);
 void add_actions(CLI::App& app, Work* chosen);  // restore, reset
+
+// An option or word that names a profile: its handle, or profile-<handle>.
+CLI::Option* add_profile(CLI::App* verb, const char* name, uint32_t* handle, const char* about);
 
 }  // namespace ctl
 

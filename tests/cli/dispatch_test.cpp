@@ -1,5 +1,6 @@
 #include <command_table.h>
 #include <dispatch.h>
+#include <zr_nexa_client_api.h>
 
 #include "cli_test.h"
 
@@ -113,6 +114,27 @@ TEST_F(DispatchTest, TheVerdictIsTheHandlersResultInHexadecimal)
 TEST_F(DispatchTest, ARejectedOptionIsTheHandlersLineAndTheVerdict)
 {
     expect({{"General SFE Enable", "Input Parameter Invalid\r\nCMD Error#0xffff\r\n"}});
+}
+
+TEST_F(DispatchTest, TheHandlersResultIsHandedOn)
+{
+    const auto result = [](const std::string& line) {
+        Words words(line);
+        int code = -1;
+        printed([&] { code = cli::zr_nexa_dispatch(words.argc(), words.argv()); });
+        return code;
+    };
+    EXPECT_EQ(result("General SFE enable"), 13);  // without a session
+    zr_nexa_client_init(nullptr);
+    EXPECT_EQ(result("General SFE enable"), 0);
+    EXPECT_EQ(result("General SFE"), 0);  // usage
+    EXPECT_EQ(result("General SFE Enable"), 65535);
+    EXPECT_EQ(result("Foo Bar"), 65535);
+    EXPECT_EQ(result("LAN Foo"), 65535);
+    EXPECT_EQ(result("NAT IPV6NAT"), 65535);  // without a handler
+    platform.on("SetDataPathOptStatus").fails(0xABCDE);
+    EXPECT_EQ(result("General SFE enable"), 0xABCDE | 0x1000);
+    zr_nexa_client_uninit();
 }
 
 TEST_F(DispatchTest, WithoutASessionTheInterfaceRefuses)

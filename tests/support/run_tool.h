@@ -11,6 +11,7 @@
 
 struct ToolOptions {
     std::string state;                        // MOBILE_AP_STATE; empty: not set
+    std::string program = ZR_NEXA_TOOL;
     std::vector<std::string> variables = {};  // more of the environment, "NAME=value"
     bool pauses = false;                      // keeps the pause of one second
     bool empty_environment = false;           // no variable at all, as under env -i; the tool pauses then

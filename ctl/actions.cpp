@@ -1,0 +1,58 @@
+// What is done and is no setting: restoring the factory configuration, resetting counts.
+#include <zr_nexa/wan_connection.h>
+
+#include <CLI/CLI.hpp>
+
+#include "exit_status.h"
+#include "explain.h"
+#include "session.h"
+#include "tell.h"
+#include "verbs.h"
+
+namespace ctl {
+namespace {
+
+int done(const std::function<Result()>& action)
+{
+    const Session session;
+    if (!session.problem().empty()) {
+        tell(session.problem());
+        return kNoService;
+    }
+    const Result result = action();
+    if (result.good()) return kDone;
+    tell(in_words(result));
+    return result.code == ZR_NEXA_ERR_NO_SESSION ? kNoService : kRefused;
+}
+
+}  // namespace
+
+void add_actions(CLI::App& app, Work* chosen)
+{
+    CLI::App* const restore = app.add_subcommand("restore", "Put everything back to the factory's settings");
+    restore->add_flag("--yes", "It cannot be undone")->required();
+    restore->final_callback([=] {
+        *chosen = [] {
+            return done([] { return Result{zr_nexa_general_restore_nexa_v1(), "zr_nexa_general_restore_nexa_v1"}; });
+        };
+    });
+
+    CLI::App* const reset = app.add_subcommand("reset", "Set counts back to zero")->require_subcommand(1);
+    CLI::App* const lan = reset->add_subcommand("lan-statistics", "The LAN's packet counts");
+    lan->final_callback([=] {
+        *chosen = [] {
+            return done([] { return Result{zr_nexa_lan_packetstats_reset_v1(), "zr_nexa_lan_packetstats_reset_v1"}; });
+        };
+    });
+
+    CLI::App* const wan = reset->add_subcommand("wan-statistics", "A profile's traffic counts");
+    const auto handle = std::make_shared<uint32_t>(0);
+    add_profile(wan, "PROFILE", handle.get(), "Its handle, or profile-<handle>")->required();
+    wan->final_callback([=] {
+        *chosen = [=] {
+            return done([=] { return CALL(zr_nexa_wan_statistics_reset_v1, *handle, ZR_NEXA_WAN_IP_ANY); });
+        };
+    });
+}
+
+}  // namespace ctl
