@@ -298,11 +298,15 @@ Result write_switch(uint32_t lan, const Value& wanted, const Value&)
                       config.clamp_mss == info.clamp_mss;
     if (!same || (mode == kUnmanaged && info.tunnel_count > 0 && info.mode != kUnmanaged)) {
         result = CALL(zr_nexa_lan_unmanaged_l2tp_state_set_v1, lan, &config);
+        if (result.code >= ZR_NEXA_STEP_UNIT) return result;  // a word below it may come with success
         info.mode = kUnmanaged;
     }
     if (mode != kManaged || info.mode == kManaged) return result;
-    for (uint32_t i = 0; i < info.tunnel_count && result.good(); ++i)
-        if (!tunnel_value(info.tunnel[i]).is_nothing()) result = write_tunnel(lan, kManaged, info.tunnel[i]);
+    for (uint32_t i = 0; i < info.tunnel_count; ++i) {
+        if (tunnel_value(info.tunnel[i]).is_nothing()) continue;
+        const Result again = write_tunnel(lan, kManaged, info.tunnel[i]);
+        if (!again.good()) result = again;
+    }
     return result;
 }
 
