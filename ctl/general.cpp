@@ -14,7 +14,7 @@ std::vector<Row> general_rows()
     // The byte is always written, and any but 0 is on.
     shortcut_engine.read = [](uint32_t, Value* out) {
         uint8_t byte = 0;
-        const Result result = CALL(zr_nexa_general_sfe_get_v1, &byte);
+        Result result = CALL(zr_nexa_general_sfe_get_v1, &byte);
         if (result.good()) out->map()["general.shortcut_engine"] = Value(byte != 0);
         return result;
     };

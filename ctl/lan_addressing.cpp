@@ -45,14 +45,14 @@ Row switch_row()
                {"zr_nexa_lan_dhcp_srvctl_set_v1", "zr_nexa_lan_dhcp_srvctl_get_v1", "zr_nexa_lan_dhcp_get_v1"}};
     row.read = [](uint32_t lan, Value* out) {
         uint32_t enabled = 0;
-        const Result result = CALL(zr_nexa_lan_dhcp_srvctl_get_v1, lan, &enabled);
+        Result result = CALL(zr_nexa_lan_dhcp_srvctl_get_v1, lan, &enabled);
         if (result.good()) out->map()["dhcp.enabled"] = Value(enabled != 0);
         return result;
     };
     row.write = [](uint32_t lan, const Value& wanted, const Value&) {
         // Without a bridge the default action would be switched instead, and nothing said.
         zr_nexa_lan_dhcp_cfg_t config = {};
-        const Result bridge = CALL(zr_nexa_lan_dhcp_get_v1, lan, &config);
+        Result bridge = CALL(zr_nexa_lan_dhcp_get_v1, lan, &config);
         if (!bridge.good()) return bridge;
         return CALL(zr_nexa_lan_dhcp_srvctl_set_v1, lan, wanted.child("dhcp.enabled").flag() ? 1 : 0);
     };
@@ -77,7 +77,7 @@ Row addressing_row()
                {"zr_nexa_lan_dhcp_set_v1", "zr_nexa_lan_dhcp_get_v1"}};
     row.read = [](uint32_t lan, Value* out) {
         zr_nexa_lan_dhcp_cfg_t config = {};  // a mode that is none is left alone, as unset
-        const Result result = CALL(zr_nexa_lan_dhcp_get_v1, lan, &config);
+        Result result = CALL(zr_nexa_lan_dhcp_get_v1, lan, &config);
         if (!result.good()) return result;
         out->map() = {{"address", net_text(config.gateway_ip, config.netmask)},
                       {"dhcp.first", ipv4_text(config.dhcp_start_ip)},
@@ -120,9 +120,10 @@ Row gateway_url_row()
     row.read = [](uint32_t, Value* out) {
         char url[ZR_NEXA_LAN_GWURL_SIZE] = {};  // a text that fills it has no end: its length counts
         uint32_t length = 0;
-        const Result result = CALL(zr_nexa_lan_gwurl_get_v1, url, &length);
-        const bool can_be_set = length >= 1 && length <= kLongest && url[0] != '\0';
-        if (result.good() && can_be_set) out->map()["general.gateway_url"] = escaped(url, length);
+        Result result = CALL(zr_nexa_lan_gwurl_get_v1, url, &length);
+        const std::string text = escaped(url, std::min<size_t>(length, sizeof url));
+        const bool can_be_set = !text.empty() && length <= kLongest;
+        if (result.good() && can_be_set) out->map()["general.gateway_url"] = text;
         return result;
     };
     row.write = [](uint32_t, const Value& wanted, const Value&) {
@@ -143,7 +144,7 @@ Row ip_row()
     row.read = [](uint32_t, Value* out) {
         uint8_t ipv4 = 0;
         uint8_t ipv6 = 0;
-        const Result result = CALL(zr_nexa_lan_ipv4v6_get_v1, &ipv4, &ipv6);
+        Result result = CALL(zr_nexa_lan_ipv4v6_get_v1, &ipv4, &ipv6);
         if (result.good()) out->map() = {{"general.ipv4", Value(ipv4 != 0)}, {"general.ipv6", Value(ipv6 != 0)}};
         return result;
     };

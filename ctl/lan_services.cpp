@@ -42,7 +42,7 @@ zr_nexa_lan_dhcp_reserv_record_t record_of(const std::string& address, const Val
 Result read_reservations(uint32_t, Value* out)
 {
     zr_nexa_lan_dhcp_reserv_list_t list = {};
-    const Result result = CALL(zr_nexa_lan_dhcp_reserv_record_get_v1, &list);
+    Result result = CALL(zr_nexa_lan_dhcp_reserv_record_get_v1, &list);
     if (!result.good()) return result;
     out->map();
     for (uint32_t i = 0; i < list.count; ++i) {
@@ -196,7 +196,7 @@ Result write_tunnel(uint32_t lan, uint32_t mode, const zr_nexa_lan_l2tp_tunnel_t
 Result put_tunnel(uint32_t lan, const std::string& id, const Value& entry)
 {
     zr_nexa_lan_l2tp_info_t info;
-    const Result result = read_l2tp(lan, &info);
+    Result result = read_l2tp(lan, &info);
     return result.good() ? write_tunnel(lan, info.mode, tunnel_of(id, entry)) : result;
 }
 
@@ -242,7 +242,7 @@ Row tunnels_row()
     row.next_follows = true;  // the mode
     row.read = [](uint32_t lan, Value* out) {
         zr_nexa_lan_l2tp_info_t info;
-        const Result result = read_l2tp(lan, &info);
+        Result result = read_l2tp(lan, &info);
         if (!result.good()) return result;
         out->map();
         for (uint32_t i = 0; i < info.tunnel_count; ++i) {
@@ -267,7 +267,7 @@ Row tunnels_row()
 Result read_switch(uint32_t lan, Value* out)
 {
     zr_nexa_lan_l2tp_info_t info;
-    const Result result = read_l2tp(lan, &info);
+    Result result = read_l2tp(lan, &info);
     if (!result.good()) return result;
     Value::Map& record = out->map();
     record["l2tp.enabled"] = Value(info.state != 0);
@@ -298,11 +298,15 @@ Result write_switch(uint32_t lan, const Value& wanted, const Value&)
                       config.clamp_mss == info.clamp_mss;
     if (!same || (mode == kUnmanaged && info.tunnel_count > 0 && info.mode != kUnmanaged)) {
         result = CALL(zr_nexa_lan_unmanaged_l2tp_state_set_v1, lan, &config);
+        if (result.code >= ZR_NEXA_STEP_UNIT) return result;  // a word below it may come with success
         info.mode = kUnmanaged;
     }
     if (mode != kManaged || info.mode == kManaged) return result;
-    for (uint32_t i = 0; i < info.tunnel_count && result.good(); ++i)
-        if (!tunnel_value(info.tunnel[i]).is_nothing()) result = write_tunnel(lan, kManaged, info.tunnel[i]);
+    for (uint32_t i = 0; i < info.tunnel_count; ++i) {
+        if (tunnel_value(info.tunnel[i]).is_nothing()) continue;
+        const Result again = write_tunnel(lan, kManaged, info.tunnel[i]);
+        if (!again.good()) result = again;
+    }
     return result;
 }
 

@@ -34,7 +34,7 @@ Result read_vlans(std::map<uint32_t, Value>* out)
 Result read_lans(Value* lans)
 {
     std::map<uint32_t, Value> vlans;
-    const Result result = read_vlans(&vlans);
+    Result result = read_vlans(&vlans);
     if (!result.good()) return result;
     lans->map() = {{"0", Value::Map()}};
     for (auto& [id, vlan] : vlans)

@@ -325,6 +325,22 @@ TEST_F(LanServicesCtlTest, ManagedTunnelsAreWrittenAgainBehindTheSwitch)
     EXPECT_EQ(read("l2tp.tunnels"), tunnels);
 }
 
+TEST_F(LanServicesCtlTest, ManagedStaysManagedWhereTheSwitchSucceedsWithAWord)
+{
+    ASSERT_EQ(add_tunnel("7", udp_tunnel()), "0");
+    ASSERT_EQ(add_tunnel("9", ip_tunnel()), "0");
+    ASSERT_EQ(write("l2tp.mode", {{"l2tp.mode", "managed"}}), "0");
+    open("SetUnmanagedL2TPStateEx=ok:43");
+    EXPECT_EQ(write("l2tp.mtu", {{"l2tp.mtu", 1400}}), "0x2b zr_nexa_lan_unmanaged_l2tp_state_set_v1");
+    EXPECT_EQ(modes_written(), "0 2 1400 0 0");
+    open("SetL2TPConfig#1=fail:3");
+    EXPECT_EQ(write("l2tp.mtu", {{"l2tp.mtu", 1300}}), "0x2003 zr_nexa_lan_l2tp_set_v1");
+    EXPECT_EQ(modes_written(), "0 2 1300 0 0");
+    open("SetUnmanagedL2TPStateEx=fail:43");
+    EXPECT_EQ(write("l2tp.mtu", {{"l2tp.mtu", 1200}}), "0x202b zr_nexa_lan_unmanaged_l2tp_state_set_v1");
+    EXPECT_EQ(modes_written(), "0 2 1300 0 0");
+}
+
 TEST_F(LanServicesCtlTest, WhatIsAsWantedIsNotTouched)
 {
     ASSERT_EQ(add_tunnel("7", udp_tunnel()), "0");

@@ -72,6 +72,15 @@ TEST_F(LanVlanCtlTest, AnInterfaceWithoutAWordIsLeftOut)
     EXPECT_EQ(refusal(ctl::remove_vlan(10, all.at("10.vlan"))), "0x7 zr_nexa_lan_vlan_del_v1");
 }
 
+TEST_F(LanVlanCtlTest, AnIdThatNobodyCanNameIsLeftOut)
+{
+    ASSERT_EQ(refusal(ctl::add_vlan(4094, vlan("ecm", true))), "0");
+    sql("INSERT INTO lan_bridge SELECT 4095, gateway_ip, netmask, dhcp_enabled, dhcp_start_ip, dhcp_end_ip, lease_time,"
+        " mtu, dns_mode, primary_dns, secondary_dns, activated FROM lan_bridge WHERE id = 0;"
+        "INSERT INTO vlan VALUES (4095, 3, 1), (0, 3, 1)");
+    EXPECT_EQ(lans(), "{0: {}, 4094: {vlan: {accelerated: true, interface: ecm}}}");
+}
+
 TEST_F(LanVlanCtlTest, AsManyAsThereCanBeAreRead)
 {
     sql("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000)"
