@@ -33,7 +33,7 @@ Result read_sip_server(uint32_t lan, Value* out)
 {
     static unsigned char buffer[ZR_NEXA_ALG_SIP_BUFFER_SIZE];
     int count = 0;
-    const Result result = CALL(zr_nexa_alg_sip_server_info_get_v1, lan, ZR_NEXA_IP_V4, &count, buffer);
+    Result result = CALL(zr_nexa_alg_sip_server_info_get_v1, lan, ZR_NEXA_IP_V4, &count, buffer);
     if (!result.good()) return result;
     zr_nexa_sip_server_info_t server;
     std::memcpy(&server, buffer, sizeof server);

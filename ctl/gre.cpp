@@ -92,7 +92,7 @@ std::string write_over(const std::string& file, const std::string& content, mode
     }
     const bool is_whole =
         done == content.size() && ftruncate(fd, static_cast<off_t>(content.size())) == 0 && fsync(fd) == 0;
-    const std::string problem = is_whole ? "" : file + ": " + why();
+    std::string problem = is_whole ? "" : file + ": " + why();
     close(fd);
     return problem;
 }
@@ -156,7 +156,7 @@ Result read_gre(uint32_t, Value* out)
     const std::string problem = gre_unreadable();
     if (!problem.empty()) return {kNoFile, kName, problem};
     zr_nexa_wan_gre_ipacfg_t record = {};
-    const Result result = call_in_child(zr_nexa_wan_gre_ipacfg_get_v1, kName, &record);
+    Result result = call_in_child(zr_nexa_wan_gre_ipacfg_get_v1, kName, &record);
     if (!result.good()) return result;
     out->map()["gre.enabled"] = record.gre_enabled != 0;
     out->map()["gre.servers"] = addresses_of(record.server_ipv4_addr, record.num_of_server_addrs);
@@ -198,13 +198,13 @@ std::string gre_unreadable(const GreFiles& files)
 std::string gre_unwritable(const GreFiles& files)
 {
     pugi::xml_document document;
-    const std::string problem = load(files.config, &document);
+    std::string problem = load(files.config, &document);
     if (!problem.empty()) return problem;
     if (!document.child("system").child("IPACM").child("GREFlag"))
         return files.config + " has no GREFlag element to put them in";
     if (access(files.config.c_str(), W_OK) != 0) return files.config + ": " + why();
     for (const std::string& folder : {files.temporary_folder, folder_of(files.config)}) {
-        const std::string room = no_room(folder, room_needed(files.config));
+        std::string room = no_room(folder, room_needed(files.config));
         if (!room.empty()) return room;
     }
     return "";
@@ -225,7 +225,7 @@ std::string restore_gre_copy(const std::string& folder, const GreFiles& files)
 {
     std::string copy;
     std::string present;
-    const std::string problem = read_file(copy_in(folder), &copy);
+    std::string problem = read_file(copy_in(folder), &copy);
     if (!problem.empty()) return problem;
     if (read_file(files.config, &present).empty() && present == copy) return "";
     return write_over(files.config, copy, 0644);
@@ -245,7 +245,6 @@ Result call_in_child(const GreFunction& function, const char* name, zr_nexa_wan_
     const pid_t child = fork();
     if (child == 0) answer_and_end(function, *record, ends[1], parent);
     const std::string no_child = child < 0 ? "no process: " + why() : "";
-    if (child > 0) setpgid(child, child);  // whichever of the two comes first
     close(ends[1]);
     Answer answer = {};
     const bool is_answered = child > 0 && wait_for_answer(ends[0], time, &answer);

@@ -24,7 +24,7 @@ Row module_nat_row()
                {"zr_nexa_lan_ipptnat_set_v1", "zr_nexa_lan_ipptnat_get_v1"}};
     row.read = [](uint32_t, Value* out) {
         uint8_t mode = 0;
-        const Result result = CALL(zr_nexa_lan_ipptnat_get_v1, &mode);
+        Result result = CALL(zr_nexa_lan_ipptnat_get_v1, &mode);
         if (result.good()) out->map()["general.passthrough_nat"] = word_of(kNat, mode);
         return result;
     };
@@ -56,7 +56,7 @@ Row lan_nat_row()
     row.read = [](uint32_t lan, Value* out) {
         if (lan == 0) return Result{};  // has none of its own
         int8_t mode = INT8_MIN;         // an unknown one is left alone
-        const Result result = CALL(zr_nexa_lan_ipptnatpdn_get_v1, lan, &mode);
+        Result result = CALL(zr_nexa_lan_ipptnatpdn_get_v1, lan, &mode);
         const std::string word = word_of(words, static_cast<uint32_t>(mode));
         if (result.good() && !word.empty()) out->map()["passthrough_nat"] = word;
         return result;
@@ -86,7 +86,7 @@ Result read_passthrough(uint32_t lan, Value* out)
     zr_nexa_lan_ippt_t record = {};
     record.lan_id = static_cast<uint16_t>(lan);
     record.ippt_mode = kUntouched;
-    const Result result = CALL(zr_nexa_lan_ippt_get_v1, &record);
+    Result result = CALL(zr_nexa_lan_ippt_get_v1, &record);
     if (!result.good()) return result;
     // With a choice the mode tells which device it has taken for now.
     if (record.ippt_adaptive != 0 || record.ippt_mode == kUntouched) {
@@ -193,7 +193,7 @@ Value filter_of(uint32_t protocol, uint16_t first, uint16_t last)
     Value filter;
     if (are_ports(first, last)) filter.map()["ports"] = ports_text(first, last);
     // A portless one keeps any numbers; those that are no ports are not shown, and nobody looks at them.
-    const bool is_whole = !word.empty() && (word == "portless" || filter.has("ports"));
+    const bool is_whole = word == "portless" || filter.has("ports");
     if (!is_whole) filter.map().clear();
     filter.map()["protocol"] = is_whole ? word : kOther;
     return filter;
@@ -202,7 +202,7 @@ Value filter_of(uint32_t protocol, uint16_t first, uint16_t last)
 Result read_filters(uint32_t lan, Value* out)
 {
     zr_nexa_lan_ipptgwfilter_list_t list = {};
-    const Result result = CALL(zr_nexa_lan_ipptgwfilter_get_v1, lan, &list);
+    Result result = CALL(zr_nexa_lan_ipptgwfilter_get_v1, lan, &list);
     if (!result.good()) return result;
     // A filter of another protocol reads as an empty place. Behind the last one it cannot be told from none.
     uint32_t count = ZR_NEXA_LAN_IPPTGWFILTERS_MAX;
@@ -274,7 +274,7 @@ Row filters_row()
 Result read_software_path(uint32_t, Value* out)
 {
     zr_nexa_lan_swpathfilter_list_t list = {};
-    const Result result = CALL(zr_nexa_lan_swpathfilter_get_v1, &list);
+    Result result = CALL(zr_nexa_lan_swpathfilter_get_v1, &list);
     if (!result.good()) return result;
     out->list();
     for (uint32_t i = 0; i < list.count; ++i)

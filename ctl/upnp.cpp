@@ -25,7 +25,7 @@ Row interval_row()
                {"zr_nexa_media_upnp_notify_interval_set_v1", "zr_nexa_media_upnp_notify_interval_get_v1"}};
     row.read = [](uint32_t, Value* out) {
         uint16_t seconds = 0;
-        const Result result = CALL(zr_nexa_media_upnp_notify_interval_get_v1, &seconds);
+        Result result = CALL(zr_nexa_media_upnp_notify_interval_get_v1, &seconds);
         if (result.good() && seconds >= kMin && seconds <= kMax) out->map()["upnp.notify_seconds"] = seconds;
         return result;
     };
@@ -44,14 +44,14 @@ Result write_pinholes(uint32_t handle, const Value& wanted, const Value&)
 {
     uint8_t is_on = 0;
     uint8_t policy = 0;
-    const Result looked = CALL(zr_nexa_firewall_config_get_v1, handle, &is_on, &policy);
+    Result looked = CALL(zr_nexa_firewall_config_get_v1, handle, &is_on, &policy);
     if (!looked.good()) return looked;
     const uint32_t state = wanted.child("upnp_pinholes").flag() ? 1 : 0;
     if (is_on != 0) return CALL(zr_nexa_media_upnp_pinhole_state_set_v1, handle, state);
     if (policy != kDrop && policy != kLetThrough)
         return {0, looked.function, "the firewall is off, and its policy could not be put back"};
     const Result on = CALL(zr_nexa_firewall_config_set_v1, handle, 1, kLetThrough);
-    const Result set = CALL(zr_nexa_media_upnp_pinhole_state_set_v1, handle, state);
+    Result set = CALL(zr_nexa_media_upnp_pinhole_state_set_v1, handle, state);
     Result off = CALL(zr_nexa_firewall_config_set_v1, handle, 0, policy);
     // Once more: the service gives a request up when a signal comes.
     if (!off.good()) off = CALL(zr_nexa_firewall_config_set_v1, handle, 0, policy);
