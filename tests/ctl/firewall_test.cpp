@@ -174,7 +174,7 @@ TEST_F(FirewallRows, FiltersStationsByHardware)
     const std::string needs = "it takes no state without stations and interfaces";
     EXPECT_EQ(write(name, 0, {{name, "enabled"}}), needs);
 
-    const ctl::Value::List one = {ctl::Value::List{1, 0, 0, 0, 4294967295u}};
+    const ctl::Value::List one(1, ctl::Value(ctl::Value::List{1, 0, 0, 0, 4294967295u}));
     const char* code = "0";
     for (const std::string state : {"listed", "enabled", "disabled"}) {
         EXPECT_EQ(write(name, 0, mac_filter(state, {"02:00:00:00:00:31"}, one)), "0");
@@ -222,7 +222,8 @@ TEST_F(FirewallRows, TellsRefusals)
     EXPECT_EQ(told(row("firewall.enabled").write(1, ctl::Value::Map{{"firewall.enabled", true}}, {})), "0x2004");
     EXPECT_EQ(told(row("hardware_mac_filter.state").read(0, &unit)), "0x2005");
     EXPECT_EQ(ctl::in_short(unit), "none");
-    const ctl::Value filter = mac_filter("listed", {"02:00:00:00:00:31"}, {ctl::Value::List{1, 0, 0, 0, 0}});
+    const ctl::Value filter =
+        mac_filter("listed", {"02:00:00:00:00:31"}, ctl::Value::List(1, ctl::Value(ctl::Value::List{1, 0, 0, 0, 0})));
     EXPECT_EQ(told(row("hardware_mac_filter.state").write(0, filter, {})), "0x2006");
 }
 
