@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -54,6 +55,15 @@ protected:
     static void happens(const Words& words)
     {
         EXPECT_EQ(run_program(ZR_NEXA_MOBILE_AP_CTL, words), 0) << testing::PrintToString(words);
+    }
+    // What no function of the interface does.
+    void change_state(const char* statement) const
+    {
+        sqlite3* db = nullptr;
+        ASSERT_EQ(sqlite3_open(database().c_str(), &db), SQLITE_OK);
+        sqlite3_busy_timeout(db, 10000);
+        EXPECT_EQ(sqlite3_exec(db, statement, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(db);
     }
 };
 

@@ -1,9 +1,9 @@
 // What runs, as a tree, an object, a graph and figures.
-#include <sqlite3.h>
-
 #include "ctl_test.h"
 
 namespace {
+
+const std::string kPython = "/usr/bin/python3";  // the one that has the distribution's modules
 
 class FiguresTest : public CtlTest {
 protected:
@@ -13,11 +13,7 @@ protected:
         command({"WAN", "Connect", "connect", profile, "4"});
         happens({"traffic", profile, "--down", "1000", "--up", "2000", "--family", "4"});
         command({"WAN", "Connect", "disconnect", profile, "4"});
-        sqlite3* db = nullptr;
-        ASSERT_EQ(sqlite3_open(database().c_str(), &db), SQLITE_OK);
-        sqlite3_busy_timeout(db, 10000);
-        EXPECT_EQ(sqlite3_exec(db, "UPDATE wwan_call SET active_ms = 0", nullptr, nullptr, nullptr), SQLITE_OK);
-        sqlite3_close(db);
+        change_state("UPDATE wwan_call SET active_ms = 0");
     }
     void set_up_a_module() const
     {
@@ -182,7 +178,7 @@ TEST_F(FiguresTest, FiguresForMonitoring)
 // With texts that have to be escaped.
 TEST_F(FiguresTest, BothParsersOfThePrometheusClientTakeTheFigures)
 {
-    if (std::system("python3 -c 'import prometheus_client' 2>/dev/null") != 0)
+    if (std::system((kPython + " -c 'import prometheus_client' 2>/dev/null").c_str()) != 0)
         GTEST_SKIP() << "python3-prometheus-client is not installed";
     set_up_a_module();
     command({"WAN", "Connect", "connect", "1", "46"});
@@ -205,7 +201,7 @@ TEST_F(FiguresTest, BothParsersOfThePrometheusClientTakeTheFigures)
         "assert all(s.timestamp is None for f in new.text_string_to_metric_families(text) for s in f.samples)\n";
     const std::string script = state.path() + "/parse.py";
     std::ofstream(script) << program;
-    EXPECT_EQ(std::system(("python3 " + script + " " + file).c_str()), 0) << text;
+    EXPECT_EQ(std::system((kPython + " " + script + " " + file).c_str()), 0) << text;
 }
 
 }  // namespace

@@ -200,7 +200,7 @@ TEST_F(VerbsTest, OneFamilyIsConnectedWithoutTheOther)
 
 TEST_F(VerbsTest, WaitingEndsWhenTheTimeIsOverOrTheNetworkRefuses)
 {
-    happens({"call", "slow", "1", "3000"});
+    happens({"call", "slow", "1", "1500"});
     const ToolRun late = ctl({"connect", "1", "--family", "4", "--wait", "0.2"});
     EXPECT_EQ(late.status, 1);
     EXPECT_EQ(late.err, "zr_nexactl: profile-1: IPv4 is not connected in time\n");
@@ -230,7 +230,12 @@ TEST_F(VerbsTest, ARefusedConnectIsTold)
 
 TEST_F(VerbsTest, AProfileOfOneFamilyIsAskedForThatOne)
 {
-    ASSERT_EQ(ctl({"run", "WAN", "WWANConfig", "add", "0", "2"}).status, 0);
+    command({"WAN", "WWANConfig", "add", "0", "2"});
+    change_state("UPDATE wwan_profile SET ip_family = 4 WHERE handle = 2");
+    expect_ctl(
+        {"connect", "2", "--family", "6"}, 4, "",
+        "zr_nexactl: zr_nexa_wan_connect_v6_set_v1: 0x2030, step 2, connecting: the service answered 48, a value "
+        "is out of range, or does not go with what is there: a profile in use cannot be deleted\n");
     expect_ctl({"connect", "2", "--wait", "10"}, 0, "");
     expect_ctl({"disconnect", "2", "--wait", "10"}, 0, "");
 }
