@@ -18,7 +18,8 @@ namespace {
 
 constexpr double kMostSeconds = 1e9;
 constexpr uint32_t kNoStatus = 0x80000001;  // what a failed attempt leaves alone
-constexpr uint32_t kNoEffect = 26;          // the service's word: it is so already
+constexpr std::chrono::seconds kPatience(1);
+constexpr uint32_t kNoEffect = 26;  // the service's word: it is so already
 
 struct Asked {
     bool connect = true;
@@ -87,7 +88,7 @@ uint32_t failed(const Call& call, bool connect)
 
 int wait(const Asked& asked, std::vector<Call> calls, Indications* indications)
 {
-    const Indications::Deadline deadline =
+    const auto deadline =
         std::chrono::steady_clock::now() +
         std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(asked.seconds));
     for (;;) {
@@ -106,8 +107,11 @@ int wait(const Asked& asked, std::vector<Call> calls, Indications* indications)
         calls.erase(std::remove_if(calls.begin(), calls.end(), reached), calls.end());
         if (calls.empty()) return kDone;
 
+        // Asked anew after each indication, and now and then in case one did not come.
         Indication indication;
-        const Waited waited = indications->next(deadline, &indication);
+        const Waited waited =
+            indications->next(std::min(deadline, std::chrono::steady_clock::now() + kPatience), &indication);
+        if (waited == Waited::kTimeIsOver && std::chrono::steady_clock::now() < deadline) continue;
         if (waited != Waited::kIndication) {
             for (const Call& call : calls)
                 tell("profile-" + std::to_string(asked.profile) + ": " + call.name + " is not " +

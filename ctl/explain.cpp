@@ -5,6 +5,7 @@
 #include <zr_nexa/lan_passthrough.h>
 
 #include <CLI/CLI.hpp>
+#include <cctype>
 #include <cstdio>
 #include <string_view>
 
@@ -263,6 +264,7 @@ std::string large_in_words(uint32_t code, const std::string& function)
 // "0x2009" or "8201".
 bool number_of(const std::string& text, uint32_t* code)
 {
+    if (text.empty() || std::isdigit(static_cast<unsigned char>(text.front())) == 0) return false;
     size_t end = 0;
     unsigned long long number = 0;
     try {
@@ -271,7 +273,7 @@ bool number_of(const std::string& text, uint32_t* code)
         return false;
     }
     *code = static_cast<uint32_t>(number);
-    return end == text.size() && text.front() != '-' && text.front() != '+' && number == *code;
+    return end == text.size() && number == *code;
 }
 
 // The public function of this name, also without what all names begin and end with; empty: there is none.

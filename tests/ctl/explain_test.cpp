@@ -191,9 +191,10 @@ TEST(ExplainTest, CodesOfAFunctionInWords)
 
 TEST(ExplainTest, AResultNamesItsFunction)
 {
-    EXPECT_EQ(in_words(ctl::Result{0x1009, "zr_nexa_nat_type_get_v1"}),
-              "zr_nexa_nat_type_get_v1: 0x1009, step 1, selecting the profile: the service answered 9, there is no such "
-              "profile (any more)");
+    EXPECT_EQ(
+        in_words(ctl::Result{0x1009, "zr_nexa_nat_type_get_v1"}),
+        "zr_nexa_nat_type_get_v1: 0x1009, step 1, selecting the profile: the service answered 9, there is no such "
+        "profile (any more)");
     EXPECT_EQ(in_words(ctl::Result{0, "zr_nexa_wan_gre_ipacfg_set_v1", "there is no file"}),
               "zr_nexa_wan_gre_ipacfg_set_v1: there is no file");
 }

@@ -1,0 +1,70 @@
+// The program zr_nexactl, as a process of its own, on a fresh state.
+#ifndef CTL_TEST_H
+#define CTL_TEST_H
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <memory>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "program.h"
+#include "run_tool.h"
+
+class CtlTest : public ToolTest {
+protected:
+    using Words = std::vector<std::string>;
+
+    CtlTest()
+    {
+        setenv("MOBILE_AP_STATE", state.path().c_str(), 1);  // for what happens around the module
+    }
+
+    ToolOptions ctl_options(const std::vector<std::string>& variables = {}) const
+    {
+        ToolOptions options{state.path()};
+        options.program = ZR_NEXA_CTL;
+        options.variables = variables;
+        return options;
+    }
+    ToolRun ctl(const Words& words, const std::vector<std::string>& variables = {}) const
+    {
+        return run_tool(words, ctl_options(variables));
+    }
+    void expect_ctl(const Words& words, int status, const std::string& out, const std::string& err = "",
+                    const std::vector<std::string>& variables = {}) const
+    {
+        const ToolRun seen = ctl(words, variables);
+        EXPECT_EQ(seen.status, status) << testing::PrintToString(words);
+        EXPECT_EQ(seen.out, out) << testing::PrintToString(words);
+        EXPECT_EQ(seen.err, err) << testing::PrintToString(words);
+    }
+    // What the command does, to get a module into a state.
+    void command(const Words& words) const
+    {
+        const ToolRun seen = run(words);
+        EXPECT_EQ(seen.out.substr(seen.out.rfind("CMD")), "CMD OK\r\n") << testing::PrintToString(words) << seen.out;
+    }
+    // What comes from outside.
+    static void happens(const Words& words)
+    {
+        EXPECT_EQ(run_program(ZR_NEXA_MOBILE_AP_CTL, words), 0) << testing::PrintToString(words);
+    }
+    // What no function of the interface does.
+    void change_state(const char* statement) const
+    {
+        sqlite3* db = nullptr;
+        ASSERT_EQ(sqlite3_open(database().c_str(), &db), SQLITE_OK);
+        sqlite3_busy_timeout(db, 10000);
+        EXPECT_EQ(sqlite3_exec(db, statement, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(db);
+    }
+};
+
+#endif
