@@ -280,7 +280,7 @@ bool number_of(const std::string& text, uint32_t* code)
 std::string function_of(const std::string& name)
 {
     for (const FunctionUse& each : functions()) {
-        const std::string full = each.function;
+        std::string full = each.function;
         for (const char* end : {"", "_v1", "_v2"})
             if (full == name + end || full == "zr_nexa_" + name + end) return full;
     }
@@ -342,7 +342,7 @@ std::string small_code(const std::string& function, uint32_t code)
 
 std::string in_words(uint32_t code, const std::string& function)
 {
-    const std::string own = small_code(function, code);
+    std::string own = small_code(function, code);
     if (!own.empty()) return own;
     if (function.empty() && code == kWordsNotAccepted) return "words that the command does not accept";
     return code < ZR_NEXA_STEP_UNIT ? small_in_words(code, function) : large_in_words(code, function);

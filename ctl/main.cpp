@@ -3,7 +3,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iterator>
+#include <cstdio>
+#include <exception>
 #include <string>
 
 #include "exit_status.h"
@@ -45,9 +46,7 @@ std::string problem_of(const CLI::App& app, const CLI::ParseError& error)
     return text;
 }
 
-}  // namespace
-
-int main(int argc, char** argv)
+int run(int argc, char** argv)
 {
     CLI::App app("A module's configuration and what it does", "zr_nexactl");
     ctl::Work work;
@@ -65,4 +64,16 @@ int main(int argc, char** argv)
         return ctl::kWrong;
     }
     return work();
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "zr_nexactl: %s\n", error.what());
+        return ctl::kNotUndone;  // how far it came is not known
+    }
 }

@@ -51,6 +51,7 @@ int run(std::vector<std::string> words)
 {
     words.insert(words.begin(), "zr_nexa");
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);

@@ -106,14 +106,14 @@ Result ask(uint32_t state, uint32_t profile, bool* reached)
     std::vector<uint32_t> handles = {profile};
     if (profile == 0) {
         zr_nexa_wan_wwanconfig_list_v2_t list = {};
-        const Result result = CALL(zr_nexa_wan_wwanconfig_get_v2, &list);
+        Result result = CALL(zr_nexa_wan_wwanconfig_get_v2, &list);
         if (!result.good()) return result;
         handles.assign(list.wwan_handle, list.wwan_handle + list.wwanconfig_num);
     }
     for (const uint32_t handle : handles) {
         uint32_t v4 = kNoStatus;
         uint32_t v6 = kNoStatus;
-        const Result result = CALL(zr_nexa_wan_status_get_v1, handle, &v4, &v6);
+        Result result = CALL(zr_nexa_wan_status_get_v1, handle, &v4, &v6);
         if (!result.good()) return result;
         *reached = *reached || v4 == state || v6 == state;
     }

@@ -60,6 +60,19 @@ TEST_F(FiguresTest, TheTreeGoesFromProfilesOverLansToDevices)
                "    10.9.9.9  02:00:00:00:00:09, received 0 bytes, sent 0 bytes\n");
 }
 
+TEST_F(FiguresTest, OfNetsThatOverlapTheSmallestHoldsADevice)
+{
+    command({"LAN", "VLAN", "add", "9", "1", "1"});
+    command({"LAN", "VLAN", "add", "10", "1", "1"});
+    command({"LAN", "DHCP", "set", "9", "10.0.9.1", "255.255.255.0", "10.0.9.20", "10.0.9.60", "3600"});
+    command({"LAN", "DHCP", "set", "10", "10.0.10.1", "255.255.0.0", "10.0.10.20", "10.0.10.60", "3600"});
+    happens({"device", "join", "02:00:00:00:00:07", "10.0.9.21", "a"});
+    happens({"device", "join", "02:00:00:00:00:08", "10.0.8.21", "b"});
+    const std::string text = ctl({"metrics"}).out;
+    EXPECT_NE(text.find("mac=\"02:00:00:00:00:07\",lan=\"9\""), std::string::npos) << text;
+    EXPECT_NE(text.find("mac=\"02:00:00:00:00:08\",lan=\"10\""), std::string::npos) << text;
+}
+
 TEST_F(FiguresTest, AConnectedProfileTellsItsAddressesAndCounts)
 {
     expect_ctl({"connect", "1", "--family", "4", "--wait", "10"}, 0, "");

@@ -10,7 +10,7 @@
 #include <vector>
 
 struct ToolOptions {
-    std::string state;                        // MOBILE_AP_STATE; empty: not set
+    std::string state;  // MOBILE_AP_STATE; empty: not set
     std::string program = ZR_NEXA_TOOL;
     std::vector<std::string> variables = {};  // more of the environment, "NAME=value"
     bool pauses = false;                      // keeps the pause of one second
