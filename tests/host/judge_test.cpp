@@ -35,11 +35,11 @@ bool set_lan(QCMAP_Client& client, short id, const std::function<void(Lan&)>& ch
     return client.SetLANConfig(lan, err);
 }
 
-// Moves it to the /24 of this address, with a pool from .20 to .60.
-void move_to(Lan& lan, const char* gateway)
+// Moves it to the net of this address, with a pool from its 20th address to its 60th.
+void move_to(Lan& lan, const char* gateway, uint32_t netmask = 0xffffff00)
 {
     lan.gateway_ip = address(gateway);
-    lan.netmask = 0xffffff00;
+    lan.netmask = netmask;
     lan.dhcp_start_ip = (lan.gateway_ip & lan.netmask) + 20;
     lan.dhcp_end_ip = (lan.gateway_ip & lan.netmask) + 60;
 }
@@ -338,18 +338,16 @@ TEST_F(JudgeHostTest, LansThatDoNotOverlap)
     const auto net = [](const char* gateway, uint32_t netmask) {
         return [=](auto& client, auto* word) {
             return set_lan(
-                client, 10,
-                [&](Lan& lan) {
-                    move_to(lan, gateway);
-                    lan.netmask = netmask;
-                },
-                word);
+                client, 10, [&](Lan& lan) { move_to(lan, gateway, netmask); }, word);
         };
     };
     expect_fine(two_vlans, net("192.168.224.1", 0xffffff00));
     expect_fine(two_vlans, net("192.168.226.1", 0xffffff00));
     expect_refused(two_vlans, net("192.168.225.129", 0xffffff00),
                    {"ERROR [MOBILE_AP]SetLANConfig(): LAN 10: net 192.168.225.0/255.255.255.0 overlaps LAN 0's,"
+                    " 192.168.225.0/255.255.255.0"});
+    expect_refused(two_vlans, net("192.168.225.129", 0xffffff80),
+                   {"ERROR [MOBILE_AP]SetLANConfig(): LAN 10: net 192.168.225.128/255.255.255.128 overlaps LAN 0's,"
                     " 192.168.225.0/255.255.255.0"});
     expect_refused(two_vlans, net("192.168.224.1", 0xfffffe00),
                    {"ERROR [MOBILE_AP]SetLANConfig(): LAN 10: net 192.168.224.0/255.255.254.0 overlaps LAN 0's,"
@@ -525,6 +523,16 @@ TEST_F(JudgeLeftOutsideTest, ByALanThatMoves)
                 {"ERROR [MOBILE_AP]SetLANConfig(): reservation 192.168.225.30 is outside every LAN's net",
                  "ERROR [MOBILE_AP]SetLANConfig(): mapped host 192.168.225.50 of profile 1 is outside every LAN's net,"
                  " and routing-behind is off"});
+}
+
+TEST_F(JudgeLeftOutsideTest, NothingWhereThereIsNoHost)
+{
+    expect_fine(
+        [](auto& client) {
+            qmi_error_type_v01 word = QMI_ERR_NONE_V01;
+            EXPECT_TRUE(client.SetNatType(QCMAP_MSGR_NAT_SYMMETRIC_V01, &word));
+        },
+        move_lan_0);
 }
 
 TEST_F(JudgeLeftOutsideTest, ByAVlanThatGoes)

@@ -259,7 +259,7 @@ void judge_bridge_gone(Store& db, const char* method)
     tell_left_outside(db, method, standing_lans(db));
 }
 
-void judge_routing_behind_off(Store& db, const char* method)
+void judge_routing_behind(Store& db, const char* method)
 {
     if (db.judging() == Judging::kOff) return;
     Findings findings;

@@ -27,7 +27,7 @@ void judge_mapped_host(Store& db, const char* method, uint32_t profile, uint32_t
 // What a call has led to without setting it; never refused.
 void judge_new_bridge(Store& db, const char* method, int bridge);
 void judge_bridge_gone(Store& db, const char* method);
-void judge_routing_behind_off(Store& db, const char* method);
+void judge_routing_behind(Store& db, const char* method);
 
 }  // namespace mobile_ap
 

@@ -132,9 +132,9 @@ bool QCMAP_Client::ZR_SetRoutingBH(unsigned int routing_bh, qmi_error_type_v01* 
 {
     return method(session_, __func__, err, [&, name = __func__](Store& db) {
         if (routing_bh > 1) refuse(QMI_ERR_INVALID_ARG_V01);
-        const bool goes_off = routing_bh == 0 && routing_behind(db) != 0;
+        const bool changes = routing_bh != routing_behind(db);
         db.run("UPDATE nat_service SET routing_behind = ?", routing_bh);
-        if (goes_off) judge_routing_behind_off(db, name);
+        if (changes) judge_routing_behind(db, name);
     });
 }
 
