@@ -101,9 +101,7 @@ void find_overlaps(const Lans& lans, const Lan& lan, Findings* findings)
 
 bool is_in_a_lan(const Lans& lans, uint32_t address)
 {
-    for (const Lan& lan : lans)
-        if (lan.holds(address)) return true;
-    return false;
+    return std::any_of(lans.begin(), lans.end(), [&](const Lan& lan) { return lan.holds(address); });
 }
 
 void find_outside(const Lans& lans, uint32_t reserved, Findings* findings)

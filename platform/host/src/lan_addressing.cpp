@@ -108,7 +108,8 @@ bool QCMAP_Client::GetLANConfig(qcmap_msgr_lan_config_v01* lan, qmi_error_type_v
 
 bool QCMAP_Client::SetLANConfig(qcmap_msgr_lan_config_v01 lan, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&, name = __func__](Store& db) {
+    const char* const name = __func__;
+    return method(session_, __func__, err, [&](Store& db) {
         const int bridge = db.selected_bridge();
         judge_lan(db, name, bridge, lan);
         db.run(

@@ -113,7 +113,8 @@ void read_sessions(Store& db, int bridge, qcmap_msgr_l2tp_config_v01* tunnel)
 
 bool QCMAP_Client::AddDHCPReservRecord(qcmap_msgr_dhcp_reservation_v01* record, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&, name = __func__](Store& db) {
+    const char* const name = __func__;
+    return method(session_, __func__, err, [&](Store& db) {
         check_reservation(*record);
         check_free(db, *record, -1);
         if (db.one<int>("SELECT count(*) FROM dhcp_reservation") >= QCMAP_MAX_DHCP_RESERVATIONS)
@@ -147,7 +148,8 @@ bool QCMAP_Client::GetDHCPReservRecords(qcmap_msgr_dhcp_reservation_v01* records
 bool QCMAP_Client::EditDHCPReservRecord(unsigned int* ip_address, qcmap_msgr_dhcp_reservation_v01* record,
                                         qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&, name = __func__](Store& db) {
+    const char* const name = __func__;
+    return method(session_, __func__, err, [&](Store& db) {
         const int64_t position = position_of(db, *ip_address);
         check_reservation(*record);
         check_free(db, *record, position);

@@ -32,7 +32,8 @@ bool is_interface_type(qcmap_msgr_interface_type_enum_v01 type)
 // The flag beside the record is left as it is: acceleration is always there.
 bool QCMAP_Client::CreateVLANConfig(qcmap_msgr_vlan_config_ex_v01 vlan, qmi_error_type_v01* err, bool*)
 {
-    return method(session_, __func__, err, [&, name = __func__](Store& db) {
+    const char* const name = __func__;
+    return method(session_, __func__, err, [&](Store& db) {
         if (!is_vlan_id(vlan.vlan_id) || !is_interface_type(vlan.interface_type) || vlan.is_accelerated > 1)
             refuse(QMI_ERR_INVALID_ARG_V01);
         const auto same = db.one<bool>("SELECT interface_type = ? AND accelerated = ? FROM vlan WHERE id = ?",
@@ -64,7 +65,8 @@ bool QCMAP_Client::GetVLANConfig(qcmap_msgr_vlan_conf_t* list, qmi_error_type_v0
 bool QCMAP_Client::DeleteVLANConfig(short vlan_id, qcmap_msgr_interface_type_enum_v01 interface_type,
                                     qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&, name = __func__](Store& db) {
+    const char* const name = __func__;
+    return method(session_, __func__, err, [&](Store& db) {
         if (!is_vlan_id(vlan_id) || !is_interface_type(interface_type)) refuse(QMI_ERR_INVALID_ARG_V01);
         const auto type =
             db.one<qcmap_msgr_interface_type_enum_v01>("SELECT interface_type FROM vlan WHERE id = ?", vlan_id);

@@ -60,7 +60,8 @@ bool QCMAP_Client::GetNatType(qcmap_msgr_nat_enum_v01* nat_type, qmi_error_type_
 // A profile has one DMZ host; a further one takes its place.
 bool QCMAP_Client::AddDMZ(unsigned int ip, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&, name = __func__](Store& db) {
+    const char* const name = __func__;
+    return method(session_, __func__, err, [&](Store& db) {
         if (ip == 0) refuse(QMI_ERR_INVALID_ARG_V01);
         const uint32_t profile = db.selected_profile();
         if (dmz_host(db, profile) != ip) judge_dmz_host(db, name, profile, ip);
@@ -86,7 +87,8 @@ bool QCMAP_Client::GetDMZ(unsigned int* ip, qmi_error_type_v01* err)
 
 bool QCMAP_Client::AddStaticNatEntry(qcmap_msgr_snat_entry_config_v01* entry, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&, name = __func__](Store& db) {
+    const char* const name = __func__;
+    return method(session_, __func__, err, [&](Store& db) {
         const uint32_t profile = db.selected_profile();
         const int added = db.run(
             "INSERT OR IGNORE INTO nat_static_entry (profile, private_ip, private_port, global_port, protocol)"
@@ -130,7 +132,8 @@ bool QCMAP_Client::GetStaticNatConfig(qcmap_msgr_snat_entry_config_v01* entries,
 // Kept at once, as a module keeps it; a module goes by it after its next start.
 bool QCMAP_Client::ZR_SetRoutingBH(unsigned int routing_bh, qmi_error_type_v01* err)
 {
-    return method(session_, __func__, err, [&, name = __func__](Store& db) {
+    const char* const name = __func__;
+    return method(session_, __func__, err, [&](Store& db) {
         if (routing_bh > 1) refuse(QMI_ERR_INVALID_ARG_V01);
         const bool changes = routing_bh != routing_behind(db);
         db.run("UPDATE nat_service SET routing_behind = ?", routing_bh);
