@@ -47,6 +47,13 @@ Session::Session(client_status_ind_t callback, void* user) : listener_(callback,
             complain("MOBILE_AP_FAULTS: \"" + bad_word + "\" makes no sense; the service is not ready");
             return;
         }
+        const char* judge = getenv("MOBILE_AP_JUDGE");
+        Judging judging = Judging::kOff;
+        if (judge != nullptr && !parse_judging(judge, &judging)) {
+            complain("MOBILE_AP_JUDGE: \"" + std::string(judge) + "\" makes no sense; the service is not ready");
+            return;
+        }
+        store_.set_judging(judging);
         const StatePlace place = find_state_place();
         folder_ = place.path;
         std::string where = folder_;
