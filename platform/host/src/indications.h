@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <string>
+#include <vector>
 
 #include "database.h"
 #include "qcmap_client.h"
@@ -50,18 +51,33 @@ public:
 private:
     static void* run(void* listener);
     void listen();
+    void watch_file() const;
     void deliver_new();
+
+    struct Pending {
+        int64_t id;
+        unsigned int msg_id;
+        std::vector<uint8_t> wire;
+    };
+    std::vector<Pending> next_batch();
+    std::vector<Pending> rest_of_replaced();
+    std::vector<Pending> read_batch();
+    void tell_missed(int64_t count) const;
 
     const client_status_ind_t callback_;
     void* const user_;
     std::string path_;
     Database db_;
     int64_t newest_ = 0;
+    int64_t in_place_ms_ = 0;  // when the database was last seen in its place
+    bool was_read_ = false;
+    bool elsewhere_ = false;  // newest_ is of another database than the one in place
     pthread_t thread_ = {};
     bool running_ = false;
     std::atomic<pthread_t> listening_thread_{};  // as the thread itself knows it
     std::atomic<bool> stopping_{false};
     int stop_event_ = -1;
+    int watch_ = -1;
 };
 
 }  // namespace mobile_ap
