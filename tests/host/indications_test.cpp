@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "diag_msg.h"
+#include "events.h"
 #include "host_fixture.h"
 #include "program.h"
 #include "session.h"
@@ -131,6 +132,22 @@ TEST_F(IndicationsHostTest, ReachEverySessionOnceAndInOrder)
     EXPECT_EQ(second.wait_for(6), range(1, 6));
     settle();
     EXPECT_EQ(first.numbers(), range(1, 6));
+}
+
+// Nobody calls a method when the time comes.
+TEST_F(IndicationsHostTest, AListenerCarriesOutWhatIsDue)
+{
+    Heard heard;
+    OpenClient client(Heard::callback, &heard);
+    ASSERT_TRUE(client.ConnectBackHaul(QCMAP_MSGR_WWAN_CALL_TYPE_V4_V01, &err));
+    ASSERT_EQ(heard.wait_for(3).size(), 3u);
+    Session other(nullptr, nullptr);
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_TRUE(method(&other, "Schedule", nullptr, [](Store& db) {
+        mobile_ap::schedule(db, mobile_ap::now_ms() + 300, {"call", "drop", "1"});
+    }));
+    EXPECT_EQ(heard.wait_for(5), (std::vector<uint32_t>{1, 0xffffffff, 3, 0xffffffff, 6}));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(290));
 }
 
 TEST_F(IndicationsHostTest, OnlyBetweenEnablingAndDisabling)

@@ -5,18 +5,19 @@
 #include <signal.h>
 #include <sys/eventfd.h>
 #include <sys/inotify.h>
-#include <time.h>
 #include <unistd.h>
+
+#include <algorithm>
 
 #include "complain.h"
 #include "diag_msg.h"
+#include "events.h"
 #include "indication_wire.h"
 
 namespace mobile_ap {
 namespace {
 
 constexpr size_t kListenerStackBytes = size_t{2} << 20;
-constexpr int kRoundMs = 200;
 constexpr int kBatch = 32;
 
 // Kept are the newest ones, however old, and all young ones, up to a number that no listener should fall behind.
@@ -34,13 +35,6 @@ DELETE FROM indication WHERE id <= (SELECT coalesce(
      WHERE id = min(oldest + ? - 1, newest - ?) AND time < strftime('%Y-%m-%dT%H:%M:%fZ', 'now', '-60 seconds')),
     newest - ?) FROM ends)
 )";
-
-int64_t now_ms()
-{
-    timespec now = {};
-    clock_gettime(CLOCK_REALTIME, &now);
-    return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
-}
 
 }  // namespace
 
@@ -135,7 +129,7 @@ void Listener::listen()
     watch_file();
     pollfd wait[2] = {{stop_event_, POLLIN, 0}, {watch_, POLLIN, 0}};
     while (!stopping_) {
-        poll(wait, 2, kRoundMs);
+        poll(wait, 2, wait_ms_);
         char events[4096];
         while (watch_ >= 0 && read(watch_, events, sizeof events) > 0) {
         }
@@ -196,6 +190,8 @@ std::vector<Listener::Pending> Listener::next_batch()
                       .value_or(0);
         elsewhere_ = false;
     }
+    if (is_overdue(db_)) carry_out_due(db_);
+    wait_ms_ = static_cast<int>(std::clamp<int64_t>(next_due_ms(db_) - now, 0, kRoundMs));
     std::vector<Pending> batch = read_batch();
     was_read_ = true;
     in_place_ms_ = now;

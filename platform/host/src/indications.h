@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "database.h"
 #include "qcmap_client.h"
 #include "qcmap_indications.h"
+#include "store.h"
 
 namespace mobile_ap {
 
@@ -32,7 +32,7 @@ uint32_t mobile_ap_handle(Database& db);
 // Id of the newest indication; what is younger is delivered.
 int64_t newest_indication(Database& db);
 
-// The thread that delivers.
+// The thread that delivers, and carries out what is due meanwhile (events.h).
 class Listener {
 public:
     Listener(client_status_ind_t callback, void* user) : callback_(callback), user_(user) {}
@@ -49,6 +49,8 @@ public:
     void stop();  // returns when the last callback has returned
 
 private:
+    static constexpr int kRoundMs = 200;
+
     static void* run(void* listener);
     void listen();
     void watch_file() const;
@@ -67,7 +69,7 @@ private:
     const client_status_ind_t callback_;
     void* const user_;
     std::string path_;
-    Database db_;
+    Store db_;
     int64_t newest_ = 0;
     int64_t in_place_ms_ = 0;  // when the database was last seen in its place
     bool was_read_ = false;
@@ -78,6 +80,7 @@ private:
     std::atomic<bool> stopping_{false};
     int stop_event_ = -1;
     int watch_ = -1;
+    int wait_ms_ = kRoundMs;  // until something is due, or until the next round
 };
 
 }  // namespace mobile_ap
