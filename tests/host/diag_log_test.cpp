@@ -285,7 +285,7 @@ TEST_F(DiagLogHostTest, ThreadsThatBeginTogetherOpenOneFile)
 
 // ---- a log that cannot be written costs log lines, never the work ----
 
-// What a log in trouble is tried with: a setting, with two records of its own around it. Returns 0 when it is made.
+// What a log in trouble is tried with: a setting, and the records of its methods. Returns 0 when it is made.
 int change_a_setting()
 {
     setenv("MOBILE_AP_LOG_LEVEL", "debug", 1);
@@ -528,7 +528,6 @@ TEST_F(DiagLogHostTest, WhatFindsNoRoomIsCounted)
         << late;
 }
 
-// As a child in a pipe line gets it.
 TEST_F(DiagLogHostTest, APendingSignalOfTheProgramStaysPending)
 {
     Pipe err_pipe;

@@ -134,12 +134,17 @@ bool Session::run(const char* name, Access access, qmi_error_type_v01* err, cons
     });
 }
 
+// Opens the database that has taken the place of the one that was open.
+void Session::follow_database()
+{
+    if (!store_.replaced()) return;
+    const std::string problem = open_state(store_, folder_);
+    if (!problem.empty()) throw DatabaseError{SQLITE_CANTOPEN, problem};
+}
+
 Session::Outcome Session::perform(Access access, const Body& body, unsigned int hold_ms)
 {
-    if (store_.replaced()) {
-        const std::string problem = open_state(store_, folder_);
-        if (!problem.empty()) throw DatabaseError{SQLITE_CANTOPEN, problem};
-    }
+    follow_database();
     return on_current_state(store_, access, [&](Transaction& transaction) -> Outcome {
         if (is_away(store_)) return {false, QMI_ERR_INTERNAL_V01};
         Ending ending = {true, QMI_ERR_NONE_V01, true};
@@ -184,6 +189,7 @@ bool Session::enable(qmi_error_type_v01* err)
         if (!sleep_ms(fault.hold_ms)) return {false, QMI_ERR_ABORTED_V01};
         if (listener_.is_running()) return {true, QMI_ERR_NONE_V01};
         const std::lock_guard<std::mutex> lock(one_at_a_time_);
+        follow_database();
         return on_current_state(store_, Access::kRead, [&](Transaction&) -> Outcome {
             if (is_away(store_)) return {false, QMI_ERR_INTERNAL_V01};
             const bool started = listener_.start(store_.path(), newest_indication(store_));
