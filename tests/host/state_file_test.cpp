@@ -331,11 +331,13 @@ TEST_F(StateFileTest, EmptyDatabaseBesideItsLogIsDamaged)
     EXPECT_EQ(works(), "");
     std::ofstream(database(), std::ios::trunc).flush();
     std::ofstream(database() + "-wal") << "all that is left";
+    ASSERT_EQ(chmod((database() + "-wal").c_str(), 0644), 0);
     const std::string told_of_it = refused();
     const std::string aside = database() + file_beginning("mobile_ap.db.corrupt-").substr(strlen("mobile_ap.db"));
     EXPECT_EQ(told_of_it, not_ready("damaged (it is empty beside its log); set aside as " + aside +
                                     ", a factory-fresh one takes its place"));
     EXPECT_EQ(read_file(aside + "-wal"), "all that is left");
+    EXPECT_EQ(mode(aside + "-wal"), 0600u);
     EXPECT_EQ(works(), "");
 }
 
@@ -527,6 +529,13 @@ TEST_F(StateFileTest, OnlyFilesAreOpened)
         }
         if (was_there) fs::rename(folder + "/away", path);
     }
+    fs::rename(database(), folder + "/away");
+    fs::remove(database() + "-shm");
+    ASSERT_EQ(mkfifo((database() + "-shm").c_str(), 0600), 0);
+    EXPECT_EQ(refused(), not_ready("mobile_ap.db-shm: a FIFO, not a file")) << "not even where one is made";
+    EXPECT_TRUE(fs::is_fifo(database() + "-shm"));
+    fs::remove(database() + "-shm");
+    fs::rename(folder + "/away", database());
     EXPECT_EQ(read_file(outside), "precious");
     EXPECT_EQ(works(), "");
 }

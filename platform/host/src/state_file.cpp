@@ -124,6 +124,7 @@ void rename_file(const std::string& from, const std::string& to)
 void move_logs(const std::string& from, const std::string& to, bool is_open)
 {
     for (const char* log : kLogs) {
+        keep_private(from + log);
         if (is_open ? lies_there(from + log) : holds_something(from, log))
             rename_file(from + log, to + log);
         else
@@ -134,6 +135,7 @@ void move_logs(const std::string& from, const std::string& to, bool is_open)
 // The logs go first: without their database they would be taken for stale ones.
 void rename_database(const std::string& from, const std::string& to)
 {
+    keep_private(from);
     move_logs(from, to, !who_has_open(from).empty());
     rename_file(from, to);
 }
