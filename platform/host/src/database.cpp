@@ -36,7 +36,7 @@ std::string without_links(const std::string& path)
     char folder[PATH_MAX];
     if (realpath((folder_of(path) + "/").c_str(), folder) == nullptr)
         throw DatabaseError{SQLITE_CANTOPEN, errno_text(errno)};
-    const std::string whole = folder + path.substr(path.rfind('/'));
+    std::string whole = folder + path.substr(path.rfind('/'));
     const size_t room = static_cast<size_t>(sqlite3_vfs_find(nullptr)->mxPathname);
     if (whole.size() + sizeof "-journal" - 1 > room)
         throw DatabaseError{SQLITE_CANTOPEN, "the path is too long for SQLite"};
@@ -179,7 +179,7 @@ void Database::open(const std::string& path)
     open(path, lock);
     try {
         run_script("PRAGMA schema_version");  // opens the logs
-    } catch (const DatabaseError&) {
+    } catch (...) {
         close();
         throw;
     }

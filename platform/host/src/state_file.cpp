@@ -52,7 +52,7 @@ constexpr const char* kLogs[] = {"-journal", "-wal", "-shm"};
 // What lies where the database should.
 struct Finding {
     enum Kind { kNothing, kWhole, kOtherVersion, kDamage } kind;
-    std::string words = "";  // of damage
+    std::string words{};  // of damage
     int version = 0;
 };
 

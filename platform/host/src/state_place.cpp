@@ -84,11 +84,10 @@ StatePlace find_state_place()
     struct stat info = {};
     // The folder that we make is for the user alone, and stays so; one that was named, or linked to, is left as it is.
     if (!is_named && lstat(place.path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) close_to_others(place.path, info);
-    if (stat(place.path.c_str(), &info) != 0)
-        place.problem = errno_text(errno);
-    else if (!S_ISDIR(info.st_mode))
+    const bool is_there = stat(place.path.c_str(), &info) == 0;
+    if (is_there && !S_ISDIR(info.st_mode))
         place.problem = "not a folder";
-    else if (faccessat(AT_FDCWD, place.path.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+    else if (!is_there || faccessat(AT_FDCWD, place.path.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
         place.problem = errno_text(errno);
     return place;
 }
