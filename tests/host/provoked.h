@@ -1,4 +1,4 @@
-// What the tests of provocations share: a state that they provoke from inside, and a clock that they can move.
+// What the tests of provocations share: a state that they provoke from inside, and a clock that stands.
 #ifndef PROVOKED_H
 #define PROVOKED_H
 
@@ -7,9 +7,9 @@
 #include "calls.h"
 #include "events.h"
 #include "host_fixture.h"
-#include "moved_clock.h"
 #include "provocations.h"
 #include "state_file.h"
+#include "stopped_clock.h"
 #include "store.h"
 
 class ProvokedTest : public HostTest {
@@ -21,7 +21,8 @@ protected:
     ProvokedTest()
     {
         HostTest::SetUp();
-        clock_is_ahead_ms = 0;
+        clock_stands_at_ms = 0;
+        clock_stands_at_ms = mobile_ap::now_ms();
         EXPECT_EQ(mobile_ap::open_state(db, folder), "");
     }
     void SetUp() override {}
@@ -58,7 +59,7 @@ protected:
     }
     static void let_pass(int64_t milliseconds)
     {
-        clock_is_ahead_ms += milliseconds;
+        clock_stands_at_ms += milliseconds;
     }
     // All that a session has been told since this was last asked.
     std::string told(Heard& heard)

@@ -305,10 +305,9 @@ void dial(Store& db, int64_t at, const Call& call, Dialled by)
 // What is not up yet goes at once: the network has nothing to give back then.
 void hang_up(Store& db, int64_t at, const Call& call)
 {
-    const bool is_up = state_of(db, call) == "up";
-    const int64_t delay = is_up ? call_delay(db, call.profile) : 0;
     tell_status(db, call, call.family.disconnecting);
-    if (is_up) {
+    if (state_of(db, call) == "up") {
+        const int64_t delay = call_delay(db, call.profile);
         enter(db, call, "disconnecting", at + delay);
         if (delay == 0) end_disconnecting(db, at, call);
         return;
