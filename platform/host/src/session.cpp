@@ -187,11 +187,11 @@ bool Session::enable(qmi_error_type_v01* err)
     return with_faults("EnableMobileAP_Ext", err, [&](const Misbehaviour& fault) -> Outcome {
         if (!ready_) return {false, QMI_ERR_INTERNAL_V01};
         if (!sleep_ms(fault.hold_ms)) return {false, QMI_ERR_ABORTED_V01};
-        if (listener_.is_running()) return {true, QMI_ERR_NONE_V01};
         const std::lock_guard<std::mutex> lock(one_at_a_time_);
         follow_database();
         return on_current_state(store_, Access::kRead, [&](Transaction&) -> Outcome {
             if (is_away(store_)) return {false, QMI_ERR_INTERNAL_V01};
+            if (listener_.is_running()) return {true, QMI_ERR_NONE_V01};
             const bool started = listener_.start(store_.path(), newest_indication(store_));
             return {started, started ? QMI_ERR_NONE_V01 : QMI_ERR_NO_MEMORY_V01};
         });
