@@ -1,4 +1,5 @@
-// The command's words, one a line: the dispatcher and its handlers on the scripted double.
+// The command's words, one a line: the dispatcher and its handlers on the scripted double. A line that begins with !
+// names a platform method that fails.
 #include <dispatch.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -32,6 +33,8 @@ extern "C" int LLVMFuzzerInitialize(int* /* argc */, char*** /* argv */)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
+    scripted::Platform& platform = scripted::platform();
+    platform.reset();
     // Each word ends where its memory ends.
     std::vector<std::unique_ptr<char[]>> words;
     std::vector<char*> argv;
@@ -39,18 +42,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     for (size_t begin = 0; begin <= text.size();) {
         const size_t end = std::min(text.find('\n', begin), text.size());
         const std::string word = text.substr(begin, end - begin).c_str();  // as far as a word of a process can go
+        begin = end + 1;
+        if (word[0] == '!') {
+            platform.on(word.substr(1)).fails(QMI_ERR_INTERNAL_V01);
+            continue;
+        }
         words.push_back(std::make_unique<char[]>(word.size() + 1));
         std::memcpy(words.back().get(), word.c_str(), word.size() + 1);
         argv.push_back(words.back().get());
-        begin = end + 1;
     }
     if (argv.size() < 3) return -1;
     const int argc = static_cast<int>(argv.size());
     argv.push_back(nullptr);
 
-    scripted::Platform& platform = scripted::platform();
-    platform.reset();
-    fuzz::expect(zr_nexa_client_init(nullptr) == 0);
+    zr_nexa_client_init(nullptr);
     cli::zr_nexa_dispatch(argc, argv.data());
     zr_nexa_client_uninit();
     fuzz::expect(platform.objects == 0);

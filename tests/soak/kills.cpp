@@ -118,7 +118,7 @@ private:
         for (uint32_t worker = 0; worker < workers; ++worker) {
             CallPlan plan;
             // A few of the calls beyond the last: some live on.
-            if (how == kByCalls) plan.dies_at = 1 + static_cast<int>(pick(random_, start == kWhole ? 60 : 120));
+            if (how == kByCalls) plan.dies_at = 1 + static_cast<int>(pick(random_, start == kWhole ? 60 : 300));
             processes.push_back(start_process(
                 [&, plan] {
                     plan_calls(plan);

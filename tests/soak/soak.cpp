@@ -46,16 +46,18 @@ void send_stderr_to(const char* path)
 
 void report(const Task& task, const std::string& state, const std::string& what)
 {
-    constexpr int kKept = 20;  // of each process
+    constexpr int kMost = 20;  // of each process
     static int reports = 0;
-    std::string kept = "not kept";
-    if (++reports <= kKept && !state.empty()) {
-        kept = task.folder + "/found." + std::to_string(getpid()) + "." + std::to_string(reports);
+    if (++reports > kMost) return;
+    std::string line = "  " + what.substr(0, what.find('\n'));
+    if (!state.empty()) {
+        const std::string kept = task.folder + "/found." + std::to_string(getpid()) + "." + std::to_string(reports);
         std::error_code error;
         std::filesystem::copy(state, kept, std::filesystem::copy_options::recursive, error);
+        line += " (" + kept + ")";
     }
-    const std::string line = what.substr(0, what.find('\n'));
-    std::printf("  %s (%s)\n", line.c_str(), kept.c_str());
+    if (reports == kMost) line += "; more are counted only";
+    std::printf("%s\n", line.c_str());
     std::fflush(stdout);
 }
 

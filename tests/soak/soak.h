@@ -80,7 +80,7 @@ int wait_for_process(pid_t process);
 // What this process and its children say on standard error goes into this file from now on.
 void send_stderr_to(const char* path);
 
-// Says on standard output what was found, and keeps the state folder beside the part's own for a look at it.
+// Says on standard output what was found, and keeps a copy of the state folder, if there is one, for a look at it.
 void report(const Task& task, const std::string& state, const std::string& what);
 
 }  // namespace soak

@@ -15,7 +15,6 @@ using mobile_ap::Store;
 
 constexpr uint32_t kWriters = 64;
 constexpr uint32_t kWrites = 1000;
-constexpr uint32_t kWritesOfAShortRun = 50;
 constexpr uint32_t kAll = kWriters;  // the row that all share
 
 struct Writer {
@@ -38,14 +37,14 @@ bool write_once(mobile_ap::Session& session, uint32_t writer, Writer& own)
     return done;
 }
 
-int write_all(const std::string& folder, uint32_t writer, uint32_t writes, std::atomic<uint32_t>& ready, Writer& own)
+int write_all(const std::string& folder, uint32_t writer, std::atomic<uint32_t>& ready, Writer& own)
 {
     setenv("MOBILE_AP_STATE", folder.c_str(), 1);
     mobile_ap::Session session(nullptr, nullptr);
     if (!session.is_ready()) return static_cast<int>(kNeverReady);
     for (++ready; ready < kWriters;)
         mobile_ap::sleep_ms(1);
-    while (own.done < writes)
+    while (own.done < kWrites)
         ++(write_once(session, writer, own) ? own.done : own.gave_up);
     return 0;
 }
@@ -94,12 +93,8 @@ bool writers(const Task& task)
         Shared<Common> common;
         std::vector<pid_t> processes;
         for (uint32_t writer = 0; writer < kWriters; ++writer) {
-            processes.push_back(start_process(
-                [&] {
-                    return write_all(folder, writer, task.full ? kWrites : kWritesOfAShortRun, common->ready,
-                                     common->writers[writer]);
-                },
-                600));
+            processes.push_back(
+                start_process([&] { return write_all(folder, writer, common->ready, common->writers[writer]); }, 600));
         }
         for (const pid_t process : processes)
             totals.crashed += wait_for_process(process) != 0 ? 1u : 0u;
