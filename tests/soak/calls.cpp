@@ -9,9 +9,11 @@
 #include <stdio.h>
 #include <sys/inotify.h>
 #include <sys/mman.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <random>
 
 namespace soak {
 namespace {
@@ -21,15 +23,31 @@ std::atomic<int> made[kCallKinds];
 std::atomic<int> made_in_all;
 std::atomic<int> failed;
 
-bool is_last()
+// Mostly around the few calls by which files come, go and change their names: what others do meanwhile is what matters.
+void linger(CallKind kind)
 {
-    return plan.dies_at != 0 && ++made_in_all == plan.dies_at;
+    constexpr long kLongestNs = 5000000;
+    if (plan.lingers == 0) return;
+    thread_local std::minstd_rand random(plan.lingers);
+    const bool changes_names = kind == CallKind::kOpen || kind == CallKind::kName;
+    if (random() % (changes_names ? 4 : 40) != 0) return;
+    const timespec moment = {0, static_cast<long>(random()) % kLongestNs};
+    nanosleep(&moment, nullptr);
+}
+
+int opened(int fd)
+{
+    const int error = errno;
+    linger(CallKind::kOpen);
+    errno = error;
+    return fd;
 }
 
 // Counts a call. True: it is to fail with plan.error, which stands in errno.
 bool fails(CallKind kind)
 {
-    if (is_last()) raise(SIGKILL);
+    if (++made_in_all == plan.dies_at) raise(SIGKILL);
+    linger(kind);
     const int number = ++made[static_cast<int>(kind)];
     const bool reached = plan.from_then_on ? number >= plan.fails_at : number == plan.fails_at;
     if (plan.fails_at == 0 || kind != plan.kind || !reached) return false;
@@ -70,6 +88,7 @@ int calls_failed()
 using soak::CallKind;
 using soak::fails;
 using soak::next;
+using soak::opened;
 
 extern "C" {
 
@@ -80,7 +99,7 @@ int open(const char* path, int flags, ...)
     va_start(more, flags);
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(more, mode_t) : 0;
     va_end(more);
-    return fails(CallKind::kOpen) ? -1 : real(path, flags, mode);
+    return fails(CallKind::kOpen) ? -1 : opened(real(path, flags, mode));
 }
 
 int open64(const char* path, int flags, ...)
@@ -90,7 +109,7 @@ int open64(const char* path, int flags, ...)
     va_start(more, flags);
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(more, mode_t) : 0;
     va_end(more);
-    return fails(CallKind::kOpen) ? -1 : real(path, flags, mode);
+    return fails(CallKind::kOpen) ? -1 : opened(real(path, flags, mode));
 }
 
 int openat(int folder, const char* path, int flags, ...)
@@ -100,7 +119,7 @@ int openat(int folder, const char* path, int flags, ...)
     va_start(more, flags);
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(more, mode_t) : 0;
     va_end(more);
-    return fails(CallKind::kOpen) ? -1 : real(folder, path, flags, mode);
+    return fails(CallKind::kOpen) ? -1 : opened(real(folder, path, flags, mode));
 }
 
 ssize_t write(int fd, const void* data, size_t size)
@@ -112,7 +131,7 @@ ssize_t write(int fd, const void* data, size_t size)
 ssize_t pwrite64(int fd, const void* data, size_t size, off64_t place)
 {
     static auto* const real = next<ssize_t(int, const void*, size_t, off64_t)>("pwrite64");
-    if (soak::plan.dies_at != 0 && soak::made_in_all + 1 == soak::plan.dies_at) real(fd, data, size / 2, place);
+    if (soak::made_in_all + 1 == soak::plan.dies_at) real(fd, data, size / 2, place);
     return fails(CallKind::kWrite) ? -1 : real(fd, data, size, place);
 }
 

@@ -1,7 +1,9 @@
 // The C library's calls that change files, as the host platform and SQLite make them in this program: one of them can
-// be made to fail, or to be the last that the process makes.
+// be made to fail, to come late, or to be the last that the process makes.
 #ifndef SOAK_CALLS_H
 #define SOAK_CALLS_H
+
+#include <stdint.h>
 
 namespace soak {
 
@@ -9,7 +11,8 @@ enum class CallKind { kOpen, kWrite, kSync, kSize, kName, kMap };
 constexpr int kCallKinds = 6;
 
 struct CallPlan {
-    int dies_at = 0;  // of all these calls; 0: at none. A write is half made.
+    int dies_at = 0;       // of all these calls; 0: at none. A write is half made.
+    uint32_t lingers = 0;  // not 0: around some of them it waits for a moment; of what is random in that, the seed
     CallKind kind = CallKind::kOpen;
     int fails_at = 0;  // of the kind's; 0: none
     int error = 0;

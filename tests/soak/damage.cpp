@@ -167,7 +167,7 @@ public:
         ++totals_.variants;
         if (finding.empty()) return;
         ++totals_.findings;
-        report(task_, state_, finding + ": " + damage.name + ", variant " + std::to_string(number));
+        report(task_, state_, std::string(damage.name) + ", variant " + std::to_string(number) + ": " + finding);
     }
 
 private:

@@ -79,10 +79,11 @@ public:
 
     void round()
     {
-        const auto start = static_cast<Start>(pick(random_, kStarts));
+        constexpr Start kOften[] = {kNothing, kDamaged, kDamaged, kOtherVersion, kOtherVersion, kWhole};
+        const Start start = kOften[pick(random_, std::size(kOften))];
         prepare(start);
         const std::string before = start == kDamaged || start == kOtherVersion ? read_file(database_of(state_)) : "";
-        const uint32_t workers = pick(random_, 2) == 0 ? 1 : 2 + static_cast<uint32_t>(pick(random_, kCrowd - 1));
+        const uint32_t workers = pick(random_, 3) == 0 ? 1 : 2 + static_cast<uint32_t>(pick(random_, kCrowd - 1));
         Shared<std::array<Told, kCrowd>> told;
         const std::string ended = run(told->data(), workers, start);
         ++counts_.rounds;
@@ -113,12 +114,14 @@ private:
     std::string run(Told* told, uint32_t workers, Start start)
     {
         std::vector<pid_t> processes;
-        enum How { kByTime, kByCalls, kNot };
-        const How how = std::array{kByTime, kByTime, kByCalls, kByCalls, kNot}[pick(random_, 5)];
+        enum How { kByTime, kByCalls, kNot, kHows };
+        const auto how = static_cast<How>(pick(random_, kHows));
         for (uint32_t worker = 0; worker < workers; ++worker) {
             CallPlan plan;
             // A few of the calls beyond the last: some live on.
             if (how == kByCalls) plan.dies_at = 1 + static_cast<int>(pick(random_, start == kWhole ? 60 : 300));
+            // While one lingers, others go past it.
+            if (pick(random_, 2) == 0) plan.lingers = 1 + static_cast<uint32_t>(pick(random_, 1000000));
             processes.push_back(start_process(
                 [&, plan] {
                     plan_calls(plan);
