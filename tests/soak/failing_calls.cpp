@@ -174,7 +174,8 @@ bool failing_calls(const Task& task)
     for (const pid_t worker : workers)
         good = wait_for_process(worker) == 0 && good;
     std::printf(
-        "calls: %llu runs with %llu failing calls, the 1st to the %dth of each kind (%s): %llu methods refused, %llu "
+        "calls: %llu runs with %llu failing calls, up to the one numbered %d of each kind (%s): %llu methods refused, "
+        "%llu "
         "times not ready, %llu findings\n",
         static_cast<unsigned long long>(totals->runs), static_cast<unsigned long long>(totals->failures),
         totals->last.load(), totals->all ? "all there are" : "more there are, but no time",
