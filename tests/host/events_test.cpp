@@ -1,6 +1,8 @@
 // What happens at a time: in order, once, before anybody sees the state, and without a word of anybody.
 #include "events.h"
 
+#include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include "provoked.h"
@@ -90,12 +92,14 @@ TEST_F(EventsHostTest, EventsHappenInOrderOfTimeAndThenOfTheirLines)
               {1000, "call drop 1 --family 4 --reason 0:2"},
               // At the time of both redials: events from outside come first.
               {4000, "call refuse 1 --family 4 --reason 0:5"}});
+    std::string all_told;
     EXPECT_EQ(stderr_of([&] {
                   let_pass(4000);
                   EXPECT_EQ(status(client), "6 9");
+                  all_told = told(heard);
               }),
               "mobile-AP event \"call drop 1 --family 4 --reason 0:4\": no such call\n");
-    EXPECT_EQ(told(heard),
+    EXPECT_EQ(all_told,
               "35:12:1/0:1 36:12:1/0:1 35:6:1/0:2 36:6:1/0:2 36:1:1 34:2:1/0:5 36:2:1/0:5 36:7:1 34:9:1 36:9:1 ");
 }
 
@@ -123,9 +127,11 @@ TEST_F(EventsHostTest, AnEventThatIsRefusedIsToldAndTheOthersHappen)
               {5, "sip add --family 5 --address 10.0.0.1"},
               {6, "call dorp 1"},
               {7, "call drop 1"}});
+    std::string all_told;
     EXPECT_EQ(stderr_of([&] {
                   let_pass(10);
                   EXPECT_EQ(status(client), "6 12");
+                  all_told = told(heard);
               }),
               "mobile-AP event \"call drop 7\": no such profile\n"
               "mobile-AP event \"traffic 1 --family 6 --down 3\": no such call\n"
@@ -133,8 +139,34 @@ TEST_F(EventsHostTest, AnEventThatIsRefusedIsToldAndTheOthersHappen)
               "mobile-AP event \"sip add --bridge 5 --address 10.0.0.1\": no such LAN bridge\n"
               "mobile-AP event \"sip add --family 5 --address 10.0.0.1\": a value is out of range\n"
               "mobile-AP event \"call dorp 1\": \"dorp\" is no word that is known here\n");
-    EXPECT_EQ(told(heard), "35:6:1 36:6:1 ");
+    EXPECT_EQ(all_told, "35:6:1 36:6:1 ");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(status(client), "6 12"); }), "");
+}
+
+// The other process waits for the reader of its standard error. It is made while this one has no database open.
+TEST_F(EventsHostTest, NobodyWaitsForWhoIsToldOfARefusedEvent)
+{
+    schedule({{-1, "call drop 7"}});
+    db.close();
+    int told_to[2];
+    ASSERT_EQ(pipe2(told_to, O_NONBLOCK), 0);
+    while (write(told_to[1], "", 1) == 1) {
+    }
+    fcntl(told_to[1], F_SETFL, 0);
+    const pid_t other = start_child([&] {
+        dup2(told_to[1], STDERR_FILENO);
+        QuietClient quiet;
+        return status(quiet) == "6 12" ? 0 : 1;
+    });
+    ASSERT_EQ(mobile_ap::open_state(db, folder), "");
+    const auto events = [&] { return db.one<int>("SELECT count(*) FROM event").value_or(-1); };
+    for (int i = 0; i < 500 && events() != 0; ++i)
+        usleep(10000);
+    EXPECT_EQ(events(), 0);
+    kill(other, SIGKILL);
+    wait_child(other);
+    close(told_to[0]);
+    close(told_to[1]);
 }
 
 TEST_F(EventsHostTest, WordsAreKeptAsTheyAre)
