@@ -607,6 +607,29 @@ TEST_F(StateFileTest, LaterFileFormatIsSetAside)
 
 // ---- snapshots ----
 
+// SQLite takes any text for a definition that it can read.
+TEST_F(StateFileTest, TablesThatAreNotAsTheyWereMadeAreDamage)
+{
+    EXPECT_EQ(works(), "");
+    EXPECT_EQ(Foreign(database()).run("CREATE TABLE mine (a); CREATE INDEX by_a ON mine (a)"), SQLITE_OK);
+    EXPECT_EQ(works(), "");
+    EXPECT_EQ(Foreign(database())
+                  .run("PRAGMA writable_schema = ON; UPDATE sqlite_schema SET sql ="
+                       " replace(sql, 'handle INTEGER', 'candle INTEGER') WHERE name = 'mobile_ap'"),
+              SQLITE_OK);
+    EXPECT_NE(refused().find("damaged (its tables are not as they were made); set aside as "), std::string::npos);
+    EXPECT_EQ(works(), "");
+}
+
+TEST_F(StateFileTest, FormatOfTheTablesThatNobodyKnowsIsDamage)
+{
+    EXPECT_EQ(works(), "");
+    EXPECT_EQ(Foreign(database()).empty_log(), SQLITE_OK);
+    std::fstream(database(), std::ios::binary | std::ios::in | std::ios::out).seekp(47) << "w";
+    EXPECT_NE(refused().find("damaged (unsupported file format); set aside as "), std::string::npos);
+    EXPECT_EQ(works(), "");
+}
+
 TEST_F(StateFileTest, SnapshotOfAnotherLetsTheLogGrowOnlySoFar)
 {
     Session session(nullptr, nullptr);

@@ -190,12 +190,23 @@ std::vector<Listener::Pending> Listener::next_batch()
                       .value_or(0);
         elsewhere_ = false;
     }
-    if (is_overdue(db_)) carry_out_due(db_);
-    wait_ms_ = static_cast<int>(std::clamp<int64_t>(next_due_ms(db_) - now, 0, kRoundMs));
+    see_to_what_is_due();
     std::vector<Pending> batch = read_batch();
     was_read_ = true;
     in_place_ms_ = now;
     return batch;
+}
+
+// What cannot be carried out now, on a full disk say, is tried again with the next round, and stops no delivery.
+void Listener::see_to_what_is_due()
+{
+    wait_ms_ = kRoundMs;
+    try {
+        if (is_overdue(db_)) carry_out_due(db_);
+        wait_ms_ = static_cast<int>(std::clamp<int64_t>(next_due_ms(db_) - mobile_ap::now_ms(), 0, kRoundMs));
+    } catch (const DatabaseError&) {
+        return;
+    }
 }
 
 // What is left to hear in a database that another has taken the place of. Without its log open, the other one's would

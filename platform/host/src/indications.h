@@ -62,6 +62,7 @@ private:
         std::vector<uint8_t> wire;
     };
     std::vector<Pending> next_batch();
+    void see_to_what_is_due();
     std::vector<Pending> rest_of_replaced();
     std::vector<Pending> read_batch();
     void tell_missed(int64_t count) const;

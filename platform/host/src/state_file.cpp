@@ -31,19 +31,25 @@ CREATE TABLE IF NOT EXISTS indication (
 );
 )";
 
+const std::string& all_schemas()
+{
+    static const std::string text = [] {
+        std::string all = kIndicationSchema;
+        for (const char* const* schema : kServiceSchemas)
+            all += *schema;
+        for (const char* const* schema : kAreaSchemas)
+            all += *schema;
+        return all;
+    }();
+    return text;
+}
+
 // Changes with every word of the table definitions, so that no program works on tables it does not know.
 int schema_version()
 {
     uint32_t hash = 2166136261u;
-    auto add = [&hash](const char* text) {
-        for (; *text != '\0'; ++text)
-            hash = (hash ^ static_cast<unsigned char>(*text)) * 16777619u;
-    };
-    add(kIndicationSchema);
-    for (const char* const* schema : kServiceSchemas)
-        add(*schema);
-    for (const char* const* schema : kAreaSchemas)
-        add(*schema);
+    for (const char c : all_schemas())
+        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
     return static_cast<int>(hash & 0x7fffffffu) | 1;
 }
 
@@ -62,10 +68,26 @@ bool is_fresh(Database& db)
            db.one<int>("SELECT count(*) FROM sqlite_schema").value_or(0) == 0;
 }
 
+// Every definition of ours stands in the database as it was given, which SQLite does not check. What others have added
+// is theirs.
+bool has_all_tables(Database& db)
+{
+    const std::string start = " IF NOT EXISTS ";
+    const std::string& wanted = all_schemas();
+    int missing = 0;
+    for (size_t place = wanted.find(start); place != std::string::npos; place = wanted.find(start, place + 1))
+        ++missing;
+    Query q = db.query("SELECT substr(sql, instr(substr(sql, 8), ' ') + 8) FROM sqlite_schema WHERE sql IS NOT NULL");
+    while (q.next())
+        if (wanted.find(start + q.get<std::string>(0) + ";") != std::string::npos) --missing;
+    return missing == 0;
+}
+
+// The statements are ours and right, so one that makes no sense meets a file that does not.
 bool means_damage(int code)
 {
     const int kind = code & 0xff;
-    return kind == SQLITE_CORRUPT || kind == SQLITE_NOTADB;
+    return kind == SQLITE_CORRUPT || kind == SQLITE_NOTADB || kind == SQLITE_ERROR;
 }
 
 bool lies_there(const std::string& path)
@@ -109,6 +131,8 @@ Finding look(Database& db, const std::string& path, const FolderLock& lock)
         const std::string verdict = db.one<std::string>("PRAGMA quick_check(1)").value_or("no answer");
         if (verdict != "ok") return {Finding::kDamage, verdict};
         const int version = db.one<int>("PRAGMA user_version").value_or(0);
+        if (version == schema_version() && !has_all_tables(db))
+            return {Finding::kDamage, "its tables are not as they were made"};
         if (version == schema_version()) return {Finding::kWhole};
         return is_fresh(db) ? Finding{Finding::kNothing} : Finding{Finding::kOtherVersion, "", version};
     } catch (const DatabaseError& error) {
@@ -218,11 +242,7 @@ void make_tables(Database& db)
 {
     db.run_script("PRAGMA journal_mode = MEMORY");
     Transaction making(db, Access::kWrite);
-    db.run_script(kIndicationSchema);
-    for (const char* const* schema : kServiceSchemas)
-        db.run_script(*schema);
-    for (const char* const* schema : kAreaSchemas)
-        db.run_script(*schema);
+    db.run_script(all_schemas().c_str());
     db.run_script(("PRAGMA user_version = " + std::to_string(schema_version())).c_str());
     making.commit();
     db.run_script("PRAGMA journal_mode = WAL");
