@@ -12,6 +12,7 @@ namespace {
 struct Step {
     std::string line;                    // as documented, without "$ "
     std::vector<std::string> variables;  // NAME=value words in front
+    std::string program;                 // zr_nexa, in one way or another, or mobile_ap_ctl
     std::vector<std::string> words;
     std::string output;
 };
@@ -52,24 +53,27 @@ std::vector<std::string> shell_words(const std::string& line)
 
 Step step_of(const std::string& line)
 {
-    Step step{line, {}, shell_words(line), ""};
+    Step step{line, {}, "", shell_words(line), ""};
     while (!step.words.empty() && step.words[0].find('=') != std::string::npos) {
         step.variables.push_back(step.words[0]);
         step.words.erase(step.words.begin());
     }
-    if (step.words.empty() || (step.words[0] != "zr_nexa" && step.words[0] != "scripts/run")) {
+    const std::set<std::string> known = {"zr_nexa", "scripts/run", "mobile_ap_ctl"};
+    if (step.words.empty() || known.count(step.words[0]) == 0) {
         step.words.assign({"(not a command of the tool)"});
     } else {
+        step.program = step.words[0];
         step.words.erase(step.words.begin());
     }
     return step;
 }
 
-// Every line ends in carriage return and line feed but those of a connected WAN Info, which end in line feed.
-std::string as_printed(const std::vector<std::string>& lines)
+// Every line of zr_nexa ends in carriage return and line feed but those of a connected WAN Info, which end in line
+// feed, as all of mobile_ap_ctl do.
+std::string as_printed(const Step& step, const std::vector<std::string>& lines)
 {
     std::string output;
-    bool info = false;
+    bool info = step.program == "mobile_ap_ctl";
     for (const auto& line : lines) {
         if (line == "CMD OK") info = false;
         output += line + (info ? "\n" : "\r\n");
@@ -107,7 +111,7 @@ std::vector<Session> documented_sessions()
             const bool ends = line == "```";
             const bool command = line.rfind("$ ", 0) == 0;
             if ((ends || command) && !steps.empty() && !printed.empty()) {
-                steps.back().output = as_printed(printed);
+                steps.back().output = as_printed(steps.back(), printed);
                 printed.clear();
             }
             if (ends) {
@@ -134,6 +138,7 @@ TEST(Transcripts, AreWhatTheToolPrints)
             SCOPED_TRACE("$ " + step.line);
             ToolOptions options{state.path()};
             options.variables = step.variables;
+            if (step.program == "mobile_ap_ctl") options.program = ZR_NEXA_MOBILE_AP_CTL;
             const ToolRun seen = run_tool(step.words, options);
             EXPECT_EQ(seen.out, step.output);
             EXPECT_EQ(seen.err, "");

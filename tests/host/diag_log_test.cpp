@@ -1,9 +1,14 @@
 #include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
 #include <signal.h>
 #include <string.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/time.h>
 #include <sys/un.h>
+#include <termios.h>
 #include <time.h>
 
 #include <algorithm>
@@ -11,6 +16,7 @@
 #include <chrono>
 #include <regex>
 #include <thread>
+#include <utility>
 
 #include "diag_msg.h"
 #include "host_fixture.h"
@@ -277,35 +283,350 @@ TEST_F(DiagLogHostTest, ThreadsThatBeginTogetherOpenOneFile)
     }
 }
 
-// A write that a signal interrupts would lose its line.
-TEST_F(DiagLogHostTest, SignalsCostNoLineWhereTheReaderIsSlow)
+// ---- a log that cannot be written costs log lines, never the work ----
+
+// What a log in trouble is tried with: a setting, and the records of its methods. Returns 0 when it is made.
+int change_a_setting()
 {
-    constexpr int kLines = 2000;
+    setenv("MOBILE_AP_LOG_LEVEL", "debug", 1);
+    qmi_error_type_v01 err = QMI_ERR_INTERNAL_V01;
+    OpenClient client;
+    return client.open && client.SetUPNPNotifyInterval(77, &err) ? 0 : 1;
+}
+
+// Its exit status as wait_child() tells it, or -1 when it hangs.
+int wait_child_a_while(pid_t child)
+{
+    int status = 0;
+    for (int round = 0; round < 1000; ++round) {
+        if (waitpid(child, &status, WNOHANG) == child)
+            return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+    return -1;
+}
+
+struct Pipe {
+    Pipe()
+    {
+        EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    }
+    ~Pipe()
+    {
+        close_reader();
+        close_writer();
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+    void close_reader()
+    {
+        close(std::exchange(ends[0], -1));
+    }
+    void close_writer()
+    {
+        close(std::exchange(ends[1], -1));
+    }
+    int reader() const
+    {
+        return ends[0];
+    }
+    int writer() const
+    {
+        return ends[1];
+    }
     int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    const pid_t child = start_child([&] {
-        dup2(ends[1], STDERR_FILENO);
-        close(ends[0]);
-        close(ends[1]);
-        setenv("MOBILE_AP_LOG", "stderr", 1);
-        struct sigaction action = {};
-        action.sa_handler = [](int) {};
-        sigaction(SIGALRM, &action, nullptr);
-        const itimerval often = {{0, 1000}, {0, 1000}};
-        setitimer(ITIMER_REAL, &often, nullptr);
-        for (int n = 0; n < kLines; ++n)
-            write_info(n, "x");
-        return 0;
-    });
-    close(ends[1]);
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));  // the pipe is full by then
+};
+
+void fill(int fd)
+{
+    const int flags = fcntl(fd, F_GETFL);
+    fcntl(fd, F_SETFL, flags | O_NONBLOCK);
+    for (const size_t size : {size_t{4096}, size_t{1}})
+        while (write(fd, std::string(size, '.').data(), size) > 0) {
+        }
+    fcntl(fd, F_SETFL, flags);
+}
+
+// What stands in a pipe or FIFO now.
+std::string drain(int fd)
+{
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
     std::string text;
     char part[4096];
-    for (ssize_t got; (got = read(ends[0], part, sizeof part)) > 0;)
+    for (ssize_t got; (got = read(fd, part, sizeof part)) > 0;)
         text.append(part, static_cast<size_t>(got));
+    return text;
+}
+
+// One byte, before long.
+bool comes(int fd)
+{
+    pollfd wait = {fd, POLLIN, 0};
+    char byte = 0;
+    return poll(&wait, 1, 5000) == 1 && read(fd, &byte, 1) == 1;
+}
+
+std::atomic<int> handled{0};
+
+void handle(int number)
+{
+    struct sigaction action = {};
+    action.sa_handler = [](int) { ++handled; };
+    sigaction(number, &action, nullptr);
+}
+
+// With /proc, and where it is not there to find a descriptor by.
+class StderrInTrouble : public DiagLogHostTest, public testing::WithParamInterface<bool> {
+protected:
+    int work_with(const Pipe& err_pipe, const std::function<int()>& work) const
+    {
+        setenv("MOBILE_AP_LOG", "stderr", 1);
+        return wait_child_a_while(start_child([&] {
+            if (!GetParam()) {
+                if (!enter_private_mounts()) return 77;
+                if (mount("tmpfs", "/proc", "tmpfs", 0, nullptr) != 0) return 77;
+            }
+            close(err_pipe.reader());
+            dup2(err_pipe.writer(), STDERR_FILENO);
+            return work();
+        }));
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Proc, StderrInTrouble, testing::Bool());
+
+TEST_P(StderrInTrouble, WithoutAReaderTheWorkIsDone)
+{
+    Pipe err_pipe;
+    err_pipe.close_reader();
+    const int status = work_with(err_pipe, change_a_setting);
+    if (status == 77) GTEST_SKIP() << kNoPrivateMounts;
+    EXPECT_EQ(status, 0);
+}
+
+TEST_P(StderrInTrouble, WithoutAReaderNoHandlerIsCalled)
+{
+    Pipe err_pipe;
+    err_pipe.close_reader();
+    const int status = work_with(err_pipe, [] {
+        handle(SIGPIPE);
+        write_info(1, "x");
+        return handled.load();
+    });
+    if (status == 77) GTEST_SKIP() << kNoPrivateMounts;
+    EXPECT_EQ(status, 0);
+}
+
+TEST_P(StderrInTrouble, FullTheWorkIsDone)
+{
+    Pipe err_pipe;
+    fill(err_pipe.writer());
+    const int status = work_with(err_pipe, change_a_setting);
+    if (status == 77) GTEST_SKIP() << kNoPrivateMounts;
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(fcntl(err_pipe.writer(), F_GETFL) & O_NONBLOCK, 0) << "the flag is the shell's, too";
+    EXPECT_EQ(drain(err_pipe.reader()).find_first_not_of('.'), std::string::npos);
+}
+
+TEST_P(StderrInTrouble, FullOrWithoutAReaderComplaintsAreDropped)
+{
+    for (const bool read : {true, false}) {
+        Pipe err_pipe;
+        fill(err_pipe.writer());
+        if (!read) err_pipe.close_reader();
+        const int status = work_with(err_pipe, [] {
+            setenv("MOBILE_AP_LOG", "nonsense", 1);
+            setenv("MOBILE_AP_STATE", "/no/such/folder", 1);
+            write_info(1, "x");
+            return OpenClient().open ? 1 : 0;
+        });
+        if (status == 77) GTEST_SKIP() << kNoPrivateMounts;
+        EXPECT_EQ(status, 0);
+    }
+}
+
+TEST_P(StderrInTrouble, AStoppedTerminalTheWorkIsDone)
+{
+    Pipe terminal;
+    terminal.close_reader();
+    terminal.close_writer();
+    ASSERT_EQ(openpty(&terminal.ends[0], &terminal.ends[1], nullptr, nullptr, nullptr), 0);
+    ASSERT_EQ(tcflow(terminal.writer(), TCOOFF), 0);
+    const int status = work_with(terminal, change_a_setting);
+    if (status == 77) GTEST_SKIP() << kNoPrivateMounts;
+    EXPECT_EQ(status, 0);
+}
+
+// Each write alone finds some room, but not for the whole line.
+TEST_F(DiagLogHostTest, ATerminalThatNobodyReadsDoesNotStopTheWork)
+{
+    int ends[2];
+    ASSERT_EQ(openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr), 0);
+    const pid_t child = start_child([&] {
+        dup2(ends[1], STDERR_FILENO);
+        setenv("MOBILE_AP_LOG", "stderr", 1);
+        for (int n = 0; n < 300; ++n)
+            write_info(n, std::string(2900, 'x').c_str());
+        return 0;
+    });
+    EXPECT_EQ(wait_child_a_while(child), 0);
     close(ends[0]);
-    EXPECT_EQ(wait_child(child), 0);
-    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), kLines);
+    close(ends[1]);
+}
+
+TEST_F(DiagLogHostTest, ASocketInTroubleDoesNotStopTheWork)
+{
+    for (const bool read : {true, false}) {
+        int ends[2];
+        ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+        if (read) fill(ends[1]);
+        if (!read) close(ends[0]);
+        const pid_t child = start_child([&] {
+            dup2(ends[1], STDERR_FILENO);
+            setenv("MOBILE_AP_LOG", "stderr", 1);
+            handle(SIGPIPE);
+            return change_a_setting() + handled;
+        });
+        EXPECT_EQ(wait_child_a_while(child), 0);
+        if (read) close(ends[0]);
+        close(ends[1]);
+    }
+}
+
+TEST_F(DiagLogHostTest, WhatFindsNoRoomIsCounted)
+{
+    constexpr int kLines = 2000;
+    Pipe err_pipe;
+    Pipe go;
+    Pipe filled;
+    const pid_t child = start_child([&] {
+        dup2(err_pipe.writer(), STDERR_FILENO);
+        setenv("MOBILE_AP_LOG", "stderr", 1);
+        for (int n = 0; n < kLines; ++n)
+            write_info(n, "x");
+        char byte = 0;
+        if (write(filled.writer(), "x", 1) != 1 || read(go.reader(), &byte, 1) != 1) return 1;
+        for (int n = 0; n < 2; ++n)
+            write_info(kLines, "last");
+        return 0;
+    });
+    EXPECT_TRUE(comes(filled.reader()));
+    const std::string early = drain(err_pipe.reader());
+    ASSERT_EQ(write(go.writer(), "x", 1), 1);
+    EXPECT_EQ(wait_child_a_while(child), 0);
+    std::istringstream lines(early);
+    int whole = 0;
+    for (std::string line; std::getline(lines, line); ++whole)
+        ASSERT_NE(line.find("value " + std::to_string(whole) + " text x"), std::string::npos) << line;
+    EXPECT_GT(whole, 500);
+    EXPECT_LT(whole, kLines);
+    const std::string late = drain(err_pipe.reader());
+    const std::string last = STAMP " INFO  \\[ZR_NEXA\\]zr_nexa_x\\(\\): value 2000 text last\n";
+    EXPECT_TRUE(std::regex_match(
+        late, std::regex(STAMP " ERROR " + std::to_string(kLines - whole) + " records lost\n" + last + last)))
+        << late;
+}
+
+TEST_F(DiagLogHostTest, APendingSignalOfTheProgramStaysPending)
+{
+    Pipe err_pipe;
+    err_pipe.close_reader();
+    const std::string fifo = folder + "/fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    for (const std::string& wish : {std::string("stderr"), "file:" + fifo}) {
+        const pid_t child = start_child([&] {
+            dup2(err_pipe.writer(), STDERR_FILENO);
+            setenv("MOBILE_AP_LOG", wish.c_str(), 1);
+            const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+            write_info(1, "x");
+            close(reader);
+            handle(SIGPIPE);
+            sigset_t held;
+            sigemptyset(&held);
+            sigaddset(&held, SIGPIPE);
+            sigprocmask(SIG_BLOCK, &held, nullptr);
+            raise(SIGPIPE);
+            write_info(2, "x");
+            sigset_t pending;
+            sigpending(&pending);
+            if (sigismember(&pending, SIGPIPE) == 0) return 100;
+            sigprocmask(SIG_UNBLOCK, &held, nullptr);
+            return handled.load();
+        });
+        EXPECT_EQ(wait_child_a_while(child), 1) << wish;
+    }
+}
+
+TEST_F(DiagLogHostTest, AFifoKeepsRecordsForAReaderToCome)
+{
+    const std::string fifo = folder + "/fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    setenv("MOBILE_AP_LOG", ("file:" + fifo).c_str(), 1);
+    EXPECT_EQ(wait_child_a_while(start_child(change_a_setting)), 0);
+    Pipe written;
+    Pipe go;
+    const pid_t child = start_child([&] {
+        write_info(1, "early");
+        char byte = 0;
+        return write(written.writer(), "x", 1) == 1 && read(go.reader(), &byte, 1) == 1 ? 0 : 1;
+    });
+    EXPECT_TRUE(comes(written.reader()));
+    const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+    EXPECT_NE(drain(reader).find("value 1 text early\n"), std::string::npos);
+    close(reader);
+    ASSERT_EQ(write(go.writer(), "x", 1), 1);
+    EXPECT_EQ(wait_child_a_while(child), 0);
+}
+
+TEST_F(DiagLogHostTest, AFifoWhoseReaderGoesOrStopsDoesNotStopTheWork)
+{
+    const std::string fifo = folder + "/fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    setenv("MOBILE_AP_LOG", ("file:" + fifo).c_str(), 1);
+    for (const bool goes : {true, false}) {
+        const pid_t child = start_child([&] {
+            handle(SIGPIPE);
+            const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+            write_info(1, "heard");
+            if (drain(reader).find("value 1 text heard\n") == std::string::npos) return 1;
+            if (goes) close(reader);
+            for (int n = 0; n < 2000; ++n)
+                write_info(n, "lost");
+            if (change_a_setting() != 0) return 2;
+            if (handled != 0) return 3;
+            // One that comes again hears of it.
+            const int again = goes ? open(fifo.c_str(), O_RDONLY | O_NONBLOCK) : reader;
+            drain(again);
+            write_info(2, "heard again");
+            const std::string text = drain(again);
+            if (text.find(" records lost\n") == std::string::npos) return 4;
+            return text.find("value 2 text heard again\n") == std::string::npos ? 5 : 0;
+        });
+        EXPECT_EQ(wait_child_a_while(child), 0) << goes;
+    }
+}
+
+TEST_F(DiagLogHostTest, AFileAtItsLargestSizeDoesNotStopTheWork)
+{
+    const std::string name = folder + "/log";
+    const pid_t child = start_child([&] {
+        handle(SIGXFSZ);
+        setenv("MOBILE_AP_LOG", ("file:" + name).c_str(), 1);
+        const rlimit limit = {200, 200};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        for (int n = 0; n < 10; ++n)
+            write_info(n, "x");
+        return handled.load();
+    });
+    EXPECT_EQ(wait_child_a_while(child), 0);
+    EXPECT_EQ(read_file(name).size(), 200u);
+}
+
+TEST_F(DiagLogHostTest, AFullDiskDoesNotStopTheWork)
+{
+    setenv("MOBILE_AP_LOG", "file:/dev/full", 1);
+    EXPECT_EQ(wait_child_a_while(start_child(change_a_setting)), 0);
 }
 
 // A handler of the program's would be lost behind a mask that a record left.
@@ -335,21 +656,21 @@ TEST_F(DiagLogHostTest, HandlersMayLogWhileTheProgramLogs)
     const std::string counts = run([&] {
         setenv("MOBILE_AP_LOG", ("file:" + name).c_str(), 1);
         struct sigaction action = {};
-        static volatile sig_atomic_t handled;
-        handled = 0;
+        static volatile sig_atomic_t runs;
+        runs = 0;
         action.sa_handler = [](int) {
             write_info(7, "handler");
-            handled = handled + 1;
+            runs = runs + 1;
         };
         sigaction(SIGALRM, &action, nullptr);
         const itimerval often = {{0, 200}, {0, 200}};
         setitimer(ITIMER_REAL, &often, nullptr);
         int written = 0;
-        for (; written < 3000 || handled < 30; ++written)
+        for (; written < 3000 || runs < 30; ++written)
             write_info(8, "program");
         const itimerval never = {};
         setitimer(ITIMER_REAL, &never, nullptr);
-        dprintf(STDERR_FILENO, "%d by the program, %d by the handler", written, static_cast<int>(handled));
+        dprintf(STDERR_FILENO, "%d by the program, %d by the handler", written, static_cast<int>(runs));
     });
     std::ifstream file(name);
     int program = 0;

@@ -36,13 +36,14 @@ protected:
         ASSERT_NE(mkdtemp(name.data()), nullptr);
         folder = name;
         setenv("MOBILE_AP_STATE", folder.c_str(), 1);
-        for (const char* variable : {"MOBILE_AP_FAULTS", "MOBILE_AP_LOG", "MOBILE_AP_LOG_LEVEL"})
+        for (const char* variable : {"MOBILE_AP_FAULTS", "MOBILE_AP_JUDGE", "MOBILE_AP_LOG", "MOBILE_AP_LOG_LEVEL"})
             unsetenv(variable);
         err = QMI_ERR_NONE_V01;
     }
     void TearDown() override
     {
         unsetenv("MOBILE_AP_FAULTS");
+        unsetenv("MOBILE_AP_JUDGE");
         std::filesystem::remove_all(folder);
     }
 

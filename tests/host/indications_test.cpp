@@ -3,17 +3,55 @@
 
 #include <pthread.h>
 #include <signal.h>
+#include <stdarg.h>
 #include <sys/inotify.h>
+#include <sys/syscall.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstring>
+#include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
+#include "diag_msg.h"
+#include "events.h"
 #include "host_fixture.h"
 #include "program.h"
 #include "session.h"
+
+namespace {
+
+// The user's share of watches, used up on demand.
+std::atomic<bool> no_watches{false};
+
+// What was written to the diagnostic log as an error.
+std::vector<std::string> error_records;
+
+}  // namespace
+
+extern "C" void msg_sprintf(const msg_const_type* record, ...)
+{
+    if ((record->ss_mask & MSG_LEVEL_ERROR) == 0) return;
+    char text[256];
+    va_list arguments;
+    va_start(arguments, record);
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+    vsnprintf(text, sizeof text, record->fmt, arguments);
+#pragma GCC diagnostic pop
+    va_end(arguments);
+    error_records.push_back(text);
+}
+
+extern "C" int inotify_init1(int flags) noexcept
+{
+    if (!no_watches) return static_cast<int>(syscall(SYS_inotify_init1, flags));
+    errno = EMFILE;
+    return -1;
+}
 
 namespace {
 
@@ -94,6 +132,22 @@ TEST_F(IndicationsHostTest, ReachEverySessionOnceAndInOrder)
     EXPECT_EQ(second.wait_for(6), range(1, 6));
     settle();
     EXPECT_EQ(first.numbers(), range(1, 6));
+}
+
+// Nobody calls a method when the time comes.
+TEST_F(IndicationsHostTest, AListenerCarriesOutWhatIsDue)
+{
+    Heard heard;
+    OpenClient client(Heard::callback, &heard);
+    ASSERT_TRUE(client.ConnectBackHaul(QCMAP_MSGR_WWAN_CALL_TYPE_V4_V01, &err));
+    ASSERT_EQ(heard.wait_for(3).size(), 3u);
+    Session other(nullptr, nullptr);
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_TRUE(method(&other, "Schedule", nullptr, [](Store& db) {
+        mobile_ap::schedule(db, mobile_ap::now_ms() + 300, {"call", "drop", "1"});
+    }));
+    EXPECT_EQ(heard.wait_for(5), (std::vector<uint32_t>{1, 0xffffffff, 3, 0xffffffff, 6}));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(290));
 }
 
 TEST_F(IndicationsHostTest, OnlyBetweenEnablingAndDisabling)
@@ -218,14 +272,201 @@ TEST_F(IndicationsHostTest, OnlyAMethodThatTellsTouchesTheFile)
     close(watch);
 }
 
-TEST_F(IndicationsHostTest, TheNewestThousandAreKept)
+// How many are kept, and the first of them.
+std::pair<int, int> kept(Session& session)
+{
+    std::pair<int, int> result;
+    method(&session, "Test", nullptr, [&](Store& db) {
+        result = {db.one<int>("SELECT count(*) FROM indication").value_or(-1),
+                  db.one<int>("SELECT min(id) FROM indication").value_or(-1)};
+    });
+    return result;
+}
+
+void set_times(Session& session, const char* modifier)
+{
+    method(&session, "Test", nullptr, [&](Store& db) {
+        db.run("UPDATE indication SET time = strftime('%Y-%m-%dT%H:%M:%fZ', 'now', ?)", modifier);
+    });
+}
+
+// Many at once, all young.
+void put(Session& session, int count)
+{
+    method(&session, "Test", nullptr, [&](Store& db) {
+        db.run(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?)"
+            " INSERT INTO indication (msg_id, wire, time)"
+            " SELECT 1, x'00', strftime('%Y-%m-%dT%H:%M:%fZ', 'now') FROM n",
+            count);
+    });
+}
+
+TEST_F(IndicationsHostTest, OldOnesGoBeyondTheNewestThousand)
 {
     Session sender(nullptr, nullptr);
     EXPECT_TRUE(send(sender, 1, 1200));
-    EXPECT_TRUE(method(&sender, "Test", &err, [](Store& db) {
-        EXPECT_EQ(db.one<int>("SELECT count(*) FROM indication"), 1000);
-        EXPECT_EQ(db.one<int>("SELECT min(id) FROM indication"), 201);
-    }));
+    EXPECT_EQ(kept(sender), std::make_pair(1200, 1)) << "young ones stay";
+    set_times(sender, "-59 seconds");
+    EXPECT_TRUE(send(sender, 1201, 1201));
+    EXPECT_EQ(kept(sender), std::make_pair(1201, 1));
+    set_times(sender, "-61 seconds");
+    EXPECT_TRUE(send(sender, 1202, 1202));
+    EXPECT_EQ(kept(sender), std::make_pair(1102, 101)) << "a hundred at once";
+    EXPECT_TRUE(send(sender, 1203, 1250));
+    EXPECT_EQ(kept(sender), std::make_pair(1000, 251));
+}
+
+TEST_F(IndicationsHostTest, AHundredThousandAreKeptAtMost)
+{
+    Session sender(nullptr, nullptr);
+    put(sender, 99999);
+    EXPECT_TRUE(send(sender, 1, 1));
+    EXPECT_EQ(kept(sender), std::make_pair(100000, 1));
+    EXPECT_TRUE(send(sender, 2, 3));
+    EXPECT_EQ(kept(sender), std::make_pair(100000, 3));
+    set_times(sender, "+1 day");  // the clock was set back
+    EXPECT_TRUE(send(sender, 4, 4));
+    EXPECT_EQ(kept(sender), std::make_pair(100000, 4));
+    // What is kept costs nothing: a look at each would take a thousand times as long.
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(send(sender, 1, 2000));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_EQ(kept(sender), std::make_pair(100000, 2004));
+}
+
+TEST_F(IndicationsHostTest, ASlowCallbackMissesNothingYoung)
+{
+    struct Slow {
+        static void callback(qmi_client_type client, unsigned int msg_id, void* wire, unsigned int size, void* user)
+        {
+            Slow* self = static_cast<Slow*>(user);
+            Heard::callback(client, msg_id, wire, size, &self->heard);
+            while (!self->go)
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        Heard heard;
+        std::atomic<bool> go{false};
+    };
+    constexpr uint32_t kCount = 3000;
+    std::array<Slow, 8> slow;
+    std::vector<std::unique_ptr<OpenClient>> clients;
+    for (Slow& each : slow)
+        clients.push_back(std::make_unique<OpenClient>(Slow::callback, &each));
+    Session sender(nullptr, nullptr);
+    const std::string told = stderr_of([&] {
+        for (uint32_t n = 1; n <= kCount; n += 3)
+            EXPECT_TRUE(send(sender, n, n + 2));
+        for (Slow& each : slow)
+            each.go = true;
+        for (const Slow& each : slow)
+            ASSERT_EQ(each.heard.wait_for(kCount), range(1, kCount));
+    });
+    EXPECT_EQ(told, "");
+}
+
+// Hears until it is told to stop, and then waits.
+struct Blocked {
+    static void callback(qmi_client_type client, unsigned int msg_id, void* wire, unsigned int size, void* user)
+    {
+        Blocked* self = static_cast<Blocked*>(user);
+        Heard::callback(client, msg_id, wire, size, &self->heard);
+        while (self->stop)
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    Heard heard;
+    std::atomic<bool> stop{true};
+};
+
+TEST_F(IndicationsHostTest, AListenerIsToldHowManyItMissed)
+{
+    Blocked blocked;
+    OpenClient client(Blocked::callback, &blocked);
+    Session sender(nullptr, nullptr);
+    std::vector<uint32_t> expected;
+    error_records.clear();
+    const std::string told = stderr_of([&] {
+        for (const uint32_t first : {1u, 5001u}) {
+            blocked.stop = true;
+            expected.push_back(first);
+            EXPECT_TRUE(send(sender, first, first));
+            blocked.heard.wait_for(expected.size());
+            EXPECT_TRUE(send(sender, first + 1, first + 2500));
+            set_times(sender, "-2 minutes");
+            EXPECT_TRUE(send(sender, first + 2501, first + 4999));
+            EXPECT_EQ(kept(sender), std::make_pair(2499, static_cast<int>(first) + 2501)) << "only the old ones went";
+            for (uint32_t n = first + 2501; n < first + 5000; ++n)
+                expected.push_back(n);
+            blocked.stop = false;
+            EXPECT_EQ(blocked.heard.wait_for(expected.size()), expected);
+        }
+    });
+    const std::string line =
+        "mobile-AP state " + folder + "/mobile_ap.db: 2500 indications missed: the callback was busy for too long\n";
+    EXPECT_EQ(told, line + line);
+    const std::string record = "[MOBILE_AP]tell_missed(): 2500 indications missed";
+    EXPECT_EQ(error_records, (std::vector<std::string>{record, record}));
+}
+
+TEST_F(IndicationsHostTest, BeyondTheLimitOfWatchesNothingIsLost)
+{
+    constexpr uint32_t kCount = 300;
+    no_watches = true;
+    Heard heard;
+    OpenClient client(Heard::callback, &heard);
+    Session sender(nullptr, nullptr);
+    EXPECT_TRUE(send(sender, 1, 1));
+    EXPECT_EQ(heard.wait_for(1), range(1, 1));
+    no_watches = false;
+    for (uint32_t n = 2; n <= kCount; ++n)
+        EXPECT_TRUE(send(sender, n, n));
+    EXPECT_EQ(heard.wait_for(kCount), range(1, kCount));
+}
+
+TEST_F(IndicationsHostTest, WhatADatabaseHeldWhenItWasReplacedIsHeardFirst)
+{
+    Blocked blocked;
+    OpenClient client(Blocked::callback, &blocked);
+    Session sender(nullptr, nullptr);
+    EXPECT_TRUE(send(sender, 1, 1));
+    blocked.heard.wait_for(1);
+    EXPECT_TRUE(send(sender, 2, 100));
+    std::filesystem::rename(folder + "/mobile_ap.db", folder + "/aside");
+    EXPECT_TRUE(send(sender, 101, 103));
+    blocked.stop = false;
+    ASSERT_EQ(blocked.heard.wait_for(103), range(1, 103));
+    settle();
+    // And as soon as before.
+    const auto start = std::chrono::steady_clock::now();
+    for (uint32_t n = 104; n <= 113; ++n) {
+        EXPECT_TRUE(send(sender, n, n));
+        blocked.heard.wait_for(n);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_EQ(blocked.heard.numbers(), range(1, 113));
+}
+
+TEST_F(IndicationsHostTest, WhatADatabaseHeldBeforeItWasPutInPlaceIsNotHeard)
+{
+    const std::string path = folder + "/mobile_ap.db";
+    {
+        Session earlier(nullptr, nullptr);
+        EXPECT_TRUE(send(earlier, 901, 905));
+        EXPECT_TRUE(method(&earlier, "Test", nullptr, [](Store&) {}));
+    }
+    for (const char* part : {"", "-wal", "-shm"})
+        std::filesystem::rename(path + part, folder + "/other" + part);
+    Heard heard;
+    OpenClient client(Heard::callback, &heard);
+    Session sender(nullptr, nullptr);
+    EXPECT_TRUE(send(sender, 1, 2));
+    EXPECT_EQ(heard.wait_for(2), range(1, 2));
+    for (const char* part : {"-wal", "-shm", ""})
+        std::filesystem::rename(folder + "/other" + part, path + part);
+    EXPECT_TRUE(send(sender, 3, 4));
+    EXPECT_EQ(heard.wait_for(4), range(1, 4));
+    settle();
+    EXPECT_EQ(heard.numbers(), range(1, 4));
 }
 
 TEST_F(IndicationsHostTest, AFactoryRestoreLeavesSessionsAndIndicationsAlone)
@@ -256,14 +497,14 @@ TEST_F(IndicationsHostTest, AnotherDatabaseMadeWhileDisabledHasNothingNew)
     Heard heard;
     OpenClient client(Heard::callback, &heard);
     Session sender(nullptr, nullptr);
-    EXPECT_TRUE(send(sender, 1, 1));
-    EXPECT_EQ(heard.wait_for(1), range(1, 1));
+    EXPECT_TRUE(send(sender, 1, 5));
+    EXPECT_EQ(heard.wait_for(5), range(1, 5));
     EXPECT_TRUE(client.DisableMobileAP(&err));
     std::filesystem::remove(folder + "/mobile_ap.db");
-    EXPECT_TRUE(send(sender, 2, 2));
+    EXPECT_TRUE(send(sender, 6, 6));
     EXPECT_TRUE(client.EnableMobileAP_Ext(&err, 65535));
-    EXPECT_TRUE(send(sender, 3, 3));
-    EXPECT_EQ(heard.wait_for(2), (std::vector<uint32_t>{1, 3}));
+    EXPECT_TRUE(send(sender, 7, 7));
+    EXPECT_EQ(heard.wait_for(6), (std::vector<uint32_t>{1, 2, 3, 4, 5, 7}));
 }
 
 TEST_F(IndicationsHostTest, DisablingDoesNotWaitForWhatIsQueued)

@@ -1,114 +1,18 @@
-#include <arpa/inet.h>
 #include <string.h>
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 
+#include "calls.h"
 #include "host_fixture.h"
-#include "qcmap_indications.h"
-#include "qmi_client.h"
 
 namespace {
 
 constexpr auto kV4 = QCMAP_MSGR_WWAN_CALL_TYPE_V4_V01;
 constexpr auto kV6 = QCMAP_MSGR_WWAN_CALL_TYPE_V6_V01;
 
-// What a session was told of calls, as "message:status:profile".
-class Heard {
-public:
-    static void callback(qmi_client_type handle, unsigned int msg_id, void* wire, unsigned int wire_len, void* user)
-    {
-        const unsigned int size = msg_id == 34 ? 136 : msg_id == 35 ? 36 : msg_id == 36 ? 444 : 0;
-        unsigned char record[444];
-        if (qmi_client_message_decode(handle, QMI_IDL_INDICATION, msg_id, wire, wire_len, record, size) != 0) return;
-        qcmap_wwan_call_ind call;
-        memcpy(&call, record, sizeof call);
-        auto* const heard = static_cast<Heard*>(user);
-        const std::lock_guard<std::mutex> lock(heard->mutex_);
-        heard->text_ += std::to_string(msg_id) + ":" + std::to_string(call.conn_status) + ":" +
-                        std::to_string(call.profile_handle) + " ";
-        if (msg_id == 34) memcpy(&heard->bring_up_, record, sizeof heard->bring_up_);
-        heard->last_ = call;
-        ++heard->count_;
-        heard->more_.notify_all();
-    }
-    // Waits for so many, and a moment longer for any that should not be.
-    std::string take(int count)
-    {
-        std::unique_lock<std::mutex> lock(mutex_);
-        more_.wait_for(lock, std::chrono::seconds(20), [&] { return count_ >= count; });
-        more_.wait_for(lock, std::chrono::milliseconds(300), [&] { return count_ > count; });
-        count_ = 0;
-        return std::exchange(text_, {});
-    }
-    qcmap_msgr_bring_up_wwan_ind_msg_v01 bring_up()
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        return bring_up_;
-    }
-    qcmap_wwan_call_ind last()
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        return last_;
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable more_;
-    std::string text_;
-    int count_ = 0;
-    qcmap_msgr_bring_up_wwan_ind_msg_v01 bring_up_ = {};
-    qcmap_wwan_call_ind last_ = {};
-};
-
-std::string v4(uint32_t network_word)
-{
-    char text[INET_ADDRSTRLEN];
-    return inet_ntop(AF_INET, &network_word, text, sizeof text);
-}
-
-std::string v6(const uint8_t* bytes)
-{
-    char text[INET6_ADDRSTRLEN];
-    return inet_ntop(AF_INET6, bytes, text, sizeof text);
-}
-
-bool create(QCMAP_Client& client, uint32_t ip_family)
-{
-    qcmap_net_policy_info info = {};
-    info.ip_family = ip_family;
-    info.profile_index_3gpp = info.profile_index_3gpp2 = 1;
-    unsigned int handle = 0;
-    qmi_error_type_v01 error = QMI_ERR_NONE_V01;
-    return client.CreateWWANPolicyEx(info, &handle, &error) && client.SetWWANProfileHandlePreference(handle, &error);
-}
-
 class WanConnectionHostTest : public HostTest {
 protected:
-    std::string status(QCMAP_Client& client)
-    {
-        auto v4_status = static_cast<qcmap_msgr_wwan_status_enum_v01>(0);
-        auto v6_status = static_cast<qcmap_msgr_wwan_status_enum_v01>(0);
-        EXPECT_TRUE(client.GetWWANStatus(&v4_status, &v6_status, &err));
-        return std::to_string(v4_status) + " " + std::to_string(v6_status);
-    }
-    std::vector<qcmap_connected_wwan_info> connected(QCMAP_Client& client)
-    {
-        qcmap_connected_wwan_info all[50];
-        memset(all, 0xa5, sizeof all);
-        unsigned char count = 0xa5;
-        EXPECT_TRUE(client.GetAllConnectedPDNEx(&count, all, &err));
-        return {all, all + count};
-    }
-    qcmap_msgr_wwan_statistics_type_v01 statistics(QCMAP_Client& client, int family)
-    {
-        qcmap_msgr_wwan_statistics_type_v01 counts;
-        memset(&counts, 0xa5, sizeof counts);
-        EXPECT_TRUE(client.GetWWANStatistics(static_cast<qcmap_msgr_ip_family_enum_v01>(family), &counts, &err));
-        return counts;
-    }
     void wait_ms(int ms)
     {
         std::this_thread::sleep_for(std::chrono::milliseconds(ms));

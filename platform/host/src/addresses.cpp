@@ -1,5 +1,6 @@
 #include "addresses.h"
 
+#include <ctype.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -58,7 +59,11 @@ std::string mac_text(const uint8_t* bytes)
 void mac_bytes(const std::string& text, uint8_t* bytes)
 {
     memset(bytes, 0, 6);
-    if (text.size() != 17 || text.find_first_not_of("0123456789abcdefABCDEF:") != std::string::npos) return;
+    if (text.size() != 17) return;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const bool fits = i % 3 == 2 ? text[i] == ':' : isxdigit(static_cast<unsigned char>(text[i])) != 0;
+        if (!fits) return;
+    }
     for (size_t i = 0; i < 6; ++i)
         bytes[i] = static_cast<uint8_t>(strtoul(text.substr(3 * i, 2).c_str(), nullptr, 16));
 }

@@ -3,12 +3,15 @@
 #include <string.h>
 #include <unistd.h>
 
+#include "quiet_write.h"
+
 namespace mobile_ap {
 
 void complain(const std::string& text)
 {
     const std::string line = text + "\n";
-    if (write(STDERR_FILENO, line.data(), line.size()) < 0) return;  // nobody left to tell
+    const SignalsBlocked blocked;
+    quiet_write(STDERR_FILENO, line.data(), line.size());
 }
 
 std::string errno_text(int error)

@@ -18,6 +18,8 @@
 
 namespace mobile_ap {
 
+class FolderLock;
+
 struct DatabaseError {
     int code;            // SQLite's extended result code
     std::string reason;  // for people
@@ -27,6 +29,9 @@ struct Blob {
     const void* data;
     size_t size;
 };
+
+// The processes that have the logs of the database at this path open, as far as the system tells; in words.
+std::string who_has_open(const std::string& path);
 
 // A statement under way, released when it goes out of scope.
 //     Query q = db.query("SELECT id, name FROM thing WHERE kind = ?", kind);
@@ -102,6 +107,8 @@ private:
     std::unique_ptr<sqlite3_stmt, Release> statement_;
 };
 
+enum class Access { kRead, kWrite };
+
 class Database {
 public:
     Database() = default;
@@ -109,8 +116,10 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    void open(const std::string& path);          // a file that is there
-    void open_or_make(const std::string& path);  // and an empty database where there is none
+    // Opens a database that is there, with all its files, under its folder's lock.
+    void open(const std::string& path);
+    // The same under a lock that is held until after the first statement.
+    void open(const std::string& path, const FolderLock& held);
     void close();
     bool is_open() const
     {
@@ -158,6 +167,10 @@ public:
     // Runs many statements, which have no values.
     void run_script(const char* sql);
 
+    // Brings all that stands in the log into the database itself. False: somebody reads or writes for longer than this
+    // is waited for.
+    bool empty_log();
+
     // The transaction under way touches the file's times when it is committed, which whoever watches the file sees.
     void touch_on_commit()
     {
@@ -166,8 +179,8 @@ public:
 
 private:
     friend class Transaction;
-    void connect(const std::string& path, int flags);
-    void begin(const char* sql);
+    void begin(Access access);
+    void look_at_log();
     void commit();
     void roll_back();
     static int wait_for_lock(void* database, int attempt);
@@ -177,12 +190,11 @@ private:
     int patience_ms_ = kPatienceMs;
     Patience patience_;  // of the transaction under way
     bool touch_on_commit_ = false;
+    bool told_of_log_ = false;
 };
 
-enum class Access { kRead, kWrite };
-
 // A transaction, undone when it goes out of scope without having been committed. A writing one waits for all others
-// that write, a reading one for none.
+// that write, a reading one for none. A writing one is not begun without room for it, nor behind a log without end.
 class Transaction {
 public:
     Transaction(Database& db, Access access);

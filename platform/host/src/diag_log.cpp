@@ -1,8 +1,6 @@
 // The diagnostic log: msg_sprintf, and where MOBILE_AP_LOG sends it.
 #include <errno.h>
 #include <fcntl.h>
-#include <pthread.h>
-#include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -15,13 +13,25 @@
 #include <atomic>
 
 #include "diag_msg.h"
+#include "quiet_write.h"
 #include "utc_time.h"
 
 namespace {
 
 // No malloc, no locks and no time zone here: a signal handler may have interrupted any of them.
 
+using mobile_ap::quiet_write;
+using mobile_ap::SignalsBlocked;
+
 enum Target { kUnknown, kOff, kDescriptor, kSyslog };
+
+struct Level {
+    char name[8];
+    int syslog;
+};
+constexpr Level kErrorLevel = {" ERROR ", 3};
+constexpr Level kInfoLevel = {" INFO  ", 6};
+constexpr Level kDebugLevel = {" DEBUG ", 7};
 
 constexpr size_t kTextSize = 3000;
 constexpr size_t kLineSize = 4096;  // one write of this size is never torn, on a pipe either
@@ -30,31 +40,13 @@ constexpr const char kSyslogSocket[] = "/dev/log";
 std::atomic<int> log_target{kUnknown};
 std::atomic<int> log_descriptor{-1};
 std::atomic<bool> log_debug{false};
-
-class SignalsBlocked {
-public:
-    SignalsBlocked()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &before_);
-    }
-    ~SignalsBlocked()
-    {
-        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-    }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t before_;
-};
+std::atomic<int> records_lost{0};  // since the last line that went out
 
 void complain(const char* what, const char* reason)
 {
     char line[1024];
     snprintf(line, sizeof line, "MOBILE_AP_LOG: %.800s: %s\n", what, reason);
-    if (write(STDERR_FILENO, line, strlen(line)) < 0) return;  // nobody left to tell
+    quiet_write(STDERR_FILENO, line, strlen(line));
 }
 
 int connect_to_syslog()
@@ -71,6 +63,14 @@ int connect_to_syslog()
     close(fd);
     errno = error;
     return -1;
+}
+
+// A FIFO that nobody reads keeps what it has room for, as long as a process has it open for reading: this one.
+int open_log_file(const char* path)
+{
+    constexpr int kFlags = O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    const int fd = open(path, O_WRONLY | kFlags, 0600);
+    return fd < 0 && errno == ENXIO ? open(path, O_RDWR | kFlags, 0600) : fd;
 }
 
 // Returns the target. Two threads may come here at once: the first one's descriptor is used, the other's closed.
@@ -91,7 +91,7 @@ int choose_target()
         target = fd >= 0 ? kSyslog : kOff;
         if (fd < 0) complain(kSyslogSocket, strerrordesc_np(errno));
     } else if (strncmp(wish, "file:", 5) == 0) {
-        fd = open(wish + 5, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, 0600);
+        fd = open_log_file(wish + 5);
         target = fd >= 0 ? kDescriptor : kOff;
         if (fd < 0) complain(wish + 5, strerrordesc_np(errno));
     } else {
@@ -143,6 +143,33 @@ size_t put_escaped(char* out, size_t room, const char* text, bool cut)
     return used;
 }
 
+// Returns whether the record went out, as one line.
+bool put_record(int target, Level level, const char* text, bool cut)
+{
+    char line[kLineSize];
+    size_t used = 0;
+    if (target == kSyslog) {
+        const int priority = 8 + level.syslog;  // facility user
+        const int length = snprintf(line, sizeof line, "<%d>mobile_ap[%d]:", priority, getpid());
+        used = length > 0 ? static_cast<size_t>(length) : 0;
+    } else {
+        used = put_time(line, sizeof line);
+    }
+    memcpy(line + used, level.name, sizeof level.name - 1);
+    used += sizeof level.name - 1;
+    used += put_escaped(line + used, sizeof line - used - 1, text, cut);
+    if (target == kDescriptor) line[used++] = '\n';
+    return quiet_write(log_descriptor, line, used);
+}
+
+// Tells of those that were lost, once there is room again.
+bool put_lost(int target, int lost)
+{
+    char text[64];
+    snprintf(text, sizeof text, "%d records lost", lost);
+    return put_record(target, kErrorLevel, text, false);
+}
+
 }  // namespace
 
 extern "C" void msg_sprintf(const msg_const_type* record, ...)
@@ -152,7 +179,8 @@ extern "C" void msg_sprintf(const msg_const_type* record, ...)
     const int caller_errno = errno;
     const SignalsBlocked blocked;
     if (target == kUnknown) target = choose_target();
-    const bool is_debug = (record->ss_mask & (MSG_LEVEL_HIGH | MSG_LEVEL_ERROR)) == 0;
+    const bool is_error = (record->ss_mask & MSG_LEVEL_ERROR) != 0;
+    const bool is_debug = !is_error && (record->ss_mask & MSG_LEVEL_HIGH) == 0;
     if (target == kOff || (is_debug && !log_debug)) {
         errno = caller_errno;
         return;
@@ -168,22 +196,10 @@ extern "C" void msg_sprintf(const msg_const_type* record, ...)
     va_end(arguments);
     if (length < 0) text[0] = '\0';
 
-    const bool is_error = (record->ss_mask & MSG_LEVEL_ERROR) != 0;
-    char line[kLineSize];
-    size_t used = 0;
-    if (target == kSyslog) {
-        const int priority = 8 + (is_error ? 3 : is_debug ? 7 : 6);  // facility user
-        used = static_cast<size_t>(snprintf(line, sizeof line, "<%d>mobile_ap[%d]:", priority, getpid()));
-    } else {
-        used = put_time(line, sizeof line);
-    }
-    const char* level = is_error ? " ERROR " : is_debug ? " DEBUG " : " INFO  ";
-    memcpy(line + used, level, strlen(level));
-    used += strlen(level);
-    used += put_escaped(line + used, sizeof line - used - 1, text, length >= static_cast<int>(sizeof text));
-    if (target == kDescriptor) line[used++] = '\n';
-    if (write(log_descriptor, line, used) < 0) {
-        // A full disk or a stopped syslog costs log lines, never the work.
-    }
+    int lost = records_lost.exchange(0);
+    if (lost > 0 && put_lost(target, lost)) lost = 0;
+    const bool cut = length >= static_cast<int>(sizeof text);
+    if (lost > 0 || !put_record(target, is_error ? kErrorLevel : is_debug ? kDebugLevel : kInfoLevel, text, cut))
+        records_lost += lost + 1;
     errno = caller_errno;
 }

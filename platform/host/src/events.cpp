@@ -63,7 +63,8 @@ std::string words_as_text(const std::vector<std::string>& words)
 }
 
 // An event that cannot be carried out, because its call, profile or bridge is not there at its time, changes nothing.
-void carry_out_event(Store& db, int64_t at, int64_t id)
+// Returns why, for people; nothing when it was carried out.
+std::string carry_out_event(Store& db, int64_t at, int64_t id)
 {
     std::vector<std::string> words;
     {
@@ -73,16 +74,17 @@ void carry_out_event(Store& db, int64_t at, int64_t id)
     }
     db.run("DELETE FROM event WHERE id = ?", id);
     db.run_script("SAVEPOINT event");
+    std::string reason;
     try {
         parse_provocation(words).carry_out(db, at);
     } catch (const Ending& refusal) {
-        db.run_script("ROLLBACK TO event");
-        complain("mobile-AP event \"" + words_as_text(words) + "\": " + refusal_text(refusal.word));
+        reason = refusal_text(refusal.word);
     } catch (const ProvocationError& error) {
-        db.run_script("ROLLBACK TO event");
-        complain("mobile-AP event \"" + words_as_text(words) + "\": " + error.reason);
+        reason = error.reason;
     }
+    if (!reason.empty()) db.run_script("ROLLBACK TO event");
     db.run_script("RELEASE event");
+    return reason.empty() ? "" : "mobile-AP event \"" + words_as_text(words) + "\": " + reason;
 }
 
 }  // namespace
@@ -117,9 +119,11 @@ bool is_overdue(Store& db)
     return next_due_ms(db) <= now_ms();
 }
 
-// What waited for the service's return happens at that time, not at its own.
+// What waited for the service's return happens at that time, not at its own. Complaints wait for the end: whoever reads
+// them may take his time, and nobody else is to wait for him.
 void carry_out_due(Store& db)
 {
+    std::vector<std::string> complaints;
     Transaction transaction(db, Access::kWrite);
     const int64_t now = now_ms();
     auto first = next(db);
@@ -130,7 +134,7 @@ void carry_out_due(Store& db)
                 start_service(db, at);
                 break;
             case What::kEvent:
-                carry_out_event(db, at, first->id);
+                complaints.push_back(carry_out_event(db, at, first->id));
                 break;
             case What::kCall:
                 continue_call(db, at, static_cast<uint32_t>(first->id), first->family);
@@ -139,6 +143,9 @@ void carry_out_due(Store& db)
     }
     db.run("UPDATE service SET next_ms = ?", first ? first->due_ms : INT64_MAX);
     transaction.commit();
+    for (const std::string& text : complaints) {
+        if (!text.empty()) complain(text);
+    }
 }
 
 }  // namespace mobile_ap

@@ -7,17 +7,34 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
-#include <vector>
+#include <algorithm>
 
+#include "complain.h"
+#include "diag_msg.h"
+#include "events.h"
 #include "indication_wire.h"
 
 namespace mobile_ap {
 namespace {
 
 constexpr size_t kListenerStackBytes = size_t{2} << 20;
-constexpr int kRoundMs = 200;
-constexpr int kKept = 1000;
 constexpr int kBatch = 32;
+
+// Kept are the newest ones, however old, and all young ones, up to a number that no listener should fall behind.
+constexpr int kKeptAlways = 1000;
+constexpr int kKeptAtMost = 100000;
+constexpr int kRemovedAtOnce = 100;
+
+// The age is looked at in one row alone, the last of those that would go together: what is queued costs the same
+// whatever is kept, and what a burst has left goes bit by bit. Ids have no gaps. A time that lies ahead, from before
+// the clock was set back, is young.
+constexpr const char* kRemoveOld = R"(
+WITH ends(oldest, newest) AS (SELECT (SELECT min(id) FROM indication), (SELECT max(id) FROM indication))
+DELETE FROM indication WHERE id <= (SELECT coalesce(
+    (SELECT id FROM indication
+     WHERE id = min(oldest + ? - 1, newest - ?) AND time < strftime('%Y-%m-%dT%H:%M:%fZ', 'now', '-60 seconds')),
+    newest - ?) FROM ends)
+)";
 
 }  // namespace
 
@@ -29,7 +46,7 @@ void indicate_bytes(Database& db, unsigned int msg_id, const void* record, size_
     wire.insert(wire.end(), bytes, bytes + size);
     db.run("INSERT INTO indication (msg_id, wire, time) VALUES (?, ?, strftime('%Y-%m-%dT%H:%M:%fZ', 'now'))", msg_id,
            Blob{wire.data(), wire.size()});
-    db.run("DELETE FROM indication WHERE id <= (SELECT max(id) FROM indication) - ?", kKept);
+    db.run(kRemoveOld, kRemovedAtOnce, kKeptAlways, kKeptAtMost);
     db.touch_on_commit();
 }
 
@@ -52,6 +69,8 @@ bool Listener::start(const std::string& path, int64_t newest)
 {
     path_ = path;
     newest_ = newest;
+    in_place_ms_ = now_ms();
+    elsewhere_ = false;
     stopping_ = false;
     stop_event_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (stop_event_ < 0) return false;
@@ -106,40 +125,33 @@ void Listener::listen()
     db_.set_patience(kRoundMs / 2);
     // A method that has queued indications touches the database file's times, which tells this from its mere writes.
     // Where no watch is to be had, the rounds alone do.
-    const int watch = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
-    if (watch >= 0) inotify_add_watch(watch, path_.c_str(), IN_ATTRIB);
-    pollfd wait[2] = {{stop_event_, POLLIN, 0}, {watch, POLLIN, 0}};
+    watch_ = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+    watch_file();
+    pollfd wait[2] = {{stop_event_, POLLIN, 0}, {watch_, POLLIN, 0}};
     while (!stopping_) {
-        poll(wait, 2, kRoundMs);
+        poll(wait, 2, wait_ms_);
         char events[4096];
-        while (watch >= 0 && read(watch, events, sizeof events) > 0) {
+        while (watch_ >= 0 && read(watch_, events, sizeof events) > 0) {
         }
         if (!stopping_) deliver_new();
     }
-    if (watch >= 0) close(watch);
+    if (watch_ >= 0) close(watch_);
+    watch_ = -1;
     db_.close();
+}
+
+void Listener::watch_file() const
+{
+    if (watch_ >= 0) inotify_add_watch(watch_, path_.c_str(), IN_ATTRIB);
 }
 
 void Listener::deliver_new()
 {
-    struct Pending {
-        int64_t id;
-        unsigned int msg_id;
-        std::vector<uint8_t> wire;
-    };
     for (bool more = true; more;) {
         std::vector<Pending> batch;
         try {
-            if (db_.is_open() && db_.replaced()) {
-                db_.close();
-                newest_ = 0;  // another database: all that is in it is new
-            }
-            if (!db_.is_open()) db_.open(path_);
-            const Transaction transaction(db_, Access::kRead);
-            Query q =
-                db_.query("SELECT id, msg_id, wire FROM indication WHERE id > ? ORDER BY id LIMIT ?", newest_, kBatch);
-            while (q.next())
-                batch.push_back({q.get<int64_t>(0), q.get<unsigned int>(1), q.get<std::vector<uint8_t>>(2)});
+            batch = next_batch();
+            if (!batch.empty() && batch.front().id > newest_ + 1) tell_missed(batch.front().id - newest_ - 1);
         } catch (const DatabaseError&) {
             batch.clear();  // nothing is lost: the next round asks again
         } catch (const std::bad_alloc&) {
@@ -153,6 +165,78 @@ void Listener::deliver_new()
         }
         more = batch.size() == kBatch;
     }
+}
+
+std::vector<Listener::Pending> Listener::next_batch()
+{
+    const int64_t now = now_ms();
+    if (db_.is_open() && db_.replaced()) {
+        std::vector<Pending> rest = rest_of_replaced();
+        if (!rest.empty()) return rest;
+        db_.close();
+        elsewhere_ = true;
+    }
+    if (!db_.is_open()) {
+        was_read_ = false;
+        db_.open(path_);
+        watch_file();
+    }
+    if (elsewhere_) {
+        // New is what has been queued in it since it took the other one's place. It may be one that lay aside.
+        newest_ = db_.one<int64_t>(
+                         "SELECT max(id) FROM indication WHERE time < strftime('%Y-%m-%dT%H:%M:%fZ',"
+                         " ? / 1000.0, 'unixepoch')",
+                         in_place_ms_)
+                      .value_or(0);
+        elsewhere_ = false;
+    }
+    see_to_what_is_due();
+    std::vector<Pending> batch = read_batch();
+    was_read_ = true;
+    in_place_ms_ = now;
+    return batch;
+}
+
+// What cannot be carried out now, on a full disk say, is tried again with the next round, and stops no delivery.
+void Listener::see_to_what_is_due()
+{
+    wait_ms_ = kRoundMs;
+    try {
+        if (is_overdue(db_)) carry_out_due(db_);
+        wait_ms_ = static_cast<int>(std::clamp<int64_t>(next_due_ms(db_) - mobile_ap::now_ms(), 0, kRoundMs));
+    } catch (const DatabaseError&) {
+        return;
+    }
+}
+
+// What is left to hear in a database that another has taken the place of. Without its log open, the other one's would
+// be read for it.
+std::vector<Listener::Pending> Listener::rest_of_replaced()
+{
+    try {
+        return was_read_ ? read_batch() : std::vector<Pending>();
+    } catch (const DatabaseError&) {
+        return {};  // it was damaged
+    }
+}
+
+std::vector<Listener::Pending> Listener::read_batch()
+{
+    std::vector<Pending> batch;
+    const Transaction transaction(db_, Access::kRead);
+    Query q = db_.query("SELECT id, msg_id, wire FROM indication WHERE id > ? ORDER BY id LIMIT ?", newest_, kBatch);
+    while (q.next())
+        batch.push_back({q.get<int64_t>(0), q.get<unsigned int>(1), q.get<std::vector<uint8_t>>(2)});
+    return batch;
+}
+
+void Listener::tell_missed(int64_t count) const
+{
+    static constexpr msg_const_type kRecord = {1, 67, MSG_LEVEL_ERROR, "[%s]%s(): %d indications missed",
+                                               "indications"};
+    msg_sprintf(&kRecord, "MOBILE_AP", __func__, static_cast<int>(count), 0, 0, 0, 0);
+    complain("mobile-AP state " + path_ + ": " + std::to_string(count) +
+             " indications missed: the callback was busy for too long");
 }
 
 }  // namespace mobile_ap

@@ -108,13 +108,16 @@ bool QCMAP_Client::GetLANConfig(qcmap_msgr_lan_config_v01* lan, qmi_error_type_v
 
 bool QCMAP_Client::SetLANConfig(qcmap_msgr_lan_config_v01 lan, qmi_error_type_v01* err)
 {
+    const char* const name = __func__;
     return method(session_, __func__, err, [&](Store& db) {
+        const int bridge = db.selected_bridge();
+        judge_lan(db, name, bridge, lan);
         db.run(
             "UPDATE lan_bridge SET gateway_ip = ?, netmask = ?, dhcp_enabled = ?, dhcp_start_ip = ?, dhcp_end_ip = ?,"
             " lease_time = ?, dns_mode = ?, primary_dns = ?, secondary_dns = ?, mtu = ?, activated = 0 WHERE id = ?",
             ipv4_text(lan.gateway_ip), ipv4_text(lan.netmask), lan.enable_dhcp, ipv4_text(lan.dhcp_start_ip),
             ipv4_text(lan.dhcp_end_ip), lan.lease_time, lan.dns_mode, ipv4_text(lan.primary_dns),
-            ipv4_text(lan.secondary_dns), lan.mtu, db.selected_bridge());
+            ipv4_text(lan.secondary_dns), lan.mtu, bridge);
     });
 }
 

@@ -130,11 +130,13 @@ void mobile_ap::leave_lan(Store& db, const std::string& mac)
 
 bool QCMAP_Client::AddDHCPReservRecord(qcmap_msgr_dhcp_reservation_v01* record, qmi_error_type_v01* err)
 {
+    const char* const name = __func__;
     return method(session_, __func__, err, [&](Store& db) {
         check_reservation(*record);
         check_free(db, *record, -1);
         if (db.one<int>("SELECT count(*) FROM dhcp_reservation") >= QCMAP_MAX_DHCP_RESERVATIONS)
             refuse(QMI_ERR_LIMIT_V01);
+        judge_reservation(db, name, ntohl(record->reserved_ip));
         db.run("INSERT INTO dhcp_reservation (reserved_ip, mac, device_name, enabled) VALUES (?, ?, ?, ?)",
                network_ipv4_text(record->reserved_ip), mac_text(record->mac),
                field_text(record->device_name, sizeof record->device_name), record->enable);
@@ -163,10 +165,12 @@ bool QCMAP_Client::GetDHCPReservRecords(qcmap_msgr_dhcp_reservation_v01* records
 bool QCMAP_Client::EditDHCPReservRecord(unsigned int* ip_address, qcmap_msgr_dhcp_reservation_v01* record,
                                         qmi_error_type_v01* err)
 {
+    const char* const name = __func__;
     return method(session_, __func__, err, [&](Store& db) {
         const int64_t position = position_of(db, *ip_address);
         check_reservation(*record);
         check_free(db, *record, position);
+        if (record->reserved_ip != *ip_address) judge_reservation(db, name, ntohl(record->reserved_ip));
         db.run("UPDATE dhcp_reservation SET reserved_ip = ?, mac = ?, device_name = ?, enabled = ? WHERE position = ?",
                network_ipv4_text(record->reserved_ip), mac_text(record->mac),
                field_text(record->device_name, sizeof record->device_name), record->enable, position);

@@ -32,6 +32,7 @@ bool is_interface_type(qcmap_msgr_interface_type_enum_v01 type)
 // The flag beside the record is left as it is: acceleration is always there.
 bool QCMAP_Client::CreateVLANConfig(qcmap_msgr_vlan_config_ex_v01 vlan, qmi_error_type_v01* err, bool*)
 {
+    const char* const name = __func__;
     return method(session_, __func__, err, [&](Store& db) {
         if (!is_vlan_id(vlan.vlan_id) || !is_interface_type(vlan.interface_type) || vlan.is_accelerated > 1)
             refuse(QMI_ERR_INVALID_ARG_V01);
@@ -43,6 +44,7 @@ bool QCMAP_Client::CreateVLANConfig(qcmap_msgr_vlan_config_ex_v01 vlan, qmi_erro
         add_bridge(db, vlan.vlan_id);
         db.run("INSERT INTO vlan (id, interface_type, accelerated) VALUES (?, ?, ?)", vlan.vlan_id, vlan.interface_type,
                vlan.is_accelerated);
+        judge_new_bridge(db, name, vlan.vlan_id);
     });
 }
 
@@ -63,6 +65,7 @@ bool QCMAP_Client::GetVLANConfig(qcmap_msgr_vlan_conf_t* list, qmi_error_type_v0
 bool QCMAP_Client::DeleteVLANConfig(short vlan_id, qcmap_msgr_interface_type_enum_v01 interface_type,
                                     qmi_error_type_v01* err)
 {
+    const char* const name = __func__;
     return method(session_, __func__, err, [&](Store& db) {
         if (!is_vlan_id(vlan_id) || !is_interface_type(interface_type)) refuse(QMI_ERR_INVALID_ARG_V01);
         const auto type =
@@ -70,5 +73,6 @@ bool QCMAP_Client::DeleteVLANConfig(short vlan_id, qcmap_msgr_interface_type_enu
         if (!type) refuse(QMI_ERR_NO_ENTRY_V01);
         if (*type != interface_type) refuse(QMI_ERR_INVALID_ARG_V01);
         remove_bridge(db, vlan_id);
+        judge_bridge_gone(db, name);
     });
 }

@@ -26,6 +26,20 @@ INSERT INTO nat_service SELECT 0, 0 WHERE NOT EXISTS (SELECT 1 FROM nat_service)
 
 using namespace mobile_ap;
 
+namespace {
+
+uint32_t dmz_host(Store& db, uint32_t profile)
+{
+    return ipv4_word(db.one<std::string>("SELECT dmz_ip FROM nat WHERE profile = ?", profile).value_or("0.0.0.0"));
+}
+
+unsigned int routing_behind(Store& db)
+{
+    return db.one<unsigned int>("SELECT routing_behind FROM nat_service").value_or(0);
+}
+
+}  // namespace
+
 bool QCMAP_Client::SetNatType(qcmap_msgr_nat_enum_v01 nat_type, qmi_error_type_v01* err)
 {
     return method(session_, __func__, err, [&](Store& db) {
@@ -47,12 +61,15 @@ bool QCMAP_Client::GetNatType(qcmap_msgr_nat_enum_v01* nat_type, qmi_error_type_
 // A profile has one DMZ host; a further one takes its place.
 bool QCMAP_Client::AddDMZ(unsigned int ip, qmi_error_type_v01* err)
 {
+    const char* const name = __func__;
     return method(session_, __func__, err, [&](Store& db) {
         if (ip == 0) refuse(QMI_ERR_INVALID_ARG_V01);
+        const uint32_t profile = db.selected_profile();
+        if (dmz_host(db, profile) != ip) judge_dmz_host(db, name, profile, ip);
         db.run(
             "INSERT INTO nat (profile, dmz_ip) VALUES (?, ?)"
             " ON CONFLICT (profile) DO UPDATE SET dmz_ip = excluded.dmz_ip",
-            db.selected_profile(), ipv4_text(ip));
+            profile, ipv4_text(ip));
     });
 }
 
@@ -66,14 +83,12 @@ bool QCMAP_Client::DeleteDMZ(qmi_error_type_v01* err)
 
 bool QCMAP_Client::GetDMZ(unsigned int* ip, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) {
-        *ip = ipv4_word(
-            db.one<std::string>("SELECT dmz_ip FROM nat WHERE profile = ?", db.selected_profile()).value_or("0.0.0.0"));
-    });
+    return read_method(session_, __func__, err, [&](Store& db) { *ip = dmz_host(db, db.selected_profile()); });
 }
 
 bool QCMAP_Client::AddStaticNatEntry(qcmap_msgr_snat_entry_config_v01* entry, qmi_error_type_v01* err)
 {
+    const char* const name = __func__;
     return method(session_, __func__, err, [&](Store& db) {
         const uint32_t profile = db.selected_profile();
         const int added = db.run(
@@ -83,6 +98,7 @@ bool QCMAP_Client::AddStaticNatEntry(qcmap_msgr_snat_entry_config_v01* entry, qm
         if (added == 0) refuse(QMI_ERR_ALREADY_THERE_V01);
         const auto entries = db.one<int>("SELECT count(*) FROM nat_static_entry WHERE profile = ?", profile);
         if (entries > QCMAP_MAX_SNAT_ENTRIES) refuse(QMI_ERR_LIMIT_V01);
+        judge_mapped_host(db, name, profile, entry->private_ip);
     });
 }
 
@@ -117,15 +133,16 @@ bool QCMAP_Client::GetStaticNatConfig(qcmap_msgr_snat_entry_config_v01* entries,
 // Kept at once; it comes in force with the next start of the service.
 bool QCMAP_Client::ZR_SetRoutingBH(unsigned int routing_bh, qmi_error_type_v01* err)
 {
+    const char* const name = __func__;
     return method(session_, __func__, err, [&](Store& db) {
         if (routing_bh > 1) refuse(QMI_ERR_INVALID_ARG_V01);
+        const bool changes = routing_bh != routing_behind(db);
         db.run("UPDATE nat_service SET routing_behind = ?", routing_bh);
+        if (changes) judge_routing_behind(db, name);
     });
 }
 
 bool QCMAP_Client::ZR_GetRoutingBH(unsigned int* routing_bh, qmi_error_type_v01* err)
 {
-    return read_method(session_, __func__, err, [&](Store& db) {
-        *routing_bh = db.one<unsigned int>("SELECT routing_behind FROM nat_service").value_or(0);
-    });
+    return read_method(session_, __func__, err, [&](Store& db) { *routing_bh = routing_behind(db); });
 }

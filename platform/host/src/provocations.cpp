@@ -134,13 +134,19 @@ std::string check_reason(std::string& text)
     return good ? "" : "two numbers, as in 6:36, not " + text;
 }
 
-std::string check_mac(std::string& text)
+// A transformation, into the form in which it stands in the state.
+std::string lower_mac(std::string& text)
 {
     uint8_t bytes[6];
     mac_bytes(text, bytes);
     const std::string known = mac_text(bytes);
     std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
     return text == known ? "" : "six pairs of hexadecimal digits with colons, not " + text;
+}
+
+std::string check_host_name(std::string& text)
+{
+    return text.size() > sizeof(qcmap_connected_device::host_name) ? "at most 100 bytes" : "";
 }
 
 std::string check_ipv6(std::string& text)
@@ -271,10 +277,14 @@ void add_device(CLI::App& app, Provocation* chosen)
 
     auto words = std::make_shared<LanDevice>();
     CLI::App* join = device->add_subcommand("join", "Join the LAN; a device with this MAC address is replaced");
-    join->add_option("mac", words->mac, "MAC address")->required()->check(CLI::Validator(check_mac, ""));
+    join->add_option("mac", words->mac, "MAC address")->required()->transform(CLI::Validator(lower_mac, ""));
     join->add_option("ipv4", words->ipv4, "IPv4 address")->required()->check(CLI::ValidIPV4);
-    join->add_option("name", words->host_name, "Host name, at most 100 bytes")->required();
-    join->add_option("--ipv6", words->ipv6, "IPv6 addresses, at most 6")->check(CLI::Validator(check_ipv6, ""));
+    join->add_option("name", words->host_name, "Host name, at most 100 bytes")
+        ->required()
+        ->check(CLI::Validator(check_host_name, ""));
+    join->add_option("--ipv6", words->ipv6, "IPv6 addresses, at most 6")
+        ->expected(1, QCMAP_MAX_DEVICE_IPV6)
+        ->check(CLI::Validator(check_ipv6, ""));
     join->add_option("--type", words->type, "3 USB, 4 Ethernet, 8 WLAN, 16 second Ethernet; 4 without it");
     join->add_option("--rx", words->rx_bytes, "Bytes received from it");
     join->add_option("--tx", words->tx_bytes, "Bytes sent to it");
@@ -288,7 +298,7 @@ void add_device(CLI::App& app, Provocation* chosen)
     auto mac = std::make_shared<std::string>();
     CLI::App* leave = device->add_subcommand("leave", "Leave the LAN");
     CLI::Option_group* which = leave->add_option_group("which");
-    which->add_option("mac", *mac, "The one with this MAC address")->check(CLI::Validator(check_mac, ""));
+    which->add_option("mac", *mac, "The one with this MAC address")->transform(CLI::Validator(lower_mac, ""));
     which->add_flag("--all", "All of them");
     which->require_option(1);
     leave->callback([mac, chosen] {

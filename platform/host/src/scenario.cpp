@@ -70,6 +70,7 @@ std::vector<ScenarioEvent> read_scenario(const std::string& text)
     std::string line;
     for (int number = 1; std::getline(lines, line); ++number) {
         try {
+            if (line.find('\0') != std::string::npos) throw ProvocationError{"a zero byte is no text"};
             const auto words = split(line);
             if (!words) throw ProvocationError{"a quote stands open"};
             if (!words->empty()) events.push_back(read_line(*words));

@@ -28,6 +28,7 @@ bool is_away(Store& db)
 void leave(Store& db, int64_t at, int64_t milliseconds)
 {
     db.run("UPDATE service SET back_ms = ?", at + milliseconds);
+    db.touch_on_commit();  // listeners learn of the time
 }
 
 void restart(Store& db, int64_t at, int64_t milliseconds)

@@ -47,6 +47,13 @@ Session::Session(client_status_ind_t callback, void* user) : listener_(callback,
             complain("MOBILE_AP_FAULTS: \"" + bad_word + "\" makes no sense; the service is not ready");
             return;
         }
+        const char* judge = getenv("MOBILE_AP_JUDGE");
+        Judging judging = Judging::kOff;
+        if (judge != nullptr && !parse_judging(judge, &judging)) {
+            complain("MOBILE_AP_JUDGE: \"" + std::string(judge) + "\" makes no sense; the service is not ready");
+            return;
+        }
+        store_.set_judging(judging);
         const StatePlace place = find_state_place();
         folder_ = place.path;
         std::string where = folder_;
@@ -127,12 +134,17 @@ bool Session::run(const char* name, Access access, qmi_error_type_v01* err, cons
     });
 }
 
+// Opens the database that has taken the place of the one that was open.
+void Session::follow_database()
+{
+    if (!store_.replaced()) return;
+    const std::string problem = open_state(store_, folder_);
+    if (!problem.empty()) throw DatabaseError{SQLITE_CANTOPEN, problem};
+}
+
 Session::Outcome Session::perform(Access access, const Body& body, unsigned int hold_ms)
 {
-    if (store_.replaced()) {
-        const std::string problem = open_state(store_, folder_);
-        if (!problem.empty()) throw DatabaseError{SQLITE_CANTOPEN, problem};
-    }
+    follow_database();
     return on_current_state(store_, access, [&](Transaction& transaction) -> Outcome {
         if (is_away(store_)) return {false, QMI_ERR_INTERNAL_V01};
         Ending ending = {true, QMI_ERR_NONE_V01, true};
@@ -175,10 +187,11 @@ bool Session::enable(qmi_error_type_v01* err)
     return with_faults("EnableMobileAP_Ext", err, [&](const Misbehaviour& fault) -> Outcome {
         if (!ready_) return {false, QMI_ERR_INTERNAL_V01};
         if (!sleep_ms(fault.hold_ms)) return {false, QMI_ERR_ABORTED_V01};
-        if (listener_.is_running()) return {true, QMI_ERR_NONE_V01};
         const std::lock_guard<std::mutex> lock(one_at_a_time_);
+        follow_database();
         return on_current_state(store_, Access::kRead, [&](Transaction&) -> Outcome {
             if (is_away(store_)) return {false, QMI_ERR_INTERNAL_V01};
+            if (listener_.is_running()) return {true, QMI_ERR_NONE_V01};
             const bool started = listener_.start(store_.path(), newest_indication(store_));
             return {started, started ? QMI_ERR_NONE_V01 : QMI_ERR_NO_MEMORY_V01};
         });

@@ -43,6 +43,7 @@ private:
     };
     template <class Work>
     bool with_faults(const char* name, qmi_error_type_v01* err, const Work& work);
+    void follow_database();
     Outcome perform(Access access, const Body& body, unsigned int hold_ms);
     bool service_is_away();
     void explain(const DatabaseError& error);

@@ -1,5 +1,5 @@
 // The life of the file that holds the state: made with factory settings, checked when it is opened, set aside when it
-// is damaged, brought back to its first day.
+// is damaged or of another version, brought back to its first day.
 #ifndef MOBILE_AP_STATE_FILE_H
 #define MOBILE_AP_STATE_FILE_H
 
@@ -13,8 +13,9 @@ namespace mobile_ap {
 std::string state_file(const std::string& folder);
 
 // Opens the state in this folder, and makes it when there is none. A damaged one is renamed and a fresh one takes its
-// place, which is not opened yet: whoever meets the damage is told of it. Returns why the state is not open, or
-// nothing.
+// place, which is not opened yet: whoever meets the damage is told of it. One of another version is renamed, too, and
+// the one of this version that lies in the folder, or else a fresh one, is opened: a line on standard error tells it.
+// Returns why the state is not open, or nothing.
 std::string open_state(Database& db, const std::string& folder);
 
 // Every table of every area as it was on the first day. Sessions and their indications stay. For a transaction.

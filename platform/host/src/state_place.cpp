@@ -5,14 +5,17 @@
 #include <pwd.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include "complain.h"
+#include "folder_lock.h"
 
 namespace mobile_ap {
 namespace {
 
-constexpr off_t kRoomNeeded = 65536;
+constexpr off_t kRoomNeeded = off_t{64} << 10;
+constexpr fsblkcnt_t kPlenty = fsblkcnt_t{16} << 20;
 
 // Makes the folder and those above it. 0 or an errno.
 int make_folders(const std::string& path)
@@ -36,19 +39,19 @@ std::string home_folder()
     return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
 }
 
-// Reserves room in an unnamed file, so that a full or unwritable folder is seen before anything is changed in it.
-std::string why_not_writable(const std::string& path)
+// Reserves room in an unnamed file. 0 or an errno.
+int reserve_room(const std::string& folder)
 {
-    int fd = open(path.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+    int fd = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     if (fd < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == ENOENT || errno == EINVAL)) {
-        std::string name = path + "/mobile_ap.probe.XXXXXX";
+        std::string name = folder + "/mobile_ap.probe.XXXXXX";
         fd = mkostemp(name.data(), O_CLOEXEC);
         if (fd >= 0) unlink(name.c_str());
     }
-    if (fd < 0) return errno_text(errno);
+    if (fd < 0) return errno;
     const int error = posix_fallocate(fd, 0, kRoomNeeded);
     close(fd);
-    return error == 0 ? "" : errno_text(error);
+    return error;
 }
 
 }  // namespace
@@ -57,7 +60,8 @@ StatePlace find_state_place()
 {
     StatePlace place;
     const char* named = getenv("MOBILE_AP_STATE");
-    if (named != nullptr && named[0] != '\0') {
+    const bool is_named = named != nullptr && named[0] != '\0';
+    if (is_named) {
         place.path = named;
     } else {
         const char* state_home = getenv("XDG_STATE_HOME");
@@ -77,14 +81,29 @@ StatePlace find_state_place()
             return place;
         }
     }
-    struct stat info;
-    if (stat(place.path.c_str(), &info) != 0)
-        place.problem = errno_text(errno);
-    else if (!S_ISDIR(info.st_mode))
+    struct stat info = {};
+    // The folder that we make is for the user alone, and stays so; one that was named, or linked to, is left as it is.
+    if (!is_named && lstat(place.path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) close_to_others(place.path, info);
+    const bool is_there = stat(place.path.c_str(), &info) == 0;
+    if (is_there && !S_ISDIR(info.st_mode))
         place.problem = "not a folder";
-    else
-        place.problem = why_not_writable(place.path);
+    else if (!is_there || faccessat(AT_FDCWD, place.path.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        place.problem = errno_text(errno);
     return place;
+}
+
+bool means_no_room(int error)
+{
+    return error == ENOSPC || error == EDQUOT || error == EFBIG;
+}
+
+std::string why_no_room(const std::string& folder)
+{
+    // Reserving takes its time. Nearly always there is room in plenty, and the file system says so at once.
+    struct statvfs room = {};
+    if (statvfs(folder.c_str(), &room) == 0 && room.f_bavail * room.f_frsize >= kPlenty) return "";
+    const int error = reserve_room(folder);
+    return means_no_room(error) ? errno_text(error) : "";
 }
 
 }  // namespace mobile_ap

@@ -9,6 +9,7 @@
 
 #include "database.h"
 #include "ending.h"
+#include "judge.h"
 
 namespace mobile_ap {
 
@@ -25,9 +26,20 @@ public:
     int selected_bridge();
     void select_bridge(int id);
 
+    // Whether values that no network could use are judged (judge.h).
+    Judging judging() const
+    {
+        return judging_;
+    }
+    void set_judging(Judging judging)
+    {
+        judging_ = judging;
+    }
+
 private:
     uint32_t selected_profile_ = 1;
     int selected_bridge_ = 0;
+    Judging judging_ = Judging::kOff;
 };
 
 }  // namespace mobile_ap

@@ -232,7 +232,8 @@ void end_connecting(Store& db, int64_t at, const Call& call)
 
 void end_disconnecting(Store& db, int64_t at, const Call& call)
 {
-    if (const auto reason = take_refusal(db, call, CallRequest::kDisconnect)) {
+    const auto reason = take_refusal(db, call, CallRequest::kDisconnect);
+    if (reason && may_be_up(db, call.profile)) {
         enter(db, call, "up", std::nullopt);
         tell_torn_down(db, call, call.family.disconnecting_failed, *reason);
         tell_status(db, call, call.family.disconnecting_failed, *reason);
@@ -249,6 +250,17 @@ void end_by_network(Store& db, int64_t at, const Call& call, EndReason reason, T
     come_down(db, at, call, then);
     tell_torn_down(db, call, call.family.disconnected, reason);
     tell_status(db, call, call.family.disconnected, reason);
+}
+
+// Dials a call that is awaited. Its profile may have changed since.
+void redial(Store& db, int64_t at, const Call& call)
+{
+    if (!has_family(db, call))
+        come_down(db, at, call, Then::kStaysDown);
+    else if (!may_be_up(db, call.profile))
+        come_down(db, at, call, Then::kWaitsForHome);
+    else
+        dial(db, at, call, Dialled::kByPlatform);
 }
 
 }  // namespace
@@ -296,10 +308,9 @@ void dial(Store& db, int64_t at, const Call& call, Dialled by)
 // What is not up yet goes at once: the network has nothing to give back then.
 void hang_up(Store& db, int64_t at, const Call& call)
 {
-    const bool is_up = state_of(db, call) == "up";
-    const int64_t delay = is_up ? call_delay(db, call.profile) : 0;
     tell_status(db, call, call.family.disconnecting);
-    if (is_up) {
+    if (state_of(db, call) == "up") {
+        const int64_t delay = call_delay(db, call.profile);
         enter(db, call, "disconnecting", at + delay);
         if (delay == 0) end_disconnecting(db, at, call);
         return;
@@ -352,7 +363,7 @@ void follow_roaming(Store& db, int64_t at)
         if (!may_be_up(db, call.profile)) end_by_network(db, at, call, {}, Then::kWaitsForHome);
     }
     for (const Call& call : calls_where(db, "held = 1")) {
-        if (may_be_up(db, call.profile)) dial(db, at, call, Dialled::kByPlatform);
+        if (may_be_up(db, call.profile)) redial(db, at, call);
     }
 }
 
@@ -362,12 +373,7 @@ void continue_call(Store& db, int64_t at, uint32_t profile, int family)
     const std::string state = state_of(db, call);
     if (state == "connecting") return end_connecting(db, at, call);
     if (state == "disconnecting") return end_disconnecting(db, at, call);
-    if (!has_family(db, call))
-        come_down(db, at, call, Then::kStaysDown);
-    else if (!may_be_up(db, profile))
-        come_down(db, at, call, Then::kWaitsForHome);
-    else
-        dial(db, at, call, Dialled::kByPlatform);
+    redial(db, at, call);
 }
 
 void count_traffic(Store& db, const Call& call, uint64_t down, uint64_t up)

@@ -4,7 +4,7 @@
 #include <exception>
 #include <fstream>
 #include <functional>
-#include <sstream>
+#include <iterator>
 #include <string>
 
 #include "events.h"
@@ -60,25 +60,27 @@ void change_state(const std::function<void(Store&)>& work)
 // What concerns the service itself is done while it is away, too; all else waits for its return.
 void provoke(const mobile_ap::Provocation& provocation, const std::vector<std::string>& words)
 {
+    std::string told;
     change_state([&](Store& db) {
         const int64_t now = mobile_ap::now_ms();
         if (mobile_ap::is_away(db) && words.front() != "service") {
             mobile_ap::schedule(db, now, words);
-            std::printf("the service is away; this happens when it is back\n");
-            return;
+            told = "the service is away; this happens when it is back\n";
+        } else {
+            told = provocation.carry_out(db, now);
         }
-        std::fputs(provocation.carry_out(db, now).c_str(), stdout);
     });
+    std::fputs(told.c_str(), stdout);
 }
 
 void play(const std::string& path)
 {
     std::ifstream file(path);
-    std::ostringstream text;
-    if (!(text << file.rdbuf())) throw mobile_ap::ProvocationError{path + ": cannot be read"};
+    if (!file) throw mobile_ap::ProvocationError{path + ": cannot be read"};
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
     std::vector<mobile_ap::ScenarioEvent> events;
     try {
-        events = mobile_ap::read_scenario(text.str());
+        events = mobile_ap::read_scenario(text);
     } catch (const mobile_ap::ProvocationError& error) {
         throw mobile_ap::ProvocationError{path + ": " + error.reason};
     }
@@ -87,12 +89,14 @@ void play(const std::string& path)
         for (const mobile_ap::ScenarioEvent& event : events)
             mobile_ap::schedule(db, start + event.after_ms, event.words);
     });
-    std::printf("%zu events to come\n", events.size());
+    std::printf("events to come: %zu\n", events.size());
 }
 
 void forget()
 {
-    change_state([](Store& db) { std::printf("%d events taken back\n", mobile_ap::forget_events(db)); });
+    int count = 0;
+    change_state([&](Store& db) { count = mobile_ap::forget_events(db); });
+    std::printf("events taken back: %d\n", count);
 }
 
 }  // namespace
