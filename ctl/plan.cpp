@@ -192,6 +192,12 @@ public:
 private:
     enum class Part { kRemovals, kAdditions, kBoth };
 
+    // What a document does not say of it stays.
+    bool is_laid_over(const Row& row) const
+    {
+        return row.shape == Shape::kUnit || (row.shape == Shape::kKeyed && reach_ == Reach::kMerge);
+    }
+
     // What is wanted, and what is left to change from once LANs and profiles have come and gone: a LAN that is made
     // anew wants all that stood on it again.
     void lay_out()
@@ -206,7 +212,7 @@ private:
                 const Value stood = record_of(*row, present_.child("lans").child(id));
                 if (stood.is_nothing() || row == &vlan_row()) continue;
                 const Value named = record_of(*row, lan);
-                if (row->shape == Shape::kUnit || row->shape == Shape::kKeyed)
+                if (is_laid_over(*row))
                     put_record(*row, laid_over(named, stood), &lan);
                 else if (named.is_nothing())
                     put_record(*row, stood, &lan);
@@ -370,8 +376,7 @@ private:
                 const Value record = record_of(row, instance);
                 if (record.is_nothing() || is_absent(instance)) return;
                 Value& there = make_instance(&result, row.scope, name);
-                const bool is_part = row.shape == Shape::kUnit || row.shape == Shape::kKeyed;
-                Value laid = is_part ? laid_over(record, record_of(row, there)) : record;
+                Value laid = is_laid_over(row) ? laid_over(record, record_of(row, there)) : record;
                 if (row.shape == Shape::kKeyed)
                     for (const auto& [key, entry] : record.map())
                         if (is_absent(entry)) laid.map().erase(key);
@@ -820,8 +825,18 @@ private:
             }
             if (step.lines.empty() && !forced) return;
             step.wanted = laid_over(wanted, present);
+            if (!step.is_new) check_whole(row, above, step.wanted);
         }
         push(std::move(step));
+    }
+
+    // What belongs together, of what is said and what is there.
+    void check_whole(const Row& row, const std::string& path, const Value& record)
+    {
+        if (!row.check || reach_ == Reach::kBack) return;
+        row.check(record, path, [this](const Value& at, const std::string& where, const std::string& text) {
+            unreachable_.push_back({at.mark, where, text});
+        });
     }
 
     // What it was is not said of what was not there, or cannot be known.
