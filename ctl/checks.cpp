@@ -4,8 +4,10 @@
 #include <map>
 #include <set>
 
+#include "lan_vlan.h"
 #include "module.h"
 #include "tree.h"
+#include "wan_profile.h"
 
 namespace ctl {
 namespace {
@@ -31,6 +33,7 @@ public:
             each_instance(*tree, scope,
                           [&](const std::string& name, const Value& instance) { units(scope, name, instance); });
         }
+        lans(tree->child("lans"));
         profiles(tree->child("profiles"));
         roles(*tree);
         reservations(tree->child("reservations"));
@@ -115,6 +118,18 @@ private:
             else
                 record(row, place, &value->list()[i]);
         }
+        value->list() = sorted(value->list());
+        if (row.once) twice(row, path, *value);
+    }
+
+    // What can be read only is not told apart, and may be there several times.
+    void twice(const Row& row, const std::string& path, const Value& value)
+    {
+        for (size_t i = 1; i < value.list().size(); ++i) {
+            const Value& entry = value.list()[i];
+            if (entry != value.list()[i - 1] || (row.not_undone && !row.not_undone({}, entry).empty())) continue;
+            complain(entry, path, in_short(entry) + " stands twice");
+        }
     }
 
     // The normal spelling of a key; the key itself when it has none.
@@ -162,17 +177,31 @@ private:
                 const std::vector<std::string>& more)
     {
         if (!value->is_map()) return complain(*value, path, "a group of keys, not " + in_short(*value));
+        const bool are_lans = node.kind == Node::Kind::kLans;
+        size_t count = 0;
         for (auto& [key, each] : value->map()) {
             const std::string place = below(path, key);
             normal_key(key_type, place, key, each);
-            if (is_absent(place, &each) && key == "0" && node.kind == Node::Kind::kLans)
-                complain(each, place, "the default LAN is always there");
+            if (!are_lans && key == "none") complain(each, place, "none is no label");
+            if (is_absent(place, &each)) {
+                if (are_lans && key == "0") complain(each, place, "the default LAN is always there");
+            } else if (!are_lans || key != "0") {
+                ++count;
+            }
+            if (are_lans && key == "0")
+                for (const char* const other : {"vlan", "passthrough_nat"})
+                    if (each.has(other)) complain(each.child(other), below(place, other), "not of the default LAN");
             std::vector<std::string> known = more;
             known.emplace_back("absent");
             if (each.has("handle") && !more.empty())
                 normalize(number(1, 50), place + ".handle", &each.make("handle"), complainer());
             group(node, place, &each, known);
         }
+        const size_t most = are_lans ? kVlansMax : kProfilesMax;
+        if (count > most)
+            complain(*value, path,
+                     std::to_string(count) + (are_lans ? " VLANs, " : " profiles, ") + std::to_string(most) +
+                         " are the most");
     }
 
     // ---- what belongs together ----
@@ -184,6 +213,18 @@ private:
             if (row->shape != Shape::kUnit || !row->check) continue;
             const Value record = record_of(*row, instance);
             if (!record.is_nothing()) row->check(record, instance_path(scope, name), complainer());
+        }
+    }
+
+    void lans(const Value& lans)
+    {
+        for (const auto& [id, lan] : lans.map()) {
+            const Value& mode = lan.at("l2tp.mode");
+            const Value& tunnels = lan.at("l2tp.tunnels");
+            if (mode.text() != "managed" || tunnels.is_nothing()) continue;
+            if (std::all_of(tunnels.map().begin(), tunnels.map().end(),
+                            [](const auto& tunnel) { return tunnel.second.has("absent"); }))
+                complain(mode, "lans." + id + ".l2tp.mode", "managed needs a tunnel");
         }
     }
 
@@ -218,6 +259,7 @@ private:
     void roles(const Value& tree)
     {
         for (const auto& [role, label] : tree.child("roles").map()) {
+            if (label.text() == "none") continue;  // as a module may have it
             const Value& profiles = tree.child("profiles");
             const Value& profile = profiles.child(label.text());
             if (profile.is_nothing())
