@@ -68,6 +68,7 @@ Row sip_server_row()
                {optional({"address", ipv4(), "the SIP server that clients are told of, by its address"}),
                 optional({"name", text(0, ZR_NEXA_ALG_SIP_FQDN_SIZE), "the same by its name"})},
                {"zr_nexa_alg_sip_server_info_set_v1", "zr_nexa_alg_sip_server_info_get_v1"}};
+    row.about = "the SIP server of the LAN's clients, by address or name; empty: none";
     row.read = read_sip_server;
     row.write = write_sip_server;
     row.check = [](const Value& server, const std::string& path, const Complain& complain) {

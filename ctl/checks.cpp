@@ -42,6 +42,7 @@ public:
 private:
     void complain(const Value& at, const std::string& path, const std::string& problem)
     {
+        if (at.is_nothing()) return;  // told when it was read
         problems_->push_back({at.mark, path.substr(path.rfind('.', 0) == 0 ? 1 : 0), problem});
     }
 
@@ -58,12 +59,12 @@ private:
         if (version.is_nothing())
             complain(*tree, "", "version is missing");
         else if (version.text() != std::to_string(kVersion) || version.quoted())
-            complain(version, "version", "1 is known, " + in_short(version) + " is not");
+            complain(version, "version", "1 is known, " + as_found(version) + " is not");
     }
 
     void group(const Node& node, const std::string& path, Value* value, const std::vector<std::string>& more = {})
     {
-        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + in_short(*value));
+        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + as_found(*value));
         for (auto& [key, each] : value->map()) {
             if (std::find(more.begin(), more.end(), key) != more.end()) continue;
             const Node* const child = node.child(key);
@@ -101,13 +102,13 @@ private:
 
     void record(const Row& row, const std::string& path, Value* value)
     {
-        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + in_short(*value));
+        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + as_found(*value));
         if (normalize_record(row.fields, path, value, complainer()) && row.check) row.check(*value, path, complainer());
     }
 
     void entries(const Row& row, const std::string& path, Value* value)
     {
-        if (!value->is_list()) return complain(*value, path, "a list, not " + in_short(*value));
+        if (!value->is_list()) return complain(*value, path, "a list, not " + as_found(*value));
         if (value->list().size() > row.most)
             complain(*value, path,
                      std::to_string(value->list().size()) + " entries, " + std::to_string(row.most) + " are the most");
@@ -149,14 +150,14 @@ private:
         if (!value->is_map() || !value->has("absent")) return false;
         const Value& absent = value->child("absent");
         if (absent.text() != "true" || absent.quoted())
-            complain(absent, path + ".absent", "true, not " + in_short(absent) + "; leave the key out to keep it");
+            complain(absent, path + ".absent", "true, not " + as_found(absent) + "; leave the key out to keep it");
         if (value->map().size() > 1) complain(*value, path, "is absent, and has other keys too");
         return true;
     }
 
     void keyed(const Row& row, const std::string& path, Value* value)
     {
-        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + in_short(*value));
+        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + as_found(*value));
         Value::Map normal;
         size_t count = 0;
         for (auto& [key, each] : value->map()) {
@@ -176,7 +177,7 @@ private:
     void scopes(const Node& node, const std::string& path, Value* value, const Type& key_type,
                 const std::vector<std::string>& more)
     {
-        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + in_short(*value));
+        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + as_found(*value));
         const bool are_lans = node.kind == Node::Kind::kLans;
         size_t count = 0;
         for (auto& [key, each] : value->map()) {

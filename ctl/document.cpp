@@ -135,8 +135,10 @@ private:
     Value scalar(const Event& event, const std::string& path)
     {
         const std::string text = event.text();
-        if (event.is_plain() && (text.empty() || text == "~" || text == "null" || text == "Null" || text == "NULL"))
+        if (event.is_plain() && (text.empty() || text == "~" || text == "null" || text == "Null" || text == "NULL")) {
             tell(event.mark(), path, "nothing stands behind it; leave the key out to leave it alone");
+            return {};
+        }
         return Value(Scalar{text, !event.is_plain()});
     }
 
@@ -187,6 +189,21 @@ bool can_be_bare(const std::string& text)
     return plain && std::find(others.begin(), others.end(), lower) == others.end();
 }
 
+// With control bytes as \xNN: what a document says goes to a terminal here.
+std::string visible(const std::string& text)
+{
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::string out;
+    for (const char c : text) {
+        const unsigned char byte = static_cast<unsigned char>(c);
+        if (byte >= 0x20 && byte != 0x7f)
+            out += c;
+        else
+            out += std::string("\\x") + kDigits[byte >> 4] + kDigits[byte & 15];
+    }
+    return out;
+}
+
 }  // namespace
 
 std::string problem_lines(const std::string& file, Problems problems)
@@ -194,17 +211,16 @@ std::string problem_lines(const std::string& file, Problems problems)
     std::stable_sort(problems.begin(), problems.end(), [](const Problem& a, const Problem& b) {
         return a.mark.line != b.mark.line ? a.mark.line < b.mark.line : a.mark.column < b.mark.column;
     });
-    // One value is wrong once: a value that is none is no word either.
-    const auto same_place = [](const Problem& a, const Problem& b) {
-        return a.mark.line == b.mark.line && a.mark.column == b.mark.column && a.path == b.path;
+    const auto same = [](const Problem& a, const Problem& b) {
+        return a.mark.line == b.mark.line && a.mark.column == b.mark.column && a.path == b.path && a.text == b.text;
     };
-    problems.erase(std::unique(problems.begin(), problems.end(), same_place), problems.end());
+    problems.erase(std::unique(problems.begin(), problems.end(), same), problems.end());
     std::string lines;
     for (const Problem& problem : problems) {
         lines += file + ":";
         if (problem.mark.line != 0)
             lines += std::to_string(problem.mark.line) + ":" + std::to_string(problem.mark.column) + ":";
-        lines += (problem.path.empty() ? " " : " " + problem.path + ": ") + problem.text + "\n";
+        lines += (problem.path.empty() ? " " : " " + visible(problem.path) + ": ") + visible(problem.text) + "\n";
     }
     return lines;
 }

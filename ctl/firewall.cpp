@@ -247,6 +247,7 @@ Row entries_row()
          optional({"icmp_code", number(0, 255), "ICMP code; icmp, icmpv6"}),
          optional({"spi", number(0, kWordMax), "security parameter index; esp"})},
         {"zr_nexa_firewall_entry_add_v1", "zr_nexa_firewall_entry_get_v1", "zr_nexa_firewall_entry_del_v1"}};
+    row.about = "packets that are treated otherwise than unmatched says";
     row.read = read_entries;
     row.add = add_entry;
     row.remove = [](uint32_t handle, const std::string&, const Value& entry) {

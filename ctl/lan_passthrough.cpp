@@ -165,6 +165,7 @@ Row passthrough_row()
                 optional({"mac", plain(Type::Kind::kMac), "of ethernet, wlan and ethernet-2: the device"}),
                 optional({"host_name", text(0, ZR_NEXA_LAN_IPPT_NAME_SIZE), "of usb: the device"})},
                {"zr_nexa_lan_ippt_set_v1", "zr_nexa_lan_ippt_get_v1"}};
+    row.about = "one device of the LAN that gets the WWAN address itself";
     row.read = read_passthrough;
     row.write = write_passthrough;
     row.check = check_passthrough;
@@ -253,6 +254,7 @@ Row filters_row()
          optional({"ports", ports(1, ZR_NEXA_LAN_IPPTGWFILTER_PORT_MAX),
                    "ports whose traffic stays with the module; portless keeps them and does not look at them"})},
         {"zr_nexa_lan_ipptgwfilter_add_v1", "zr_nexa_lan_ipptgwfilter_get_v1", "zr_nexa_lan_ipptgwfilter_del_v1"}};
+    row.about = "ports whose traffic stays with the module in spite of the passthrough";
     row.read = read_filters;
     row.add = add_filter;
     row.remove = remove_filter;

@@ -239,6 +239,7 @@ Row tunnels_row()
     row.fields.back().type.low = 1;
     row.key = id;
     row.most = ZR_NEXA_LAN_L2TP_TUNNELS_MAX;
+    row.about = "tunnels of the LAN, by their ids here";
     row.next_follows = true;  // the mode
     row.read = [](uint32_t lan, Value* out) {
         zr_nexa_lan_l2tp_info_t info;

@@ -15,9 +15,9 @@ namespace {
 
 // In the order in which the help lists them.
 constexpr void (*kVerbs[])(CLI::App&, ctl::Work*) = {
-    ctl::add_show,   ctl::add_validate, ctl::add_diff_and_apply, ctl::add_confirmation,
-    ctl::add_status, ctl::add_metrics,  ctl::add_connect,        ctl::add_watch,
-    ctl::add_run,    ctl::add_explain,  ctl::add_actions,
+    ctl::add_show,    ctl::add_validate, ctl::add_schema,  ctl::add_diff_and_apply, ctl::add_confirmation,
+    ctl::add_status,  ctl::add_metrics,  ctl::add_connect, ctl::add_watch,          ctl::add_run,
+    ctl::add_explain, ctl::add_actions,  ctl::add_keys,
 };
 
 std::string exit_statuses()

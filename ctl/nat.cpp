@@ -132,6 +132,7 @@ Row mappings_row()
                 or_same_as({"port", number(1, 65535), "the device's port"}, "global_port")},
                {"zr_nexa_nat_ipv4portmapping_add_v1", "zr_nexa_nat_ipv4portmapping_del_v1",
                 "zr_nexa_nat_ipv4portmapping_get_v1"}};
+    row.about = "rules for what comes in from outside";
     row.read = read_mappings;
     row.add = [](uint32_t handle, const std::string&, const Value& rule) {
         return change_mapping(NAMED(zr_nexa_nat_ipv4portmapping_add_v1), handle, rule);

@@ -29,6 +29,19 @@ constexpr Section kSections[] = {
     {"write_only", "settings that cannot be read: written whenever they are named, never the same"},
 };
 
+// The groups in LANs and profiles, and in sections.
+constexpr Section kGroups[] = {
+    {"lans.dhcp", "the LAN's DHCP server"},
+    {"lans.l2tp", "L2TP on the LAN"},
+    {"profiles.nat", "NAT of what goes out through the profile"},
+    {"profiles.vpn_passthrough", "which VPNs pass the profile's NAT"},
+    {"profiles.vpn_passthrough.pptp", "PPTP"},
+    {"profiles.vpn_passthrough.ipsec", "IPSec"},
+    {"profiles.vpn_passthrough.l2tp", "L2TP"},
+    {"profiles.firewall", "the profile's firewall"},
+    {"write_only.alg", "the switches of the ALGs, by the service's own numbers"},
+};
+
 Node& child_of(Node* parent, const std::string& key)
 {
     for (Node& child : parent->children)
@@ -64,7 +77,7 @@ void add_row(Node* root, const Row& row)
     }
     Node& node = node_at(scope, row.path);
     node.kind = row.shape == Shape::kWhole ? Kind::kWhole : row.shape == Shape::kList ? Kind::kList : Kind::kKeyed;
-    node.about = row.about;
+    if (!row.about.empty()) node.about = row.about;  // a section has its own
     node.row = &row;
 }
 
@@ -77,6 +90,8 @@ Node make_tree()
     child_of(&root, "profiles").kind = Kind::kProfiles;
     for (const Row& row : rows())
         add_row(&root, row);
+    for (const Section& group : kGroups)
+        node_at(&root, group.key).about = group.about;
     return root;
 }
 

@@ -195,13 +195,6 @@ std::optional<std::string> normal_scalar(const Type& type, const Value& value)
     return std::nullopt;
 }
 
-std::string found(const Value& value)
-{
-    if (value.is_list()) return "a list";
-    if (value.is_map()) return "a group of keys";
-    return value.quoted() ? "\"" + value.text() + "\"" : value.text();
-}
-
 bool normalize_list(const Type& type, const std::string& path, Value* value, const Complain& complain)
 {
     bool good = true;
@@ -239,6 +232,21 @@ size_t distance(const std::string& a, const std::string& b)
 }
 
 }  // namespace
+
+std::string as_found(const Value& value)
+{
+    if (value.is_list()) return "a list";
+    if (value.is_map()) return "a group of keys";
+    constexpr size_t kMost = 200;
+    std::string text = value.text();
+    if (text.size() > kMost) {
+        size_t end = kMost;
+        while ((static_cast<unsigned char>(text[end]) & 0xc0) == 0x80)  // within a sign
+            --end;
+        text = text.substr(0, end) + "...";
+    }
+    return value.quoted() ? "\"" + text + "\"" : text;
+}
 
 Type flag()
 {
@@ -361,11 +369,14 @@ bool normalize_record(const std::vector<Field>& fields, const std::string& path,
 std::string no_such_key(const std::string& key, const std::vector<std::string>& known)
 {
     std::string closest;
-    size_t least = std::max<size_t>(2, key.size() / 3) + 1;
+    size_t least = SIZE_MAX;
     for (const std::string& each : known) {
         if (key.size() > 100) break;
-        const size_t steps = distance(key, each);
-        if (steps >= least) continue;
+        size_t steps = distance(key, each);
+        const bool begins_so = key.size() > 1 && each.rfind(key, 0) == 0;
+        const bool is_close = steps <= std::max<size_t>(2, key.size() / 3) && steps < key.size();
+        if (!begins_so) steps += 1000;  // "lease" is lease_seconds rather than last
+        if (steps >= least || !(begins_so || is_close)) continue;
         least = steps;
         closest = each;
     }
@@ -380,7 +391,7 @@ bool normalize(const Type& type, const std::string& path, Value* value, const Co
     if (type.kind == Kind::kRecord && value->is_map()) return normalize_record(type.fields, path, value, complain);
     const auto normal = value->is_scalar() ? normal_scalar(type, *value) : std::nullopt;
     if (!normal && !is_word) {
-        complain(*value, path, allowed(type) + ", not " + found(*value));
+        complain(*value, path, allowed(type) + ", not " + as_found(*value));
         return false;
     }
     const Mark mark = value->mark;
@@ -437,7 +448,10 @@ std::string allowed(const Type& type)
             text = "the label of a profile";
             break;
         case Kind::kList:
-            text = "a list, " + std::to_string(type.high) + " entries at most";
+            text = "a list of " + (type.low == type.high ? std::to_string(type.high) + " entries"
+                                   : type.low == 0       ? std::to_string(type.high) + " entries at most"
+                                                         : range + " entries");
+            text += ", each " + allowed(type.fields[0].type);
             break;
         case Kind::kRecord:
             text = "a group of keys";

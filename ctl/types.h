@@ -87,6 +87,9 @@ bool normalize(const Type& type, const std::string& path, Value* value, const Co
 bool normalize_record(const std::vector<Field>& fields, const std::string& path, Value* value,
                       const Complain& complain);
 
+// What stands there, for messages: "a list", 010, "no"; a long text is cut.
+std::string as_found(const Value& value);
+
 // "no such key", with the one that may have been meant.
 std::string no_such_key(const std::string& key, const std::vector<std::string>& known);
 

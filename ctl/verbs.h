@@ -20,6 +20,7 @@ void add_diff_and_apply(CLI::App& app, Work* chosen);
 void add_confirmation(CLI::App& app, Work* chosen);  // confirm, pending, rollback
 void add_validate(CLI::App& app, Work* chosen);
 void add_schema(CLI::App& app, Work* chosen);
+void add_keys(CLI::App& app, Work* chosen);  // for the page of keys
 void add_status(CLI::App& app, Work* chosen);
 void add_metrics(CLI::App& app, Work* chosen);
 void add_connect(CLI::App& app, Work* chosen);  // connect, disconnect

@@ -28,6 +28,7 @@ std::vector<Row> wan_mpdn_mapping_rows()
                "vlans",
                {{"", number(1, kVlanMax), "a VLAN whose traffic goes out through the profile"}},
                {"zr_nexa_wan_mpdnmapping_add_v1", "zr_nexa_wan_mpdnmapping_get_v1", "zr_nexa_wan_mpdnmapping_del_v1"}};
+    row.about = "VLANs whose traffic goes out through the profile";
     row.read_all = read_mappings;
     row.add = [](uint32_t handle, const std::string&, const Value& vlan) {
         return CALL(zr_nexa_wan_mpdnmapping_add_v1, handle, static_cast<uint16_t>(vlan.number()));

@@ -80,8 +80,7 @@ StartedTool::StartedTool(const std::vector<std::string>& words, const ToolOption
         EXPECT_EQ(pipe2(told, O_CLOEXEC), 0);
         variables.push_back("ZR_NEXA_TELL=" + std::to_string(told[1]));
     }
-    const std::string program = options.program.empty() ? ZR_NEXA_TOOL : options.program;
-    const std::vector<std::string> all = program_words(program, words, &variables);
+    const std::vector<std::string> all = program_words(options.program, words, &variables);
     const std::vector<char*> argv = pointers(all);
     const std::vector<char*> envp = pointers(variables);
 

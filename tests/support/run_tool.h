@@ -17,7 +17,6 @@ struct ToolOptions {
     bool empty_environment = false;           // no variable at all, as under env -i; the tool pauses then
     bool tells = false;                       // for wait_for_handlers() and wait_for_pause()
     std::function<void()> before_exec = {};   // runs in the new process
-    std::string program = {};                 // another program of this build than the tool
 };
 
 struct ToolRun {
