@@ -80,9 +80,11 @@ public:
     Reader(const std::string& bytes, Problems* problems) : problems_(problems)
     {
         if (yaml_parser_initialize(&parser_) == 0) throw std::bad_alloc();
-        const void* const start = bytes.data();
+        const size_t mark =
+            bytes.rfind("\xef\xbb\xbf", 0) == 0 ? 3 : 0;  // of bytes that are UTF-8; some editors put it
+        const void* const start = bytes.data() + mark;
         yaml_parser_set_encoding(&parser_, YAML_UTF8_ENCODING);
-        yaml_parser_set_input_string(&parser_, static_cast<const unsigned char*>(start), bytes.size());
+        yaml_parser_set_input_string(&parser_, static_cast<const unsigned char*>(start), bytes.size() - mark);
     }
     ~Reader()
     {

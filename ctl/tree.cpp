@@ -55,6 +55,13 @@ constexpr const char* kFirst[] = {
     "lans.l2tp.mss",
     "lans.l2tp.clamp_mss",
     "lans.l2tp.mode",
+    "profiles.dial",
+    "profiles.reconnect",
+    "profiles.autoconnect",
+    "profiles.roaming",
+    "profiles.vlans",
+    "profiles.nat",
+    "profiles.vpn_passthrough",
     "profiles.firewall.enabled",
     "profiles.firewall.unmatched",
 };
