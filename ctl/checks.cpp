@@ -219,9 +219,9 @@ private:
     void roles(const Value& tree)
     {
         for (const auto& [role, label] : tree.child("roles").map()) {
+            if (label.text() == "none") continue;  // as a module may have it
             const Value& profiles = tree.child("profiles");
             const Value& profile = profiles.child(label.text());
-            if (profile.is_nothing() && label.text() == "none") continue;  // as a module may have it
             if (profile.is_nothing())
                 complain(label, "roles." + role,
                          "no profile \"" + label.text() + "\"; " +
