@@ -328,19 +328,23 @@ private:
     // What goes, or is made anew, is held as a whole before.
     void check_lost()
     {
-        const auto check = [this](Scope scope, const std::string& name) {
-            for (const Row* row : rows_of(scope)) {
-                const Unread* const unread = unread_of(*row, name);
-                if (unread != nullptr && !unread->is_missing)
-                    problem(instance_of(document_, scope, name), record_path(*row, name),
-                            "cannot be read, and would be lost: " + in_words(unread->result));
-            }
+        const auto check = [this](const Row& row, const std::string& of, Scope scope, const std::string& name) {
+            const Unread* const unread = unread_of(row, of);
+            if (unread != nullptr && !unread->is_missing)
+                problem(instance_of(document_, scope, name), instance_path(scope, name),
+                        record_path(row, of) + " cannot be read, and would be lost: " + in_words(unread->result));
         };
-        for (const std::set<std::string>* each : {&lans_.gone, &lans_.remade})
-            for (const std::string& id : *each)
-                check(Scope::kLan, id);
+        for (const std::set<std::string>* each : {&lans_.gone, &lans_.remade}) {
+            for (const std::string& id : *each) {
+                for (const Row* row : rows_of(Scope::kLan))
+                    check(*row, id, Scope::kLan, id);
+                for (const Row* row : rows_of(Scope::kProfile))
+                    if (row->phase == Phase::kMapping) check(*row, "*", Scope::kLan, id);
+            }
+        }
         for (const std::string& label : profiles_.gone)
-            check(Scope::kProfile, label);
+            for (const Row* row : rows_of(Scope::kProfile))
+                check(*row, label, Scope::kProfile, label);
     }
 
     std::string handle_text(const std::string& label) const

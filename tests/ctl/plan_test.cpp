@@ -307,8 +307,21 @@ TEST_F(PlanTest, WhatCannotBeReadIsRefused)
 
     with_faults("");
     applied(kLan);
-    with_faults("GetMPDNVLANMappings=fail:3,GetIPPTGWFilters=fail:3");
-    EXPECT_EQ(plan_of("profiles: {a: {dial: {apn_index: 1}, vlans: [10]}}\n").size(), 1u);
+    with_faults("GetPDNtoVLANMappingsEx=fail:3");
+    const Lines mapped = plan_of("profiles: {a: {dial: {apn_index: 1}, vlans: [10]}}\n");
+    ASSERT_EQ(mapped.size(), 1u);
+    EXPECT_EQ(mapped[0].rfind("problem: profiles.a.vlans: cannot be read: ", 0), 0u) << mapped[0];
+    // What would go with a VLAN is not known.
+    const Lines gone = plan_of("lans: {10: {absent: true}}\n");
+    ASSERT_EQ(gone.size(), 1u);
+    EXPECT_EQ(gone[0].rfind("problem: lans.10: profiles.*.vlans cannot be read, and would be lost: ", 0), 0u)
+        << gone[0];
+
+    with_faults("GetIPPassthroughSoftwarePathFilters=fail:3");
+    const Lines lost = plan_of("lans: {10: {absent: true}}\n");
+    ASSERT_EQ(lost.size(), 1u);
+    EXPECT_EQ(lost[0].rfind("problem: lans.10: lans.10.gateway_filters cannot be read, and would be lost: ", 0), 0u)
+        << lost[0];
 }
 
 TEST_F(PlanTest, WhatADocumentCannotSayIsRefusedWithoutAModule)
