@@ -172,7 +172,6 @@ TEST_F(ConfirmTest, AnApplyGoesOnAndIsUndoneWhenItsTerminalGoes)
         dup2(ends[1], STDERR_FILENO);
         close(ends[0]);
         close(ends[1]);
-        signal(SIGPIPE, SIG_IGN);  // until it reaches its first change it says nothing
     };
     StartedTool tool({"apply", one_, "--confirm-within", "1"}, options);
     ASSERT_TRUE(comes([&] { return is_held(); }));

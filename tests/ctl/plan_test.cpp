@@ -341,6 +341,21 @@ TEST_F(PlanTest, WhatADocumentCannotSayIsRefusedWithoutAModule)
     EXPECT_EQ(document_problems(many), ":2:1: lans: 2001 VLANs, 2000 are the most\n");
 }
 
+TEST_F(PlanTest, KeyedEntriesAreCountedWithThoseThatStay)
+{
+    const auto reservations = [](int first, int last) {
+        std::string text = "reservations:\n";
+        for (int i = first; i <= last; ++i)
+            text += "  192.168.225." + std::to_string(i) + ": {mac: \"02:00:00:00:00:" + std::to_string(i) + "\"}\n";
+        return text;
+    };
+    applied(reservations(20, 39));
+    EXPECT_EQ(plan_of(reservations(40, 40)),
+              Lines({"problem: reservations: 21 entries would be there, 20 are the most"}));
+    EXPECT_EQ(plan_of(reservations(40, 59), Reach::kExact).size(), 40u);
+    applied(reservations(40, 59), Reach::kExact);
+}
+
 TEST_F(PlanTest, AListIsCompleteAndARemovalComesBehindUnlessItIsFull)
 {
     applied("software_path: [10.0.0.1, 10.0.0.2]\n");
