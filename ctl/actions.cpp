@@ -2,9 +2,13 @@
 #include <zr_nexa/wan_connection.h>
 
 #include <CLI/CLI.hpp>
+#include <memory>
+#include <stdexcept>
+#include <string>
 
 #include "exit_status.h"
 #include "explain.h"
+#include "held.h"
 #include "session.h"
 #include "tell.h"
 #include "verbs.h"
@@ -25,17 +29,36 @@ int done(const std::function<Result()>& action)
     return result.code == ZR_NEXA_ERR_NO_SESSION ? kNoService : kRefused;
 }
 
+// There is nothing to go back to any more.
+int restore_factory(const std::string& state)
+{
+    try {
+        const std::string folder = state_folder(state);
+        const Lock lock(folder);
+        if (!lock.is_held()) {
+            tell("an apply is under way: " + lock.holder() + " holds the lock of " + folder);
+            return kLocked;
+        }
+        const int status = done([] {
+            return Result{zr_nexa_general_restore_nexa_v1(), "zr_nexa_general_restore_nexa_v1"};
+        });
+        if (status == kDone) forget_held(folder);
+        return status;
+    } catch (const std::runtime_error& error) {
+        tell(error.what());
+        return kNotUndone;
+    }
+}
+
 }  // namespace
 
 void add_actions(CLI::App& app, Work* chosen)
 {
     CLI::App* const restore = app.add_subcommand("restore", "Put everything back to the factory's settings");
     restore->add_flag("--yes", "It cannot be undone")->required();
-    restore->final_callback([=] {
-        *chosen = [] {
-            return done([] { return Result{zr_nexa_general_restore_nexa_v1(), "zr_nexa_general_restore_nexa_v1"}; });
-        };
-    });
+    const auto state = std::make_shared<std::string>();
+    restore->add_option("--state", *state, "Folder of the lock and the held state: one a module");
+    restore->final_callback([=] { *chosen = [=] { return restore_factory(*state); }; });
 
     CLI::App* const reset = app.add_subcommand("reset", "Set counts back to zero")->require_subcommand(1);
     CLI::App* const lan = reset->add_subcommand("lan-statistics", "The LAN's packet counts");

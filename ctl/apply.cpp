@@ -124,8 +124,12 @@ private:
         };
         switch (row.shape) {
             case Shape::kUnit:
-            case Shape::kWhole:
-                return there == with_handles(step, step.wanted);
+            case Shape::kWhole: {
+                const Value wanted = with_handles(step, step.wanted);
+                if (row.shape == Shape::kWhole || wanted.map().empty()) return there == wanted;
+                return std::all_of(wanted.map().begin(), wanted.map().end(),
+                                   [&there](const auto& each) { return there.child(each.first) == each.second; });
+            }
             case Shape::kList:
                 return step.kind == Step::Kind::kAdd ? count(step.wanted) > 0 : count(step.present) == 0;
             case Shape::kKeyed:
@@ -171,25 +175,57 @@ Run run(const Plan& plan, Reach reach, bool keep_going, const Progress& progress
         outcome.refused.push_back({&step, result});
         if (!keep_going) return outcome;
     }
+    outcome.is_stopped = !plan.steps.empty() && progress.is_stopped && progress.is_stopped();
     return outcome;
 }
 
-// What still differs from a document, a line each. What cannot be read is no difference.
+std::string unreadable(const Refusal& refusal)
+{
+    return refusal.path + ": cannot be read: " + in_words(refusal.result);
+}
+
+// What still differs from a document, a line each.
 std::vector<std::string> differences(const Value& document, Reach reach)
 {
-    const Module module = read_for(document, reach);
-    const Plan plan = make_plan(document, module, reach);
     std::vector<std::string> lines;
-    for (const Problem& problem : plan.problems)
-        lines.push_back(problem.path + ": " + problem.text);
-    for (const Step& step : plan.steps)
-        if (!step.row->write_only) lines.insert(lines.end(), step.lines.begin(), step.lines.end());
+    try {
+        const Module module = read_for(document, reach);
+        const Plan plan = make_plan(document, module, reach);
+        for (const Problem& problem : plan.problems)
+            lines.push_back(problem.path + ": " + problem.text);
+        for (const Step& step : plan.steps)
+            if (!step.row->write_only) lines.insert(lines.end(), step.lines.begin(), step.lines.end());
+    } catch (const Refusal& refusal) {
+        lines.push_back(unreadable(refusal));
+    }
     return lines;
 }
 
 void tell(const Progress& progress, const std::string& line)
 {
     if (progress.tells) progress.tells(line);
+}
+
+void undo(const Value& before, const Progress& progress)
+{
+    Plan plan = make_plan(before, read_for(before, Reach::kBack), Reach::kBack);
+    plan.steps.erase(
+        std::remove_if(plan.steps.begin(), plan.steps.end(), [](const Step& step) { return step.row->write_only; }),
+        plan.steps.end());
+    run(plan, Reach::kBack, true, progress);
+}
+
+// What was done and cannot be taken back, in place of the lines that say the same.
+void add_not_undone(const std::vector<const Step*>& done, std::vector<std::string>* left)
+{
+    for (const Step* const step : done) {
+        if (step->not_undone.empty()) continue;
+        const std::string start = path_of(*step) + ": ";
+        left->erase(std::remove_if(left->begin(), left->end(),
+                                   [&start](const std::string& line) { return line.rfind(start, 0) == 0; }),
+                    left->end());
+        left->push_back(start + "not undone: " + step->not_undone);
+    }
 }
 
 }  // namespace
@@ -201,20 +237,62 @@ Module read_for(const Value& document, Reach reach)
     return module;
 }
 
+Value completed(Value held, const Value& now)
+{
+    std::map<std::string, std::string> by_handle;
+    for (const auto& [label, profile] : held.child("profiles").map())
+        by_handle[profile.child("handle").text()] = label;
+    std::map<std::string, std::string> labels;  // now's, and what the held state calls the same profile
+    for (const auto& [label, profile] : now.child("profiles").map()) {
+        const auto same = by_handle.find(profile.child("handle").text());
+        if (same != by_handle.end()) labels[label] = same->second;
+    }
+    for (const Row& row : rows()) {
+        each_instance(now, row.scope, [&](const std::string& name, const Value& instance) {
+            const auto label = labels.find(name);
+            if (row.scope == Scope::kProfile && label == labels.end()) return;
+            const std::string own = row.scope == Scope::kProfile ? label->second : name;
+            if (row.scope == Scope::kLan && held.child("lans").map().count(own) == 0) return;
+            Value& there = make_instance(&held, row.scope, own);
+            Value record = record_of(row, instance);
+            if (record.is_nothing() || !record_of(row, there).is_nothing()) return;
+            if (row.phase == Phase::kRoles) {
+                Value known;
+                for (const auto& [role, each] : record.map())
+                    if (labels.count(each.text()) != 0) known.map()[role] = labels[each.text()];
+                record = known;
+            }
+            if (row.phase == Phase::kMapping) {
+                Value::List& ids = record.list();
+                ids.erase(
+                    std::remove_if(ids.begin(), ids.end(),
+                                   [&held](const Value& id) { return held.child("lans").map().count(id.text()) == 0; }),
+                    ids.end());
+            }
+            put_record(row, record, &there);
+        });
+    }
+    return held;
+}
+
 Outcome go_back(const Value& before, const Progress& progress)
 {
-    Plan plan = make_plan(before, read_for(before, Reach::kBack), Reach::kBack);
-    plan.steps.erase(
-        std::remove_if(plan.steps.begin(), plan.steps.end(), [](const Step& step) { return step.row->write_only; }),
-        plan.steps.end());
     Progress steady = progress;
     steady.is_stopped = nullptr;
-    for (const Problem& problem : plan.problems)
-        tell(progress, problem.path + ": " + problem.text);
-    run(plan, Reach::kBack, true, steady);
+    if (progress.goes_back) progress.goes_back();
     Outcome outcome;
-    outcome.left = differences(before, Reach::kBack);
-    outcome.status = outcome.left.empty() ? kDone : kNotUndone;
+    // Once more where something passing came between.
+    for (int i = 0; i < 2; ++i) {
+        try {
+            undo(before, steady);
+        } catch (const Refusal& refusal) {
+            tell(progress, unreadable(refusal));
+        }
+        outcome.left = differences(before, Reach::kBack);
+        if (outcome.left.empty()) break;
+    }
+    outcome.is_back = outcome.left.empty();
+    outcome.status = outcome.is_back ? kDone : kNotUndone;
     return outcome;
 }
 
@@ -222,12 +300,15 @@ Outcome carry_out(const Plan& plan, const Value& document, const Value& before, 
                   const Progress& progress)
 {
     const Run ran = run(plan, options.reach, options.keep_going, progress);
-    const bool gives_up = ran.is_stopped || (!ran.refused.empty() && !options.keep_going);
-    if (gives_up) {
+    if (ran.is_stopped && ran.done.empty() && ran.refused.empty()) {
+        tell(progress, "stopped; nothing was changed");
+        return {kRefused, {}, true};
+    }
+    if (ran.is_stopped || (!ran.refused.empty() && !options.keep_going)) {
         tell(progress, ran.is_stopped ? "stopped; undoing what was done" : "refused; undoing what was done");
+        if (options.before_undo) options.before_undo();
         Outcome outcome = go_back(before, progress);
-        for (const Step* step : ran.done)
-            if (step->row->write_only) outcome.left.push_back(step->lines[0] + ": cannot be taken back");
+        add_not_undone(ran.done, &outcome.left);
         outcome.status = outcome.left.empty() ? kRefused : kNotUndone;
         return outcome;
     }

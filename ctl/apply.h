@@ -14,6 +14,7 @@ struct ApplyOptions {
     Reach reach = Reach::kMerge;
     bool verify = true;
     bool keep_going = false;
+    std::function<void()> before_undo = nullptr;
 };
 
 // What happens on the way, for whoever shows it.
@@ -23,16 +24,21 @@ struct Progress {
     std::function<void(const Step& step, const Result& result, const std::string& note)> ends = nullptr;
     std::function<void(const std::string& line)> tells = nullptr;
     std::function<bool()> is_stopped = nullptr;  // between steps: the rest is left out and all is undone
+    std::function<void()> goes_back = nullptr;   // the steps from here on undo
 };
 
 struct Outcome {
     int status = 0;                      // exit_status.h
     std::vector<std::string> left = {};  // what is not as it should be, a line each
+    bool is_back = false;                // all that can be is as it was before
 };
 
 // Carries the steps out. before is the state to go back to, as a document with handles.
 Outcome carry_out(const Plan& plan, const Value& document, const Value& before, const ApplyOptions& options,
                   const Progress& progress);
+
+// A held state, with what it does not say as it is now: what another document names was not read for the first one.
+Value completed(Value held, const Value& now);
 
 // Brings the module to a held state.
 Outcome go_back(const Value& before, const Progress& progress);

@@ -4,8 +4,10 @@
 #include <map>
 #include <set>
 
+#include "lan_vlan.h"
 #include "module.h"
 #include "tree.h"
+#include "wan_profile.h"
 
 namespace ctl {
 namespace {
@@ -31,6 +33,7 @@ public:
             each_instance(*tree, scope,
                           [&](const std::string& name, const Value& instance) { units(scope, name, instance); });
         }
+        lans(tree->child("lans"));
         profiles(tree->child("profiles"));
         roles(*tree);
         reservations(tree->child("reservations"));
@@ -116,6 +119,18 @@ private:
             else
                 record(row, place, &value->list()[i]);
         }
+        value->list() = sorted(value->list());
+        if (row.once) twice(row, path, *value);
+    }
+
+    // What can be read only is not told apart, and may be there several times.
+    void twice(const Row& row, const std::string& path, const Value& value)
+    {
+        for (size_t i = 1; i < value.list().size(); ++i) {
+            const Value& entry = value.list()[i];
+            if (entry != value.list()[i - 1] || (row.not_undone && !row.not_undone({}, entry).empty())) continue;
+            complain(entry, path, in_short(entry) + " stands twice");
+        }
     }
 
     // The normal spelling of a key; the key itself when it has none.
@@ -129,14 +144,18 @@ private:
         return name.text();
     }
 
-    // "absent: true" stands alone: what is to go has no settings.
-    bool is_absent(const std::string& path, Value* value)
+    // "absent: true" stands alone: what is to go has no settings. A profile may say by what it is known.
+    bool is_absent(const std::string& path, Value* value, const std::vector<std::string>& more = {})
     {
         if (!value->is_map() || !value->has("absent")) return false;
         const Value& absent = value->child("absent");
         if (absent.text() != "true" || absent.quoted())
             complain(absent, path + ".absent", "true, not " + as_found(absent) + "; leave the key out to keep it");
-        if (value->map().size() > 1) complain(*value, path, "is absent, and has other keys too");
+        const auto is_other = [&more](const auto& each) {
+            return each.first != "absent" && std::find(more.begin(), more.end(), each.first) == more.end();
+        };
+        if (std::any_of(value->map().begin(), value->map().end(), is_other))
+            complain(*value, path, "is absent, and has other keys too");
         return true;
     }
 
@@ -163,17 +182,31 @@ private:
                 const std::vector<std::string>& more)
     {
         if (!value->is_map()) return complain(*value, path, "a group of keys, not " + as_found(*value));
+        const bool are_lans = node.kind == Node::Kind::kLans;
+        size_t count = 0;
         for (auto& [key, each] : value->map()) {
             const std::string place = below(path, key);
             normal_key(key_type, place, key, each);
-            if (is_absent(place, &each) && key == "0" && node.kind == Node::Kind::kLans)
-                complain(each, place, "the default LAN is always there");
+            if (!are_lans && key == "none") complain(each, place, "none is no label");
+            if (is_absent(place, &each, are_lans ? more : std::vector<std::string>{"handle", "dial"})) {
+                if (are_lans && key == "0") complain(each, place, "the default LAN is always there");
+            } else if (!are_lans || key != "0") {
+                ++count;
+            }
+            if (are_lans && key == "0")
+                for (const char* const other : {"vlan", "passthrough_nat"})
+                    if (each.has(other)) complain(each.child(other), below(place, other), "not of the default LAN");
             std::vector<std::string> known = more;
             known.emplace_back("absent");
             if (each.has("handle") && !more.empty())
                 normalize(number(1, 50), place + ".handle", &each.make("handle"), complainer());
             group(node, place, &each, known);
         }
+        const size_t most = are_lans ? kVlansMax : kProfilesMax;
+        if (count > most)
+            complain(*value, path,
+                     std::to_string(count) + (are_lans ? " VLANs, " : " profiles, ") + std::to_string(most) +
+                         " are the most");
     }
 
     // ---- what belongs together ----
@@ -185,6 +218,18 @@ private:
             if (row->shape != Shape::kUnit || !row->check) continue;
             const Value record = record_of(*row, instance);
             if (!record.is_nothing()) row->check(record, instance_path(scope, name), complainer());
+        }
+    }
+
+    void lans(const Value& lans)
+    {
+        for (const auto& [id, lan] : lans.map()) {
+            const Value& mode = lan.at("l2tp.mode");
+            const Value& tunnels = lan.at("l2tp.tunnels");
+            if (mode.text() != "managed" || tunnels.is_nothing()) continue;
+            if (std::all_of(tunnels.map().begin(), tunnels.map().end(),
+                            [](const auto& tunnel) { return tunnel.second.has("absent"); }))
+                complain(mode, "lans." + id + ".l2tp.mode", "managed needs a tunnel");
         }
     }
 

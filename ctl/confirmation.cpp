@@ -92,28 +92,15 @@ int rollback(const Options& options)
             if (!result.good()) tell("refused: " + line + ": " + in_words(result));
         }
     };
-    restore_gre_copy(folder);
+    const std::string problem = is_gre_copy_in(folder) ? restore_gre_copy(folder) : "";
+    if (!problem.empty()) tell(problem);
     const Outcome outcome = go_back(held->document, progress);
     for (const std::string& line : outcome.left)
         tell("is not as it was: " + line);
     if (outcome.status == kDone) forget_held(folder);
+    std::fflush(stdout);
+    std::clearerr(stdout);
     return outcome.status;
-}
-
-// Waits off the terminal until the time for confirming is over, and goes back then. It reads the held state each time:
-// a confirmation takes it away, another apply sets its time anew.
-int watch_over(const Options& options)
-{
-    signal(SIGHUP, SIG_IGN);
-    for (;;) {
-        const auto held = read_held(options.state);
-        if (!held || held->seconds == 0) return kDone;
-        if (seconds_left(*held) == 0) {
-            const int status = rollback({options.state, true});
-            if (status != kLocked && status != kNoService) return status;
-        }
-        usleep(200000);
-    }
 }
 
 int guarded(const Options& options, int (*work)(const Options&))
@@ -126,6 +113,22 @@ int guarded(const Options& options, int (*work)(const Options&))
     } catch (const std::runtime_error& error) {
         tell(error.what());
         return kNotUndone;
+    }
+}
+
+// Waits off the terminal until the time for confirming is over, and goes back then. It reads the held state each time:
+// a confirmation takes it away, another apply sets its time anew.
+int watch_over(const Options& options)
+{
+    signal(SIGHUP, SIG_IGN);
+    for (;;) {
+        const auto held = read_held(options.state);
+        if (!held || held->seconds == 0) return kDone;
+        if (seconds_left(*held) == 0) {
+            const int status = guarded({options.state, true}, rollback);
+            if (status != kLocked && status != kNoService) return status;
+        }
+        usleep(200000);
     }
 }
 

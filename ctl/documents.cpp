@@ -145,11 +145,17 @@ std::string json_list(const std::vector<std::string>& lines)
     return "[" + text + "]";
 }
 
+// A step that only finishes another one has no line.
+std::vector<std::string> lines_of(const Step& step)
+{
+    return step.lines.empty() ? std::vector<std::string>{path_of(step) + ": written again"} : step.lines;
+}
+
 void print_plan(const Plan& plan, bool json)
 {
     for (const Step& step : plan.steps) {
         if (json) {
-            std::vector<std::pair<std::string, std::string>> members = {{"plan", json_list(step.lines)}};
+            std::vector<std::pair<std::string, std::string>> members = {{"plan", json_list(lines_of(step))}};
             if (!step.interrupts.empty()) members.emplace_back("interrupts", quoted(step.interrupts));
             if (!step.not_undone.empty()) members.emplace_back("not_undone", quoted(step.not_undone));
             print(json_object(members));
@@ -168,7 +174,7 @@ void tell_beforehand(const Plan& plan, const std::string& file)
     for (const Step& step : plan.steps) {
         for (const std::string& text :
              {step.interrupts, step.not_undone.empty() ? std::string() : "not undone: " + step.not_undone,
-              step.row->note}) {
+              step.kind == Step::Kind::kWrite ? step.row->note : std::string()}) {
             if (text.empty() || std::find(told.begin(), told.end(), text) != told.end()) continue;
             tell(text);
             told.push_back(text);
@@ -184,10 +190,8 @@ int plan_status(const Plan& plan, const Module& module, const std::string& file)
     return is_refused(module) ? kNoService : kWrong;
 }
 
-int diff(const Options& options)
+int diff_of(const Value& document, const Options& options)
 {
-    const Value document = document_of(options.file);
-    if (document.is_nothing()) return kWrong;
     const Session session;
     if (!session.problem().empty()) {
         tell(session.problem());
@@ -203,11 +207,25 @@ int diff(const Options& options)
     return plan.steps.empty() ? kDone : kDiffers;
 }
 
+int diff(const Options& options)
+{
+    const Value document = document_of(options.file);
+    return document.is_nothing() ? kWrong : diff_of(document, options);
+}
+
 volatile sig_atomic_t stop_wished = 0;
+bool has_begun = false;  // changing the module
+
+void stop_no_more()
+{
+    signal(SIGINT, SIG_IGN);
+    signal(SIGTERM, SIG_IGN);
+}
 
 void on_stop(int)
 {
     stop_wished = 1;
+    stop_no_more();  // a second one changes nothing
 }
 
 // The very step that cuts the caller off must not leave the rest undone.
@@ -234,10 +252,13 @@ Progress progress_of(const Options& options)
             if (number == count) std::fputs("\r\033[K", stderr);
         };
     }
-    progress.ends = [json = options.json](const Step& step, const Result& result, const std::string& note) {
+    const auto undoes = std::make_shared<bool>(false);
+    progress.goes_back = [undoes] { *undoes = true; };
+    progress.ends = [json = options.json, undoes](const Step& step, const Result& result, const std::string& note) {
         if (json) {
             std::vector<std::pair<std::string, std::string>> members = {
-                {"step", json_list(step.lines)}, {"outcome", quoted(result.good() ? "done" : "refused")}};
+                {*undoes ? "undo" : "step", json_list(lines_of(step))},
+                {"outcome", quoted(result.good() ? "done" : "refused")}};
             if (!result.good()) {
                 members.emplace_back("function", quoted(result.function));
                 members.emplace_back("code", std::to_string(result.code));
@@ -246,11 +267,12 @@ Progress progress_of(const Options& options)
             if (!note.empty()) members.emplace_back("note", quoted(note));
             print(json_object(members));
         } else {
-            for (const std::string& line : step.lines) {
-                if (result.good()) print(line + "\n");
-                if (!result.good()) tell("refused: " + line + ": " + in_words(result));
-            }
-            if (!note.empty() && !step.lines.empty()) tell(step.lines[0] + ": " + note);
+            const std::string before = *undoes ? "undo: " : "";
+            for (const std::string& line : step.lines)
+                if (result.good()) print(before + line + "\n");
+            for (const std::string& line : lines_of(step))
+                if (!result.good()) tell("refused: " + before + line + ": " + in_words(result));
+            if (!note.empty()) tell(before + lines_of(step)[0] + ": " + note);
         }
         std::fflush(stdout);
     };
@@ -286,7 +308,10 @@ int apply(const Options& options)
 {
     const Value document = document_of(options.file);
     if (document.is_nothing()) return kWrong;
-    if (options.dry_run) return diff(options) == kDiffers ? kDone : diff(options);
+    if (options.dry_run) {
+        const int status = diff_of(document, options);
+        return status == kDiffers ? kDone : status;
+    }
 
     const std::string folder = state_folder(options.state);
     const Lock lock(folder);
@@ -308,46 +333,59 @@ int apply(const Options& options)
         return kNoService;
     }
     const Reach reach = options.exact ? Reach::kExact : Reach::kMerge;
-    const ApplyOptions how = {reach, !options.no_verify, options.keep_going};
+    const bool was_cut_off = earlier && earlier->seconds == 0;
     const Module module = read_for(document, reach);
     const Plan plan = make_plan(document, module, reach);
     const int status = plan_status(plan, module, options.file);
     if (status != kDone) return status;
     tell_beforehand(plan, options.file);
+    if (options.json) print_plan(plan, true);
     if (plan.steps.empty() && !(earlier && confirms)) {
+        if (was_cut_off) forget_held(folder);
         if (options.json) return end_with({kDone, {}}, options);
         tell("nothing differs");
         return kDone;
     }
 
-    const Value before = as_document(module, plan.handles, true);
-    Held held = earlier ? *earlier : Held{before, boot_name(), 0, 0};
-    held.boot = boot_name();
-    held.seconds = confirms ? options.confirm_within : 0;
-    held.until_ms = confirms ? boot_clock_ms() + options.confirm_within * 1000 : 0;
-    write_held(folder, held);
-    if (!earlier && changes_gre(plan)) {
+    // From here on the terminal and its signals end nothing.
+    go_on_alone();
+    const Value now = as_document(module, plan.handles, true);
+    if (changes_gre(plan) && (!earlier || !is_gre_copy_in(folder))) {
         const std::string problem = keep_gre_copy(folder);
         if (!problem.empty()) {
-            forget_held(folder);
             tell(problem);
             return kRefused;
         }
     }
+    Held held = {earlier ? completed(earlier->document, now) : now, boot_name(), 0, 0};
+    if (confirms) {
+        held.seconds = options.confirm_within;
+        held.until_ms = boot_clock_ms() + options.confirm_within * 1000;
+    }
+    write_held(folder, held);
     if (confirms) start_watchdog(folder);
+    has_begun = true;
 
-    go_on_alone();
-    const Outcome outcome = carry_out(plan, document, before, how, progress_of(options));
+    ApplyOptions how = {reach, !options.no_verify, options.keep_going};
+    how.before_undo = [&] {
+        stop_no_more();
+        const std::string problem = changes_gre(plan) ? restore_gre_copy(folder) : "";
+        if (!problem.empty()) tell(problem);
+    };
+    const Outcome outcome = carry_out(plan, document, was_cut_off ? held.document : now, how, progress_of(options));
     if (outcome.status == kDone && confirms) {
         held.until_ms = boot_clock_ms() + options.confirm_within * 1000;
         write_held(folder, held);
         tell("\"zr_nexactl confirm\" within " + std::to_string(options.confirm_within) + " s, or all is undone");
-    } else if (earlier && confirms && outcome.status == kRefused) {
+    } else if (outcome.is_back && earlier && !was_cut_off) {
         write_held(folder, *earlier);  // what waited before still waits
-    } else if (outcome.status != kNotUndone || options.keep_going) {
+    } else if (outcome.status == kDone || outcome.is_back || (options.keep_going && !confirms)) {
         forget_held(folder);
     }
-    return end_with(outcome, options);
+    const int ended = end_with(outcome, options);
+    std::fflush(stdout);
+    std::clearerr(stdout);  // nobody may be there any more to read it
+    return ended;
 }
 
 // What goes wrong with the machine rather than with the module.
@@ -362,7 +400,7 @@ int guarded(const Work& work)
         return kNoService;
     } catch (const std::runtime_error& error) {
         tell(error.what());
-        return kNotUndone;
+        return has_begun ? kNotUndone : kRefused;
     }
 }
 

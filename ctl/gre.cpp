@@ -236,6 +236,11 @@ void drop_gre_copy(const std::string& folder)
     unlink(copy_in(folder).c_str());
 }
 
+bool is_gre_copy_in(const std::string& folder)
+{
+    return access(copy_in(folder).c_str(), F_OK) == 0;
+}
+
 Result call_in_child(const GreFunction& function, const char* name, zr_nexa_wan_gre_ipacfg_t* record,
                      std::chrono::milliseconds time)
 {

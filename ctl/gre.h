@@ -30,6 +30,7 @@ std::string gre_unwritable(const GreFiles& files = {});
 std::string keep_gre_copy(const std::string& folder, const GreFiles& files = {});
 std::string restore_gre_copy(const std::string& folder, const GreFiles& files = {});
 void drop_gre_copy(const std::string& folder);
+bool is_gre_copy_in(const std::string& folder);
 
 // A function of the client interface in a child process, which is killed when its time is over. The record is what the
 // child made of it.

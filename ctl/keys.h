@@ -94,7 +94,7 @@ struct Row {
     // What the change interrupts, for people; nothing for most. `name` is "LAN 10" or a profile's label.
     std::function<std::string(const std::string& name, const Value& wanted, const Value& present)> interrupts = nullptr;
     // Why going back from wanted to present is impossible; empty: it is possible. Asked of each entry of a list, one of
-    // the two being nothing. Asked the other way round it tells why a document cannot be reached.
+    // the two being nothing. Asked the other way round it tells why wanted cannot be reached.
     std::function<std::string(const Value& wanted, const Value& present)> not_undone = nullptr;
     std::vector<uint32_t> done_codes = {};     // results that say: done all the same
     std::vector<uint32_t> missing_codes = {};  // results of reading that say: this module does not have it

@@ -236,12 +236,9 @@ bool is_other(const Value& filter)
     return filter.child("protocol").text() == kOther;
 }
 
-std::string filters_not_undone(const Value& wanted, const Value& present)
+std::string filter_not_undone(const Value&, const Value& present)
 {
-    const auto others = [](const Value& filters) {
-        return std::count_if(filters.list().begin(), filters.list().end(), is_other);
-    };
-    return others(present) > others(wanted) ? "a gateway filter of an other protocol cannot be made" : "";
+    return is_other(present) ? "a gateway filter of an other protocol cannot be made" : "";
 }
 
 Row filters_row()
@@ -267,7 +264,7 @@ Row filters_row()
         if (protocol != "portless")
             check_key(filter, path, "ports", protocol != kOther, "tcp, udp or portless", complain);
     };
-    row.not_undone = filters_not_undone;
+    row.not_undone = filter_not_undone;
     return row;
 }
 

@@ -73,6 +73,7 @@ private:
         for (const auto& [name, instance] : known) {
             Value& record = records[instance_id(name)];
             if (record.is_nothing()) record.list();
+            record.list() = sorted(record.list());
             if (wishes(row, instance_id(name)))
                 put_record(row, record, &make_instance(&module_->tree, row.scope, name));
         }
@@ -82,6 +83,7 @@ private:
     {
         Value record;
         const Result result = read_record(row, id, &record);
+        if (result.good() && row.shape == Shape::kList) record.list() = sorted(record.list());
         if (result.good())
             put_record(row, record, instance);
         else

@@ -5,13 +5,13 @@
 
 #include "checks.h"
 #include "explain.h"
+#include "lan_vlan.h"
 #include "tree.h"
 #include "wan_profile.h"
 
 namespace ctl {
 namespace {
 
-constexpr size_t kProfilesMax = 50;
 constexpr const char* kRoleKeys[] = {"default", "access_point", "dns_proxy"};
 
 const Row& row_of(const char* path)
@@ -59,6 +59,12 @@ std::set<std::string> names(const Value& map)
     return all;
 }
 
+const Value& nothing()
+{
+    static const Value none;
+    return none;
+}
+
 // What becomes of the LANs and profiles themselves.
 struct Fates {
     std::set<std::string> made;
@@ -103,14 +109,55 @@ Fates profile_fates(const Value& document, const Value& present, Reach reach)
     return fates;
 }
 
+// Handles by what their profiles dial with.
+std::multimap<Value, uint32_t> by_dial(const Module& module)
+{
+    std::multimap<Value, uint32_t> handles;
+    for (const auto& [handle, profile] : module.tree.child("profiles").map())
+        handles.emplace(profile.child("dial"), id_of(handle));
+    return handles;
+}
+
+// The labels of all profiles that are there: the document's, or the name that show gives one.
+std::map<uint32_t, std::string> labels_by_handle(const Module& module, const std::map<std::string, uint32_t>& labels)
+{
+    std::map<uint32_t, std::string> all;
+    for (const auto& [label, handle] : labels)
+        all[handle] = label;
+    for (const auto& [handle, profile] : module.tree.child("profiles").map()) {
+        std::string label = profile_name(id_of(handle));
+        // It may be the document's label for another one.
+        while (labels.count(label) != 0)
+            label = "other-" + label;
+        all.emplace(id_of(handle), label);
+    }
+    return all;
+}
+
+// The label of a role's profile; "none" stays.
+std::string label_of(const std::string& handle, const std::map<uint32_t, std::string>& labels)
+{
+    if (handle.empty() || handle.find_first_not_of("0123456789") != std::string::npos) return handle;
+    const auto found = labels.find(id_of(handle));
+    return found != labels.end() ? found->second : profile_name(id_of(handle));
+}
+
+// The row before it is named, and finished by this one.
+bool follows_named(const Row& row, const Value& instance)
+{
+    const Row* const before = &row > rows().data() ? &row - 1 : nullptr;
+    return before != nullptr && before->next_follows && !record_of(*before, instance).is_nothing();
+}
+
 class Planner {
 public:
     Planner(const Value& document, const Module& module, Reach reach) : document_(document), reach_(reach)
     {
-        plan_.handles = match_profiles(document, module, &plan_.problems);
-        present_ = as_document(module, plan_.handles, false);
-        for (const auto& [label, handle] : all_labels(module))
+        const auto labels = match_profiles(document, module, &plan_.problems);
+        present_ = as_document(module, labels, false);
+        for (const auto& [handle, label] : labels_by_handle(module, labels))
             plan_.handles[label] = handle;
+        if (reach == Reach::kBack) plan_.problems.clear();
         unread_ = &module.unread;
     }
 
@@ -120,7 +167,7 @@ public:
         profiles_ = profile_fates(document_, present_, reach_);
         lay_out();
         check();
-        if (!plan_.problems.empty()) return std::move(plan_);
+        if (!plan_.problems.empty() && reach_ != Reach::kBack) return std::move(plan_);
 
         module_rows(Phase::kNewLans);
         mappings(Part::kRemovals);
@@ -129,28 +176,26 @@ public:
         module_rows(Phase::kReservations);
         settings(Scope::kLan, Phase::kLanSettings);
         module_rows(Phase::kModule);
-        const bool is_crowded = present_.child("profiles").map().size() + profiles_.made.size() > kProfilesMax;
-        if (is_crowded) removed_profiles();
-        dials();
-        module_rows(Phase::kRoles);
+        const std::vector<std::string> last = dials();
         settings(Scope::kProfile, Phase::kProfileSettings);
         mappings(Part::kAdditions);
-        if (!is_crowded) removed_profiles();
+        removed_profiles(last);
         module_rows(Phase::kService);
         module_rows(Phase::kCutting);
         module_rows(Phase::kWriteOnly);
+        if (reach_ != Reach::kBack)
+            plan_.problems.insert(plan_.problems.end(), unreachable_.begin(), unreachable_.end());
+        if (!plan_.problems.empty() && reach_ != Reach::kBack) plan_.steps.clear();
         return std::move(plan_);
     }
 
 private:
     enum class Part { kRemovals, kAdditions, kBoth };
 
-    static std::map<std::string, uint32_t> all_labels(const Module& module)
+    // What a document does not say of it stays.
+    bool is_laid_over(const Row& row) const
     {
-        std::map<std::string, uint32_t> labels;
-        for (const auto& [handle, profile] : module.tree.child("profiles").map())
-            labels[profile_name(id_of(handle))] = id_of(handle);
-        return labels;
+        return row.shape == Shape::kUnit || (row.shape == Shape::kKeyed && reach_ == Reach::kMerge);
     }
 
     // What is wanted, and what is left to change from once LANs and profiles have come and gone: a LAN that is made
@@ -167,7 +212,7 @@ private:
                 const Value stood = record_of(*row, present_.child("lans").child(id));
                 if (stood.is_nothing() || row == &vlan_row()) continue;
                 const Value named = record_of(*row, lan);
-                if (row->shape == Shape::kUnit || row->shape == Shape::kKeyed)
+                if (is_laid_over(*row))
                     put_record(*row, laid_over(named, stood), &lan);
                 else if (named.is_nothing())
                     put_record(*row, stood, &lan);
@@ -220,8 +265,9 @@ private:
         check_gone_profiles();
         check_mapped_lans();
         check_unread();
+        check_lost();
         check_crowd();
-        check_nets();
+        check_result();
     }
 
     // A profile that goes must lose its roles and its call first.
@@ -260,14 +306,45 @@ private:
             each_instance(document_, row.scope, [&](const std::string& name, const Value& instance) {
                 const Value record = record_of(row, instance);
                 if (record.is_nothing() || row.write_only) return;
-                for (const Unread& each : *unread_) {
-                    if (each.path != record_path(row, row.scope == Scope::kProfile ? handle_text(name) : name))
-                        continue;
-                    const Value& at = row.shape == Shape::kUnit ? record.map().begin()->second : record;
-                    problem(at, record_path(row, name), "cannot be read: " + in_words(each.result));
-                }
+                const Unread* const unread = unread_of(row, name);
+                if (unread == nullptr) return;
+                const Value& at = row.shape == Shape::kUnit ? record.map().begin()->second : record;
+                problem(at, record_path(row, name), "cannot be read: " + in_words(unread->result));
             });
         }
+    }
+
+    const Unread* unread_of(const Row& row, const std::string& name) const
+    {
+        if (unread_->empty()) return nullptr;
+        const std::string path = record_path(row, row.scope == Scope::kProfile ? handle_text(name) : name);
+        const std::string of_all = record_path(row, "*");
+        const auto found = std::find_if(unread_->begin(), unread_->end(), [&](const Unread& each) {
+            return each.path == path || (row.read_all && each.path == of_all);
+        });
+        return found == unread_->end() ? nullptr : &*found;
+    }
+
+    // What goes, or is made anew, is held as a whole before.
+    void check_lost()
+    {
+        const auto check = [this](const Row& row, const std::string& of, Scope scope, const std::string& name) {
+            const Unread* const unread = unread_of(row, of);
+            if (unread != nullptr && !unread->is_missing)
+                problem(instance_of(document_, scope, name), instance_path(scope, name),
+                        record_path(row, of) + " cannot be read, and would be lost: " + in_words(unread->result));
+        };
+        for (const std::set<std::string>* each : {&lans_.gone, &lans_.remade}) {
+            for (const std::string& id : *each) {
+                for (const Row* row : rows_of(Scope::kLan))
+                    check(*row, id, Scope::kLan, id);
+                for (const Row* row : rows_of(Scope::kProfile))
+                    if (row->phase == Phase::kMapping) check(*row, "*", Scope::kLan, id);
+            }
+        }
+        for (const std::string& label : profiles_.gone)
+            for (const Row* row : rows_of(Scope::kProfile))
+                check(*row, label, Scope::kProfile, label);
     }
 
     std::string handle_text(const std::string& label) const
@@ -284,10 +361,14 @@ private:
             problem(
                 document_.child("profiles"), "profiles",
                 std::to_string(then) + " profiles would be there, " + std::to_string(kProfilesMax) + " are the most");
+        const size_t vlans = present_.child("lans").map().size() - 1 + lans_.made.size() - lans_.gone.size();
+        if (vlans > kVlansMax)
+            problem(document_.child("lans"), "lans",
+                    std::to_string(vlans) + " VLANs would be there, " + std::to_string(kVlansMax) + " are the most");
     }
 
-    // As it will be, to the checks of what no network could use.
-    void check_nets()
+    // As it will be, to the checks of what no module takes and no network could use.
+    void check_result()
     {
         Value result = base_;
         for (const std::string& id : lans_.gone)
@@ -299,16 +380,45 @@ private:
                 const Value record = record_of(row, instance);
                 if (record.is_nothing() || is_absent(instance)) return;
                 Value& there = make_instance(&result, row.scope, name);
-                const bool is_part = row.shape == Shape::kUnit || row.shape == Shape::kKeyed;
-                Value laid = is_part ? laid_over(record, record_of(row, there)) : record;
+                Value laid = is_laid_over(row) ? laid_over(record, record_of(row, there)) : record;
                 if (row.shape == Shape::kKeyed)
                     for (const auto& [key, entry] : record.map())
                         if (is_absent(entry)) laid.map().erase(key);
                 put_record(row, laid, &there);
             });
         }
+        for (const auto& [id, lan] : wanted_.child("lans").map())
+            if (lan.at("l2tp.mode").text() == "managed" &&
+                instance_of(result, Scope::kLan, id).at("l2tp.tunnels").map().empty())
+                problem(lan.at("l2tp.mode"), "lans." + id + ".l2tp.mode", "managed needs a tunnel");
+        for (const Row& row : rows())
+            if (row.shape == Shape::kKeyed) check_keyed(row, result);
         const auto is_changed = [this](const std::string& path) { return reach_ != Reach::kBack && changes(path); };
         check_plausible(result, is_changed, &plan_.problems, &plan_.warnings);
+    }
+
+    void check_keyed(const Row& row, const Value& result)
+    {
+        each_instance(document_, row.scope, [&](const std::string& name, const Value& instance) {
+            std::multimap<Value, std::string> owners;
+            const Value then = record_of(row, instance_of(result, row.scope, name));
+            const Value named = record_of(row, instance);
+            if (then.map().size() > row.most && !named.is_nothing())
+                problem(named, record_path(row, name),
+                        std::to_string(then.map().size()) + " entries would be there, " + std::to_string(row.most) +
+                            " are the most");
+            if (row.only_once.empty()) return;
+            for (const auto& [key, entry] : then.map())
+                owners.emplace(entry.child(row.only_once), key);
+            for (const auto& [key, entry] : named.map()) {
+                const auto [first, last] = owners.equal_range(entry.child(row.only_once));
+                for (auto owner = first; owner != last && !is_absent(entry); ++owner)
+                    if (owner->second != key)
+                        problem(entry.child(row.only_once),
+                                join_path(join_path(record_path(row, name), key), row.only_once),
+                                owner->second + " has it already");
+            }
+        });
     }
 
     // The document says something else at this path than the module has.
@@ -320,8 +430,10 @@ private:
                 const std::string rest = path.substr(std::string(above).size());
                 const Value& entries = tree.child(std::string(above, std::string(above).size() - 1));
                 if (above[0] == 'r') return entries.child(rest);
-                const size_t dot = std::min(rest.find('.'), rest.size());
-                return entries.child(rest.substr(0, dot)).at(rest.substr(std::min(dot + 1, rest.size())));
+                for (const auto& [name, entry] : entries.map())  // there are dots in labels
+                    if (rest.rfind(name + ".", 0) == 0 && entry.has(rest.substr(name.size() + 1)))
+                        return entry.at(rest.substr(name.size() + 1));
+                return nothing();
             }
             return tree.at(path);
         };
@@ -334,11 +446,41 @@ private:
 
     void push(Step step)
     {
-        const std::string who = step.row->scope == Scope::kLan ? "LAN " + step.name : step.name;
-        if (step.row->interrupts && !step.is_new && step.row != &vlan_row())
-            step.interrupts = step.row->interrupts(who, step.wanted, step.present);
-        if (step.row->not_undone && !step.is_new) step.not_undone = step.row->not_undone(step.wanted, step.present);
+        const Row& row = *step.row;
+        const std::string who = row.scope == Scope::kLan ? "LAN " + step.name : step.name;
+        if (row.interrupts && !step.is_new && may_interrupt(step))
+            step.interrupts = row.interrupts(who, step.wanted, step.present);
+        if (row.not_undone && !step.is_new && step.not_undone.empty())
+            step.not_undone = row.not_undone(step.wanted, step.present);
+        if (row.not_undone && !row.write_only && !goes(step)) {
+            const std::string why = row.not_undone(step.present, step.wanted);
+            if (!why.empty()) unreachable_.push_back({mark_of(step), path_of(step), why});
+        }
         plan_.steps.push_back(std::move(step));
+    }
+
+    // A whole LAN or profile, with all that is in it.
+    static bool goes(const Step& step)
+    {
+        return step.kind == Step::Kind::kRemove && (step.row == &vlan_row() || step.row == &dial_row());
+    }
+
+    // A call that is not there is not interrupted.
+    bool may_interrupt(const Step& step)
+    {
+        if (step.row != &dial_row()) return true;
+        bool calling = false;
+        return step.kind == Step::Kind::kWrite && read_calling(plan_.handles[step.name], &calling).good() && calling;
+    }
+
+    // Where the document says it, or the LAN or profile that it belongs to.
+    Mark mark_of(const Step& step) const
+    {
+        const Value& instance = instance_of(document_, step.row->scope, step.name);
+        const Value record = record_of(*step.row, instance);
+        if (step.wanted.mark.line != 0) return step.wanted.mark;
+        if (step.row->shape == Shape::kUnit && !record.is_nothing()) return record.map().begin()->second.mark;
+        return record.is_nothing() ? instance.mark : record.mark;
     }
 
     void module_rows(Phase phase)
@@ -404,7 +546,9 @@ private:
             const Value& lan = present_.child("lans").child(id);
             Step step = {Step::Kind::kRemove, &vlan_row(), id, "", {}, lan.child("vlan")};
             step.lines = {"lans." + id + ": - " + in_short(lan.child("vlan"))};
-            step.interrupts = "VLAN " + id + " goes with all that stands on it";
+            step.interrupts = "VLAN " + id + (lans_.remade.count(id) != 0 ? " is made anew with " : " goes with ") +
+                              what_stands_on(id);
+            if (lans_.gone.count(id) != 0) step.not_undone = lost_with(Scope::kLan, id);
             push(std::move(step));
             if (lans_.remade.count(id) != 0) add_vlan_step(id);
         }
@@ -412,6 +556,45 @@ private:
         std::sort(up.begin(), up.end(), [](const auto& a, const auto& b) { return id_of(a) < id_of(b); });
         for (const std::string& id : up)
             add_vlan_step(id);
+    }
+
+    // "its addresses, 2 filters, 1 tunnel and its mapping to office"
+    std::string what_stands_on(const std::string& id) const
+    {
+        const Value& lan = present_.child("lans").child(id);
+        std::vector<std::string> all = {"its addresses"};
+        const auto count = [&all](size_t number, const std::string& what) {
+            if (number > 0) all.push_back(std::to_string(number) + " " + what + (number == 1 ? "" : "s"));
+        };
+        if (lan.has("passthrough") && lan.at("passthrough.device").text() != "none")
+            all.emplace_back("its passthrough");
+        count(lan.child("gateway_filters").list().size(), "filter");
+        count(lan.at("l2tp.tunnels").map().size(), "tunnel");
+        if (!lan.child("sip_server").map().empty()) all.emplace_back("its SIP server");
+        for (const auto& [label, profile] : present_.child("profiles").map())
+            for (const Value& vlan : profile.child("vlans").list())
+                if (vlan.text() == id) all.push_back("its mapping to " + label);
+        std::string text = all[0];
+        for (size_t i = 1; i < all.size(); ++i)
+            text += (i + 1 < all.size() ? ", " : " and ") + all[i];
+        return text;
+    }
+
+    // What of a LAN or profile that goes could not be made again.
+    std::string lost_with(Scope scope, const std::string& name) const
+    {
+        std::string lost;
+        const auto add = [&lost](const std::string& why) {
+            if (!why.empty() && lost.find(why) == std::string::npos) lost += (lost.empty() ? "" : "; ") + why;
+        };
+        for (const Row* row : rows_of(scope)) {
+            if (!row->not_undone) continue;
+            const Value record = record_of(*row, instance_of(present_, scope, name));
+            if (row->shape != Shape::kList) add(row->not_undone({}, record));
+            for (const Value& entry : record.list())
+                add(row->not_undone({}, entry));
+        }
+        return lost;
     }
 
     void add_vlan_step(const std::string& id)
@@ -518,13 +701,73 @@ private:
 
     // ---- profiles ----
 
-    void dials()
+    // Profiles changed and added, and the roles. Returns those that go once nothing needs them any more: all, unless
+    // there is no room.
+    std::vector<std::string> dials()
     {
         for (const auto& [label, profile] : document_.child("profiles").map()) {
             if (is_absent(profile) || profiles_.made.count(label) != 0) continue;
             changes_of(dial_row(), label, profile, base_.child("profiles").child(label), Part::kBoth);
         }
-        for (const std::string& label : profiles_.made) {
+        std::vector<std::string> added(profiles_.made.begin(), profiles_.made.end());
+        std::vector<std::string> gone(profiles_.gone.begin(), profiles_.gone.end());
+        const size_t there = present_.child("profiles").map().size();
+        if (there + added.size() <= kProfilesMax) {
+            add_profiles(added);
+            module_rows(Phase::kRoles);
+            return gone;
+        }
+        // Those without a role make room first; and those that get one are made before the others.
+        const auto with_role = std::stable_partition(gone.begin(), gone.end(),
+                                                     [this](const auto& each) { return !has_role(present_, each); });
+        std::stable_partition(added.begin(), added.end(), [this](const auto& each) { return has_role(wanted_, each); });
+        removed_profiles({gone.begin(), with_role});
+        gone.erase(gone.begin(), with_role);
+        const size_t room = kProfilesMax + profiles_.gone.size() - gone.size() - there;
+        if (room < added.size() && park_roles()) {
+            removed_profiles(gone);
+            gone.clear();
+        }
+        const auto first = added.begin() + static_cast<std::ptrdiff_t>(std::min(room, added.size()));
+        if (gone.empty()) {
+            add_profiles(added);
+            module_rows(Phase::kRoles);
+            return {};
+        }
+        add_profiles({added.begin(), first});
+        module_rows(Phase::kRoles);
+        if (first == added.end()) return gone;
+        removed_profiles(gone);
+        add_profiles({first, added.end()});
+        return {};
+    }
+
+    static bool has_role(const Value& tree, const std::string& label)
+    {
+        const Value::Map& roles = tree.child("roles").map();
+        return std::any_of(roles.begin(), roles.end(),
+                           [&label](const auto& role) { return role.second.text() == label; });
+    }
+
+    // Gives the roles of profiles that go to one that stays, until their own are there. Returns false when none stays.
+    bool park_roles()
+    {
+        const Value::Map& there = present_.child("profiles").map();
+        const auto stays = std::find_if(there.begin(), there.end(),
+                                        [this](const auto& each) { return profiles_.gone.count(each.first) == 0; });
+        if (stays == there.end()) return false;
+        Value parked = base_;
+        for (auto& [role, label] : parked.make("roles").map())
+            if (profiles_.gone.count(label.text()) != 0) label = stays->first;
+        for (const Row* row : rows_of(Scope::kModule))
+            if (row->phase == Phase::kRoles) changes_of(*row, "", parked, base_, Part::kBoth);
+        base_.make("roles") = parked.child("roles");
+        return true;
+    }
+
+    void add_profiles(const std::vector<std::string>& labels)
+    {
+        for (const std::string& label : labels) {
             const Value& dial = document_.child("profiles").child(label).child("dial");
             Step step = {Step::Kind::kAdd, &dial_row(), label, "", dial, {}, true};
             step.lines = {"profiles." + label + ": + " + in_short(dial)};
@@ -532,16 +775,17 @@ private:
         }
     }
 
-    void removed_profiles()
+    void removed_profiles(std::vector<std::string> down)
     {
-        std::vector<std::string> down(profiles_.gone.begin(), profiles_.gone.end());
         std::sort(down.begin(), down.end(),
                   [this](const auto& a, const auto& b) { return plan_.handles[a] > plan_.handles[b]; });
         for (const std::string& label : down) {
             const Value& dial = present_.child("profiles").child(label).child("dial");
             Step step = {Step::Kind::kRemove, &dial_row(), label, "", {}, dial};
             step.lines = {"profiles." + label + ": - " + in_short(dial)};
-            step.not_undone = "the handle " + std::to_string(plan_.handles[label]) + " and the counts of " + label;
+            const std::string lost = lost_with(Scope::kProfile, label);
+            step.not_undone = "the handle " + std::to_string(plan_.handles[label]) + " and the counts of " + label +
+                              (lost.empty() ? "" : "; " + lost);
             push(std::move(step));
         }
     }
@@ -554,6 +798,9 @@ private:
     {
         const Value record = record_of(row, wanted);
         if (record.is_nothing() && !forced) return;
+        // On the way back a list that could not be read would be filled once more.
+        const bool is_entries = row.shape == Shape::kList || row.shape == Shape::kKeyed;
+        if (is_entries && reach_ == Reach::kBack && unread_of(row, name) != nullptr) return;
         const Value present = is_new(row.scope, name) ? Value() : record_of(row, base);
         switch (row.shape) {
             case Shape::kUnit:
@@ -576,19 +823,35 @@ private:
         if (row.shape == Shape::kWhole) {
             if (wanted == present && !forced) return;
             step.wanted = wanted;
-            step.lines = {join_path(above, row.path) + ": " + in_short(present) + " -> " + in_short(wanted)};
+            step.lines = {changed_line(join_path(above, row.path), in_short(present), wanted, step.is_new)};
         } else {
             for (const Field& field : row.fields) {
                 const Value& value = wanted.child(field.key);
                 const Value& old = present.child(field.key);
                 if (value.is_nothing() || (value == old && !row.write_only)) continue;
-                step.lines.push_back(join_path(above, field.key) + ": " + (old.is_nothing() ? "?" : in_short(old)) +
-                                     " -> " + in_short(value));
+                step.lines.push_back(changed_line(join_path(above, field.key), old.is_nothing() ? "?" : in_short(old),
+                                                  value, step.is_new || row.write_only));
             }
             if (step.lines.empty() && !forced) return;
             step.wanted = laid_over(wanted, present);
+            if (!step.is_new) check_whole(row, above, step.wanted);
         }
         push(std::move(step));
+    }
+
+    // What belongs together, of what is said and what is there.
+    void check_whole(const Row& row, const std::string& path, const Value& record)
+    {
+        if (!row.check || reach_ == Reach::kBack) return;
+        row.check(record, path, [this](const Value& at, const std::string& where, const std::string& text) {
+            unreachable_.push_back({at.mark, where, text});
+        });
+    }
+
+    // What it was is not said of what was not there, or cannot be known.
+    static std::string changed_line(const std::string& path, const std::string& old, const Value& value, bool is_new)
+    {
+        return path + ": " + (is_new ? "" : old + " -> ") + in_short(value);
     }
 
     void list(const Row& row, const std::string& name, const Value& wanted, const Value& present, Part part)
@@ -680,35 +943,20 @@ private:
     Value base_;
     Fates lans_;
     Fates profiles_;
+    Problems unreachable_;  // for what the module's functions cannot do
     Plan plan_;
 };
 
-// Handles by what their profiles dial with.
-std::multimap<Value, uint32_t> by_dial(const Module& module)
-{
-    std::multimap<Value, uint32_t> handles;
-    for (const auto& [handle, profile] : module.tree.child("profiles").map())
-        handles.emplace(profile.child("dial"), id_of(handle));
-    return handles;
-}
-
-// The label of a role's profile; "none" stays.
-std::string label_of(const std::string& handle, const std::map<std::string, uint32_t>& labels)
-{
-    if (handle.empty() || handle.find_first_not_of("0123456789") != std::string::npos) return handle;
-    for (const auto& [label, each] : labels)
-        if (std::to_string(each) == handle) return label;
-    return profile_name(id_of(handle));
-}
-
-// The row before it is named, and finished by this one.
-bool follows_named(const Row& row, const Value& instance)
-{
-    const Row* const before = &row > rows().data() ? &row - 1 : nullptr;
-    return before != nullptr && before->next_follows && !record_of(*before, instance).is_nothing();
-}
-
 }  // namespace
+
+std::string path_of(const Step& step)
+{
+    if (step.row->shape == Shape::kUnit || step.row == &vlan_row() || step.row == &dial_row())
+        return step.lines.empty() ? record_path(*step.row, step.name)
+                                  : step.lines[0].substr(0, step.lines[0].find(": "));
+    return step.key.empty() ? record_path(*step.row, step.name)
+                            : join_path(record_path(*step.row, step.name), step.key);
+}
 
 std::map<std::string, uint32_t> match_profiles(const Value& document, const Module& module, Problems* problems)
 {
@@ -722,23 +970,34 @@ std::map<std::string, uint32_t> match_profiles(const Value& document, const Modu
         labels[label] = handle.number();
         taken.insert(handle.number());
     }
-    const std::multimap<Value, uint32_t> dialled = by_dial(module);
-    for (const auto& [label, profile] : wanted) {
-        if (labels.count(label) != 0) continue;
-        std::vector<uint32_t> candidates;
-        const auto [first, last] = dialled.equal_range(profile.child("dial"));
-        for (auto each = first; each != last; ++each)
-            if (taken.count(each->second) == 0) candidates.push_back(each->second);
-        if (candidates.size() > 1) {
+    std::map<Value, std::vector<uint32_t>> dialled;
+    for (const auto& [dial, handle] : by_dial(module))
+        if (taken.count(handle) == 0) dialled[dial].push_back(handle);
+    std::map<Value, std::vector<std::string>> wishes;
+    for (const auto& [label, profile] : wanted)
+        if (labels.count(label) == 0 && profile.has("dial")) wishes[profile.child("dial")].push_back(label);
+    for (auto& [dial, wishing] : wishes) {
+        std::vector<uint32_t>& candidates = dialled[dial];
+        std::sort(candidates.begin(), candidates.end());
+        std::stable_sort(wishing.begin(), wishing.end(), [&wanted](const auto& a, const auto& b) {
+            return wanted.at(a).child("handle").number() < wanted.at(b).child("handle").number();
+        });
+        if (candidates.size() > wishing.size()) {
             std::string handles;
             for (const uint32_t handle : candidates)
                 handles += (handles.empty() ? "" : ", ") + std::to_string(handle);
-            problems->push_back({profile.mark, "profiles." + label,
-                                 "several profiles dial with this; say which handle it is: " + handles});
-        } else if (candidates.size() == 1) {
-            labels[label] = candidates[0];
-            taken.insert(candidates[0]);
-        } else if (is_absent(profile)) {
+            for (const std::string& label : wishing)
+                problems->push_back({wanted.at(label).mark, "profiles." + label,
+                                     "several profiles dial with this; say which handle it is: " + handles});
+        }
+        // As many: by the order of their handles.
+        for (size_t i = 0; i < std::min(candidates.size(), wishing.size()); ++i) {
+            labels[wishing[i]] = candidates[i];
+            taken.insert(candidates[i]);
+        }
+    }
+    for (const auto& [label, profile] : wanted) {
+        if (labels.count(label) == 0 && is_absent(profile) && !profile.has("dial")) {
             // A label without a profile of its own may be the name that show gave one.
             for (const auto& [handle, other] : there.map())
                 if (label == profile_name(id_of(handle)) && taken.count(id_of(handle)) == 0)
@@ -752,20 +1011,18 @@ Value as_document(const Module& module, const std::map<std::string, uint32_t>& l
 {
     Value document = module.tree;
     const std::multimap<Value, uint32_t> dialled = by_dial(module);
+    const std::map<uint32_t, std::string> all = labels_by_handle(module, labels);
     Value::Map profiles;
     for (const auto& [handle, profile] : module.tree.child("profiles").map()) {
-        std::string label = label_of(handle, labels);
-        // A label of the document's that happens to be the name of another profile.
-        if (labels.count(label) != 0 && labels.at(label) != id_of(handle)) label = "other-" + label;
         Value named = profile;
         const auto [first, last] = dialled.equal_range(profile.child("dial"));
         if (with_handles || std::distance(first, last) > 1) named.map()["handle"] = Value(handle);
-        profiles.emplace(label, std::move(named));
+        profiles.emplace(all.at(id_of(handle)), std::move(named));
     }
     document.map()["profiles"] = Value(std::move(profiles));
     if (document.has("roles")) {
         for (auto& [role, handle] : document.make("roles").map())
-            handle = Value(label_of(handle.text(), labels));
+            handle = Value(label_of(handle.text(), all));
     }
     return document;
 }
@@ -782,12 +1039,10 @@ Wish wish_for(const Value& document, const Module& lists, Reach reach)
     for (const std::set<std::string>* each : {&lans.gone, &lans.remade})
         for (const std::string& id : *each)
             whole_lans.insert(id_of(id));
+    const std::map<uint32_t, std::string> names_of_handles = labels_by_handle(lists, labels);
     std::set<uint32_t> whole_profiles;
-    for (const std::string& label : profiles.gone)
-        whole_profiles.insert(labels.count(label) != 0 ? labels.at(label) : id_of(label.substr(label.rfind('-') + 1)));
-    std::map<uint32_t, std::string> names_of_handles;
-    for (const auto& [label, handle] : labels)
-        names_of_handles[handle] = label;
+    for (const auto& [handle, label] : names_of_handles)
+        if (profiles.gone.count(label) != 0) whole_profiles.insert(handle);
 
     Wish wish;
     // Nets are looked at as a whole as soon as one of them is named, and roles before a profile goes.
@@ -807,6 +1062,7 @@ Wish wish_for(const Value& document, const Module& lists, Reach reach)
         if (row.scope == Scope::kLan) {
             if (whole_lans.count(id) != 0 || (row.phase == Phase::kAddressing && looks_at_hosts)) return true;
             const Value& lan = document.child("lans").child(std::to_string(id));
+            if (row.path == "l2tp.tunnels" && lan.has("l2tp.mode")) return true;
             return !record_of(row, lan).is_nothing() || follows_named(row, lan);
         }
         if (whole_profiles.count(id) != 0) return true;

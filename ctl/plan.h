@@ -46,6 +46,9 @@ enum class Reach {
     kBack,   // the same, to where the module was: what stood there is not judged, and calls do not stop it
 };
 
+// Where in a document it stands: "lans.10.address"; of several keys the first.
+std::string path_of(const Step& step);
+
 // What of the module is to be known for a plan. The lists are those of the module. The document outlives it.
 Wish wish_for(const Value& document, const Module& lists, Reach reach);
 

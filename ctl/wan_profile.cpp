@@ -9,6 +9,8 @@
 namespace ctl {
 namespace {
 
+static_assert(kProfilesMax == ZR_NEXA_WAN_PROFILES_MAX);
+
 constexpr char kOther[] = "other";  // read only
 constexpr char kNone[] = "none";    // read only
 constexpr uint8_t kNoTechnology = 0xff;

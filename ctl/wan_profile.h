@@ -2,11 +2,14 @@
 #ifndef ZR_NEXA_CTL_WAN_PROFILE_H
 #define ZR_NEXA_CTL_WAN_PROFILE_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "keys.h"
 
 namespace ctl {
+
+constexpr size_t kProfilesMax = 50;
 
 // All profiles by their handles, {1: {dial: {technology: any, ...}}}, every field said, and the default one's handle; 0
 // when the service names none.

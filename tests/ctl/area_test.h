@@ -101,6 +101,11 @@ protected:
         ASSERT_EQ(session_->problem(), "");
     }
 
+    void close()
+    {
+        session_.reset();
+    }
+
     // What the statement gives, one value behind the other.
     std::string sql(const std::string& statement) const
     {
