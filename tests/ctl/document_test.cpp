@@ -254,12 +254,12 @@ profiles:
     nat:
       dmz: none
       port_mappings:
-        - {protocol: esp, host: 192.168.10.51}
         - {protocol: tcp, global_port: 80, host: 192.168.10.50}
+        - {protocol: esp, host: 192.168.10.51}
     firewall:
       entries:
-        - {family: ipv4, source: "203.0.113.0/255.0.255.0", tos: "16/252", protocol: tcp, destination_ports: 22}
         - {family: ipv6, destination: "2001:db8::/32", protocol: esp, spi: 4096}
+        - {family: ipv4, source: "203.0.113.0/255.0.255.0", tos: "16/252", protocol: tcp, destination_ports: 22}
 hardware_mac_filter:
   stations: ["02:00:00:00:00:31"]
   interfaces: [[1, 0, 0, 0, 4294967295]]
