@@ -144,14 +144,18 @@ private:
         return name.text();
     }
 
-    // "absent: true" stands alone: what is to go has no settings.
-    bool is_absent(const std::string& path, Value* value)
+    // "absent: true" stands alone: what is to go has no settings. A profile may say by what it is known.
+    bool is_absent(const std::string& path, Value* value, const std::vector<std::string>& more = {})
     {
         if (!value->is_map() || !value->has("absent")) return false;
         const Value& absent = value->child("absent");
         if (absent.text() != "true" || absent.quoted())
             complain(absent, path + ".absent", "true, not " + as_found(absent) + "; leave the key out to keep it");
-        if (value->map().size() > 1) complain(*value, path, "is absent, and has other keys too");
+        const auto is_other = [&more](const auto& each) {
+            return each.first != "absent" && std::find(more.begin(), more.end(), each.first) == more.end();
+        };
+        if (std::any_of(value->map().begin(), value->map().end(), is_other))
+            complain(*value, path, "is absent, and has other keys too");
         return true;
     }
 
@@ -184,7 +188,7 @@ private:
             const std::string place = below(path, key);
             normal_key(key_type, place, key, each);
             if (!are_lans && key == "none") complain(each, place, "none is no label");
-            if (is_absent(place, &each)) {
+            if (is_absent(place, &each, are_lans ? more : std::vector<std::string>{"handle", "dial"})) {
                 if (are_lans && key == "0") complain(each, place, "the default LAN is always there");
             } else if (!are_lans || key != "0") {
                 ++count;

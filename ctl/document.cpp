@@ -6,8 +6,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <memory>
+#include <string_view>
 
 namespace ctl {
 namespace {
@@ -19,6 +22,20 @@ struct Broken {
     Problem problem;
 };
 
+// Of what it cannot take for text, libyaml tells which byte of the whole.
+Mark mark_of(const yaml_parser_t& parser)
+{
+    const unsigned char* const begin = parser.input.string.start;
+    const unsigned char* const at =
+        begin + std::min<ptrdiff_t>(static_cast<ptrdiff_t>(parser.problem_offset), parser.input.string.end - begin);
+    Mark mark = {1, 1};
+    for (const unsigned char* each = begin; each < at; ++each) {
+        const bool ends_line = *each == '\n';
+        mark = ends_line ? Mark{mark.line + 1, 1} : Mark{mark.line, mark.column + 1};
+    }
+    return mark;
+}
+
 class Event {
 public:
     explicit Event(yaml_parser_t* parser)
@@ -26,11 +43,15 @@ public:
         if (yaml_parser_parse(parser, &event_) != 0) return;
         if (parser->error == YAML_MEMORY_ERROR) throw std::bad_alloc();
         const yaml_mark_t& at = parser->problem_mark;
+        Mark mark = {static_cast<uint32_t>(at.line) + 1, static_cast<uint32_t>(at.column) + 1};
         std::string text = parser->problem != nullptr ? parser->problem : "cannot be read";
-        if (parser->error == YAML_READER_ERROR) text = "not UTF-8: " + text;
+        if (parser->error == YAML_READER_ERROR) {
+            mark = mark_of(*parser);
+            if (text.find("UTF-8") != std::string::npos) text = "not UTF-8: " + text;
+        }
         if (text.find("Unicode character escape") != std::string::npos)
             text += "; a sign beyond \\uffff is written as itself, or as \\U and eight digits";
-        throw Broken{{{static_cast<uint32_t>(at.line) + 1, static_cast<uint32_t>(at.column) + 1}, "", text}};
+        throw Broken{{mark, "", text}};
     }
     ~Event()
     {
@@ -80,9 +101,11 @@ public:
     Reader(const std::string& bytes, Problems* problems) : problems_(problems)
     {
         if (yaml_parser_initialize(&parser_) == 0) throw std::bad_alloc();
-        const void* const start = bytes.data();
+        const size_t mark =
+            bytes.rfind("\xef\xbb\xbf", 0) == 0 ? 3 : 0;  // of bytes that are UTF-8; some editors put it
+        const void* const start = bytes.data() + mark;
         yaml_parser_set_encoding(&parser_, YAML_UTF8_ENCODING);
-        yaml_parser_set_input_string(&parser_, static_cast<const unsigned char*>(start), bytes.size());
+        yaml_parser_set_input_string(&parser_, static_cast<const unsigned char*>(start), bytes.size() - mark);
     }
     ~Reader()
     {
@@ -261,15 +284,37 @@ Value read_document(const std::string& bytes, Problems* problems)
 std::string quoted(const std::string& text)
 {
     constexpr char kDigits[] = "0123456789abcdef";
+    // Signs that YAML takes for the end of a line, or refuses.
+    constexpr struct {
+        std::string_view bytes;
+        const char* escape;
+    } kSigns[] = {{"\xe2\x80\xa8", "\\u2028"},
+                  {"\xe2\x80\xa9", "\\u2029"},
+                  {"\xef\xbb\xbf", "\\ufeff"},
+                  {"\xef\xbf\xbe", "\\ufffe"},
+                  {"\xef\xbf\xbf", "\\uffff"}};
     std::string out = "\"";
-    for (const char c : text) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
         const unsigned char byte = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\')
+        const unsigned char next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0xff);
+        const auto sign =
+            byte < 0xe2 ? std::end(kSigns) : std::find_if(std::begin(kSigns), std::end(kSigns), [&](const auto& each) {
+                return text.compare(i, each.bytes.size(), each.bytes) == 0;
+            });
+        if (sign != std::end(kSigns)) {
+            out += sign->escape;
+            i += sign->bytes.size() - 1;
+        } else if (byte == 0xc2 && next < 0xa0) {
+            out += std::string("\\u00") + kDigits[next >> 4] + kDigits[next & 15];
+            ++i;
+        } else if (c == '"' || c == '\\') {
             out += std::string("\\") + c;
-        else if (byte < 0x20 || byte == 0x7f)
+        } else if (byte < 0x20 || byte == 0x7f) {
             out += std::string("\\u00") + kDigits[byte >> 4] + kDigits[byte & 15];
-        else
+        } else {
             out += c;
+        }
     }
     return out + "\"";
 }

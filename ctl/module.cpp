@@ -145,8 +145,8 @@ std::string join_path(const std::string& above, const std::string& key)
 
 std::string instance_path(Scope scope, const std::string& name)
 {
-    const char* const above[] = {"", "lans.", "profiles."};
-    return above[static_cast<int>(scope)] + name;
+    if (scope == Scope::kModule) return "";
+    return (scope == Scope::kLan ? "lans." : "profiles.") + name;
 }
 
 std::string record_path(const Row& row, const std::string& instance)

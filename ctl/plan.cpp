@@ -328,19 +328,23 @@ private:
     // What goes, or is made anew, is held as a whole before.
     void check_lost()
     {
-        const auto check = [this](Scope scope, const std::string& name) {
-            for (const Row* row : rows_of(scope)) {
-                const Unread* const unread = unread_of(*row, name);
-                if (unread != nullptr && !unread->is_missing)
-                    problem(instance_of(document_, scope, name), record_path(*row, name),
-                            "cannot be read, and would be lost: " + in_words(unread->result));
-            }
+        const auto check = [this](const Row& row, const std::string& of, Scope scope, const std::string& name) {
+            const Unread* const unread = unread_of(row, of);
+            if (unread != nullptr && !unread->is_missing)
+                problem(instance_of(document_, scope, name), instance_path(scope, name),
+                        record_path(row, of) + " cannot be read, and would be lost: " + in_words(unread->result));
         };
-        for (const std::set<std::string>* each : {&lans_.gone, &lans_.remade})
-            for (const std::string& id : *each)
-                check(Scope::kLan, id);
+        for (const std::set<std::string>* each : {&lans_.gone, &lans_.remade}) {
+            for (const std::string& id : *each) {
+                for (const Row* row : rows_of(Scope::kLan))
+                    check(*row, id, Scope::kLan, id);
+                for (const Row* row : rows_of(Scope::kProfile))
+                    if (row->phase == Phase::kMapping) check(*row, "*", Scope::kLan, id);
+            }
+        }
         for (const std::string& label : profiles_.gone)
-            check(Scope::kProfile, label);
+            for (const Row* row : rows_of(Scope::kProfile))
+                check(*row, label, Scope::kProfile, label);
     }
 
     std::string handle_text(const std::string& label) const
@@ -388,17 +392,22 @@ private:
                 instance_of(result, Scope::kLan, id).at("l2tp.tunnels").map().empty())
                 problem(lan.at("l2tp.mode"), "lans." + id + ".l2tp.mode", "managed needs a tunnel");
         for (const Row& row : rows())
-            if (!row.only_once.empty()) check_only_once(row, result);
+            if (row.shape == Shape::kKeyed) check_keyed(row, result);
         const auto is_changed = [this](const std::string& path) { return reach_ != Reach::kBack && changes(path); };
         check_plausible(result, is_changed, &plan_.problems, &plan_.warnings);
     }
 
-    void check_only_once(const Row& row, const Value& result)
+    void check_keyed(const Row& row, const Value& result)
     {
         each_instance(document_, row.scope, [&](const std::string& name, const Value& instance) {
             std::multimap<Value, std::string> owners;
             const Value then = record_of(row, instance_of(result, row.scope, name));
             const Value named = record_of(row, instance);
+            if (then.map().size() > row.most && !named.is_nothing())
+                problem(named, record_path(row, name),
+                        std::to_string(then.map().size()) + " entries would be there, " + std::to_string(row.most) +
+                            " are the most");
+            if (row.only_once.empty()) return;
             for (const auto& [key, entry] : then.map())
                 owners.emplace(entry.child(row.only_once), key);
             for (const auto& [key, entry] : named.map()) {

@@ -84,8 +84,9 @@ std::string byte()
 
 std::string ipv4_pattern(uint64_t low = 0, uint64_t high = 0)
 {
-    return std::string(low == 0 ? "" : "(?!0\\.0\\.0\\.0$)") + (high == 0 ? "" : "(?!255\\.255\\.255\\.255$)") + "(" +
-           byte() + "\\.){3}" + byte();
+    std::string pattern = low == 0 ? "" : "(?!0\\.0\\.0\\.0$)";
+    if (high != 0) pattern += "(?!255\\.255\\.255\\.255$)";
+    return pattern + "(" + byte() + "\\.){3}" + byte();
 }
 
 std::string net_pattern()
@@ -222,15 +223,17 @@ std::string field_schema(const Field& field)
 const std::pair<std::string, std::string> kAbsent = {
     "absent", R"({"description": "The entry goes; it stands alone then.", "const": true})"};
 
-// An object of these keys and no others. One that may be absent needs nothing else then.
-Members closed(Members properties, const Members& needs, bool can_be_absent)
+// An object of these keys and no others. One that may be absent needs nothing else then, and has nothing else but what
+// it is known by.
+Members closed(Members properties, const Members& needs, bool can_be_absent, std::vector<std::string> known_by = {})
 {
     if (can_be_absent) properties.insert(properties.begin(), kAbsent);
     Members members = {
         {"type", quoted("object")}, {"properties", object(properties)}, {"additionalProperties", "false"}};
     if (can_be_absent) {
         members.emplace_back("if", R"({"required": ["absent"]})");
-        members.emplace_back("then", R"({"maxProperties": 1})");
+        known_by.emplace_back("absent");
+        members.emplace_back("then", object({{"propertyNames", object({{"enum", array_of_texts(known_by)}})}}));
         if (!needs.empty()) members.emplace_back("else", object(needs));
     } else {
         members.insert(members.end(), needs.begin(), needs.end());
@@ -271,12 +274,12 @@ Members children_of(const Node& node)
     return properties;
 }
 
-// Entries under keys of this type.
-Members under_keys(const Type& key, const std::string& entry, const Members& more = {})
+// Entries under keys of this pattern.
+Members under_keys(const std::string& key, const std::string& entry, const Members& more = {})
 {
     Members members = {{"type", quoted("object")}};
     members.insert(members.end(), more.begin(), more.end());
-    members.emplace_back("patternProperties", object({{whole(pattern_of(key)), entry}}));
+    members.emplace_back("patternProperties", object({{whole(key), entry}}));
     members.emplace_back("additionalProperties", "false");
     return members;
 }
@@ -290,7 +293,7 @@ Members lans()
         object({{"description", quoted("The default LAN.")},
                 {"allOf", array({lan})},
                 {"properties", object({{"absent", none}, {"vlan", none}, {"passthrough_nat", none}})}});
-    return under_keys(number(1, kVlanIdMax), lan, {{"properties", object({{"0", default_lan}})}});
+    return under_keys(numbers(1, kVlanIdMax), lan, {{"properties", object({{"0", default_lan}})}});
 }
 
 Members profiles(const Node& node)
@@ -301,7 +304,9 @@ Members profiles(const Node& node)
                                                          "of several that dial alike, or one whose dial changes.")});
     properties.insert(properties.begin(), {"handle", object(handle)});
     const Members needs = {{"anyOf", R"([{"required": ["dial"]}, {"required": ["handle"]}])"}};
-    return under_keys(text(1, 100), object(closed(properties, needs, true)));
+    // None is what a role has that no profile has.
+    return under_keys("(?!none$)" + pattern_of(text(1, 100)),
+                      object(closed(properties, needs, true, {"handle", "dial"})));
 }
 
 Members list(const Row& row)
@@ -324,7 +329,7 @@ Members node_members(const Node& node)
         case Node::Kind::kList:
             return list(*node.row);
         case Node::Kind::kKeyed:
-            return under_keys(node.row->key, object(record(node.row->fields, true)));
+            return under_keys(pattern_of(node.row->key), object(record(node.row->fields, true)));
         case Node::Kind::kLans:
             return lans();
         case Node::Kind::kProfiles:

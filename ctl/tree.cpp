@@ -42,6 +42,30 @@ constexpr Section kGroups[] = {
     {"write_only.alg", "the switches of the ALGs, by the service's own numbers"},
 };
 
+// What stands before the rest of its group: the table's order is that in which things are done.
+constexpr const char* kFirst[] = {
+    "lans.vlan",
+    "lans.address",
+    "lans.dhcp.enabled",
+    "lans.passthrough",
+    "lans.passthrough_nat",
+    "lans.gateway_filters",
+    "lans.l2tp.enabled",
+    "lans.l2tp.mtu",
+    "lans.l2tp.mss",
+    "lans.l2tp.clamp_mss",
+    "lans.l2tp.mode",
+    "profiles.dial",
+    "profiles.reconnect",
+    "profiles.autoconnect",
+    "profiles.roaming",
+    "profiles.vlans",
+    "profiles.nat",
+    "profiles.vpn_passthrough",
+    "profiles.firewall.enabled",
+    "profiles.firewall.unmatched",
+};
+
 Node& child_of(Node* parent, const std::string& key)
 {
     for (Node& child : parent->children)
@@ -88,6 +112,8 @@ Node make_tree()
         root.children.push_back({Kind::kGroup, section.key, section.about});
     child_of(&root, "lans").kind = Kind::kLans;
     child_of(&root, "profiles").kind = Kind::kProfiles;
+    for (const char* const path : kFirst)
+        node_at(&root, path);
     for (const Row& row : rows())
         add_row(&root, row);
     for (const Section& group : kGroups)

@@ -55,7 +55,8 @@ protected:
     {
         Lines changing;
         for (const std::string& call : calls()) {
-            const bool is_looking = call.rfind("Get", 0) == 0 || call.rfind("Select", 0) == 0 || call == "IsReady" ||
+            const bool is_looking = call.rfind("Get", 0) == 0 || call.rfind("ZR_Get", 0) == 0 ||
+                                    call.rfind("Select", 0) == 0 || call == "IsReady" ||
                                     call == "SetWWANProfileHandlePreference";
             if (!is_looking) changing.push_back(call);
         }

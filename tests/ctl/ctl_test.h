@@ -31,7 +31,13 @@ protected:
         ToolOptions options{state.path()};
         options.program = ZR_NEXA_CTL;
         options.variables = variables;
+        options.variables.push_back("ZR_NEXACTL_STATE=" + held_folder());
         return options;
+    }
+    // Of the lock and the held state.
+    std::string held_folder() const
+    {
+        return state.path() + "/held";
     }
     ToolRun ctl(const Words& words, const std::vector<std::string>& variables = {}) const
     {

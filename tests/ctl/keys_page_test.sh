@@ -9,8 +9,12 @@ if ! diff <(sed '1,/^<!-- zr_nexactl keys -->$/d' "$source/docs/configuration.md
     exit 1
 fi
 # The command's settings that the page names are there.
+# shellcheck disable=SC2016 # the backquotes are the page's
 settings=$("$@" keys | sed -n 's/^|.*| `\([A-Za-z]* [A-Za-z0-9]*\)` |$/\1/p' | sort -u)
 [ "$(wc -l <<<"$settings")" -ge 15 ]
+MOBILE_AP_STATE=$(mktemp -d)
+export MOBILE_AP_STATE
+trap 'rm -rf "$MOBILE_AP_STATE"' EXIT
 while read -r category setting; do
     "$@" run "$category" "$setting" >/dev/null || {
         echo "docs/configuration.md names $category $setting, which the command does not have" >&2

@@ -26,8 +26,8 @@ def written_out(line):
     """A line of a table with what it shortens."""
     line = re.sub(r"<(\d+) (.)>", lambda found: int(found[1]) * found[2], line)
     return re.sub(
-        r"\[(\d+) x (.+?) x\]",
-        lambda found: "[" + ", ".join(found[2].replace("#", str(i + 1)) for i in range(int(found[1]))) + "]",
+        r"(?<=[\[{])(\d+) x (.+?) x(?=[\]}])",
+        lambda found: ", ".join(found[2].replace("#", str(i + 1)) for i in range(int(found[1]))),
         line,
     )
 
