@@ -1,5 +1,6 @@
 #include "apply.h"
 
+#include <unistd.h>
 #include <zr_nexa/wan_connection.h>
 
 #include <algorithm>
@@ -91,11 +92,20 @@ private:
     // On the way back a profile that the apply has added may have got a call.
     Result remove(uint32_t handle) const
     {
-        if (reach_ == Reach::kBack) {
-            zr_nexa_wan_connect_v4_set_v1(handle, 0);
-            zr_nexa_wan_connect_v6_set_v1(handle, 0);
-        }
+        if (reach_ == Reach::kBack) end_call(handle);
         return remove_profile(handle);
+    }
+
+    static void end_call(uint32_t handle)
+    {
+        bool calling = false;
+        if (!read_calling(handle, &calling).good() || !calling) return;
+        zr_nexa_wan_connect_v4_set_v1(handle, 0);
+        zr_nexa_wan_connect_v6_set_v1(handle, 0);
+        for (int i = 0; i < 100 && calling; ++i) {  // 10 s: it is taken, not waited for
+            usleep(100000);
+            if (!read_calling(handle, &calling).good()) return;
+        }
     }
 
     // A record that only the service can complete, as that of a LAN just made, is read before it is written.
@@ -216,16 +226,20 @@ void undo(const Value& before, const Progress& progress)
 }
 
 // What was done and cannot be taken back, in place of the lines that say the same.
-void add_not_undone(const std::vector<const Step*>& done, std::vector<std::string>* left)
+void tell_not_undone(const std::vector<const Step*>& done, Outcome* outcome)
 {
+    std::vector<std::string> lost;
+    std::vector<std::string>& left = outcome->left;
     for (const Step* const step : done) {
         if (step->not_undone.empty()) continue;
         const std::string start = path_of(*step) + ": ";
-        left->erase(std::remove_if(left->begin(), left->end(),
-                                   [&start](const std::string& line) { return line.rfind(start, 0) == 0; }),
-                    left->end());
-        left->push_back(start + "not undone: " + step->not_undone);
+        left.erase(std::remove_if(left.begin(), left.end(),
+                                  [&start](const std::string& line) { return line.rfind(start, 0) == 0; }),
+                   left.end());
+        lost.push_back(start + "not undone: " + step->not_undone);
     }
+    outcome->is_back = left.empty();
+    left.insert(left.end(), lost.begin(), lost.end());
 }
 
 }  // namespace
@@ -308,7 +322,7 @@ Outcome carry_out(const Plan& plan, const Value& document, const Value& before, 
         tell(progress, ran.is_stopped ? "stopped; undoing what was done" : "refused; undoing what was done");
         if (options.before_undo) options.before_undo();
         Outcome outcome = go_back(before, progress);
-        add_not_undone(ran.done, &outcome.left);
+        tell_not_undone(ran.done, &outcome);
         outcome.status = outcome.left.empty() ? kRefused : kNotUndone;
         return outcome;
     }

@@ -1,5 +1,6 @@
 // What an apply makes of a module, for documents made at random, and what becomes of it when the platform refuses.
 #include <gmock/gmock.h>
+#include <zr_nexa/wan_connection.h>
 
 #include "plan_fixture.h"
 #include "random_document.h"
@@ -200,6 +201,75 @@ TEST_P(RandomApplyTest, ASecondDocumentIsLaidOverTheFirst)
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomApplyTest, testing::Range(0u, 50u));
 
 // ---- refusals ----
+
+TEST_F(ApplyTest, WhatCannotBeTakenBackIsToldAndNothingElse)
+{
+    const std::string before = shown();
+    const Value wanted = document(
+        "general: {shortcut_engine: false}\nlans: {0: {sip_server: {name: a}}}\nwrite_only: {alg: {1: true, 2: "
+        "true}}\n");
+    with_faults("EnableAlg#2=fail:3");
+    const Outcome outcome = apply(wanted);
+    EXPECT_EQ(outcome.status, 5);
+    EXPECT_EQ(outcome.left, Lines({"lans.0.sip_server: not undone: a SIP server can be replaced, not taken away",
+                                   "write_only.alg.1: not undone: the switch of ALG 1 cannot be read"}));
+    EXPECT_TRUE(outcome.is_back);
+    with_faults("");
+    EXPECT_EQ(plan_of("lans: {0: {sip_server: {name: a}}}\n"), Lines());
+    applied("general: {shortcut_engine: true}\n");
+    EXPECT_NE(shown(), before);
+}
+
+TEST_F(ApplyTest, ToKeepGoingDoesTheRest)
+{
+    with_faults("SetNatType=fail:3");
+    const Value wanted = document(
+        "profiles: {main: {dial: {apn_index: 1}, roaming: true, nat: {type: full-cone}}}\ngeneral: {ipv6: false}\n");
+    const Outcome outcome = apply(wanted, Reach::kMerge, {}, true);
+    EXPECT_EQ(outcome.status, 5);
+    EXPECT_EQ(outcome.left, Lines({"profiles.main.nat.type: port-restricted-cone -> full-cone"}));
+    EXPECT_EQ(lines_of(planned(wanted)), outcome.left);
+}
+
+TEST_F(ApplyTest, AResultThatSaysNoMoreThanAWordIsLookedAt)
+{
+    with_faults("SetNatType=ok:13");
+    applied("profiles: {main: {dial: {apn_index: 1}, nat: {type: full-cone}}}\n");
+}
+
+TEST_F(ApplyTest, GoingBackEndsTheCallsOfWhatWasAdded)
+{
+    const std::string shown_before = shown();
+    const Value before = as_document(read_all(), {}, true);
+    applied("profiles: {office: {dial: {apn_index: 3}}}\n");
+    ASSERT_EQ(zr_nexa_wan_connect_v4_set_v1(2, 1), 0u);
+    const Outcome outcome = go_back(before, {});
+    EXPECT_EQ(outcome.left, Lines());
+    EXPECT_EQ(shown(), shown_before);
+}
+
+TEST_F(ApplyTest, TheHeldStateIsCompletedWithWhatAnotherDocumentNames)
+{
+    const Value held = document(R"(
+general: {shortcut_engine: true}
+lans: {0: {}, 10: {vlan: {interface: ecm}, dhcp: {enabled: true}}}
+profiles: {a: {handle: 1, dial: {apn_index: 1}, roaming: false}}
+)");
+    const Value now = document(R"(
+general: {shortcut_engine: false, ipv6: false}
+lans: {0: {dhcp: {enabled: false}}, 10: {vlan: {interface: rndis}, dhcp: {enabled: false}}, 20: {vlan: {interface: ecm}}}
+profiles:
+  b: {handle: 1, dial: {apn_index: 2}, roaming: true, reconnect: true, vlans: [10, 20]}
+  c: {handle: 2, dial: {apn_index: 3}, roaming: true}
+roles: {default: b, access_point: c, dns_proxy: b}
+)");
+    EXPECT_EQ(as_yaml(completed(held, now)), as_yaml(document(R"(
+general: {shortcut_engine: true, ipv6: false}
+lans: {0: {dhcp: {enabled: false}}, 10: {vlan: {interface: ecm}, dhcp: {enabled: true}}}
+profiles: {a: {handle: 1, dial: {apn_index: 1}, roaming: false, reconnect: true, vlans: [10]}}
+roles: {default: a, dns_proxy: a}
+)")));
+}
 
 constexpr char kBefore[] = R"(
 general: {shortcut_engine: true, gateway_url: before.example, ipv6: true}

@@ -1,5 +1,6 @@
 // Applies that are confirmed or not, cut off, stopped, or met by another one: the program as it is run.
 #include <gmock/gmock.h>
+#include <sys/mount.h>
 
 #include <chrono>
 #include <filesystem>
@@ -315,6 +316,43 @@ TEST_F(ConfirmTest, ASignalBeforeTheFirstChangeChangesNothing)
     EXPECT_EQ(tool.wait().status, 1000 + SIGTERM);
     EXPECT_EQ(shown(), factory_);
     expect_nothing_pending();
+}
+
+TEST_F(ConfirmTest, TheFileOfGreIsPutBackByteForByte)
+{
+    const bool ran = in_private_mounts([&] {
+        ASSERT_EQ(mount("none", "/etc", "tmpfs", 0, nullptr), 0);
+        ASSERT_EQ(mount("none", "/run", "tmpfs", 0, nullptr), 0);
+        std::filesystem::create_directories("/etc/data/ipa");
+        std::filesystem::create_directories("/run/data");
+        const std::string path = "/etc/data/ipa/IPACM_cfg.xml";
+        const std::string kept = "<system>  <IPACM><GREFlag><GREEnabled>0</GREEnabled></GREFlag>\n\n</IPACM></system>";
+        const auto content = [&path] {
+            std::ifstream file(path);
+            return std::string((std::istreambuf_iterator<char>(file)), {});
+        };
+        std::ofstream(path) << kept;
+        const std::string gre = written("gre.yaml",
+                                        "version: 1\ngeneral: {ipv6: false}\n"
+                                        "gre: {enabled: true, servers: [10.0.0.1], masks: [255.0.0.0]}\n");
+        const ToolRun refused = ctl({"apply", gre}, {"MOBILE_AP_FAULTS=DisableIPV6=fail:3"});
+        EXPECT_EQ(refused.status, 4) << refused.err;
+        EXPECT_THAT(refused.out, testing::StartsWith("gre.enabled: false -> true\n"));
+        EXPECT_EQ(content(), kept);
+        expect_nothing_pending();
+
+        EXPECT_EQ(ctl({"apply", gre, "--confirm-within", "600"}).status, 0);
+        EXPECT_NE(content(), kept);
+        EXPECT_EQ(ctl({"rollback"}).status, 0);
+        EXPECT_EQ(content(), kept);
+        expect_nothing_pending();
+        EXPECT_FALSE(std::filesystem::exists(held_folder() + "/IPACM_cfg.xml"));
+
+        EXPECT_EQ(ctl({"apply", gre}).status, 0);
+        expect_ctl({"apply", gre}, 0, "", "zr_nexactl: nothing differs\n");
+        EXPECT_FALSE(std::filesystem::exists(held_folder() + "/IPACM_cfg.xml"));
+    });
+    if (!ran) GTEST_SKIP() << "mounts of one's own are not allowed here";
 }
 
 TEST_F(ConfirmTest, WithJsonEachStepIsAnObject)

@@ -204,6 +204,25 @@ TEST_F(PlanTest, AVlanOfAnotherKindIsMadeAnewWithAllThatStoodOnIt)
     EXPECT_EQ(shown(), expected);
 }
 
+TEST_F(PlanTest, ALanIsActivatedAlsoWhenOnlyItsDhcpSwitchDiffers)
+{
+    const std::string off = "lans: {0: {dhcp: {enabled: false}}}\n";
+    EXPECT_EQ(plan_of(off), Lines({"lans.0.dhcp.enabled: true -> false"}));
+    EXPECT_EQ(said_of(off), Lines({"LAN 0 is activated anew: its devices lose the connection for a moment"}));
+    applied(off);
+    EXPECT_EQ(plan_of(off), Lines());
+    applied("lans: {10: {vlan: {interface: ecm}}}\n");
+    EXPECT_EQ(said_of("lans: {20: {vlan: {interface: ecm}, address: 10.7.3.1/24, dhcp: {enabled: false}}}\n"), Lines());
+}
+
+TEST_F(PlanTest, WhatCannotBeReadIsNeverTheSame)
+{
+    const std::string alg = "write_only: {alg: {2: false}}\n";
+    applied(alg);
+    EXPECT_EQ(plan_of(alg, Reach::kExact), Lines({"write_only.alg.2: false"}));
+    EXPECT_EQ(said_of(alg), Lines({"not undone: the switch of ALG 2 cannot be read"}));
+}
+
 TEST_F(PlanTest, WhatGoesWithAVlanIsSaid)
 {
     applied(kLan);
