@@ -39,7 +39,7 @@ public:
 private:
     void complain(const Value& at, const std::string& path, const std::string& problem)
     {
-        problems_->push_back({at.mark, path.substr(path.rfind('.', 0) == 0 ? 1 : 0), problem});
+        add_problem(problems_, {at.mark, path.substr(path.rfind('.', 0) == 0 ? 1 : 0), problem});
     }
 
     Complain complainer()
@@ -55,12 +55,12 @@ private:
         if (version.is_nothing())
             complain(*tree, "", "version is missing");
         else if (version.text() != std::to_string(kVersion) || version.quoted())
-            complain(version, "version", "1 is known, " + in_short(version) + " is not");
+            complain(version, "version", "1 is known, " + shortened(in_short(version)) + " is not");
     }
 
     void group(const Node& node, const std::string& path, Value* value, const std::vector<std::string>& more = {})
     {
-        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + in_short(*value));
+        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + shortened(in_short(*value)));
         for (auto& [key, each] : value->map()) {
             if (std::find(more.begin(), more.end(), key) != more.end()) continue;
             const Node* const child = node.child(key);
@@ -98,13 +98,13 @@ private:
 
     void record(const Row& row, const std::string& path, Value* value)
     {
-        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + in_short(*value));
+        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + shortened(in_short(*value)));
         if (normalize_record(row.fields, path, value, complainer()) && row.check) row.check(*value, path, complainer());
     }
 
     void entries(const Row& row, const std::string& path, Value* value)
     {
-        if (!value->is_list()) return complain(*value, path, "a list, not " + in_short(*value));
+        if (!value->is_list()) return complain(*value, path, "a list, not " + shortened(in_short(*value)));
         if (value->list().size() > row.most)
             complain(*value, path,
                      std::to_string(value->list().size()) + " entries, " + std::to_string(row.most) + " are the most");
@@ -134,14 +134,15 @@ private:
         if (!value->is_map() || !value->has("absent")) return false;
         const Value& absent = value->child("absent");
         if (absent.text() != "true" || absent.quoted())
-            complain(absent, path + ".absent", "true, not " + in_short(absent) + "; leave the key out to keep it");
+            complain(absent, path + ".absent",
+                     "true, not " + shortened(in_short(absent)) + "; leave the key out to keep it");
         if (value->map().size() > 1) complain(*value, path, "is absent, and has other keys too");
         return true;
     }
 
     void keyed(const Row& row, const std::string& path, Value* value)
     {
-        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + in_short(*value));
+        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + shortened(in_short(*value)));
         Value::Map normal;
         size_t count = 0;
         for (auto& [key, each] : value->map()) {
@@ -161,7 +162,7 @@ private:
     void scopes(const Node& node, const std::string& path, Value* value, const Type& key_type,
                 const std::vector<std::string>& more)
     {
-        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + in_short(*value));
+        if (!value->is_map()) return complain(*value, path, "a group of keys, not " + shortened(in_short(*value)));
         for (auto& [key, each] : value->map()) {
             const std::string place = below(path, key);
             normal_key(key_type, place, key, each);
@@ -370,7 +371,11 @@ private:
 
 Value check_document(Value document, Problems* problems)
 {
-    if (!document.is_nothing()) Checker(problems).document(&document);
+    try {
+        if (!document.is_nothing()) Checker(problems).document(&document);
+    } catch (const Enough&) {
+        // what is wrong with it is told
+    }
     return document;
 }
 
