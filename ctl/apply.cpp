@@ -178,7 +178,7 @@ Run run(const Plan& plan, Reach reach, bool keep_going, const Progress& progress
 std::vector<std::string> differences(const Value& document, Reach reach)
 {
     const Module module = read_for(document, reach);
-    const Plan plan = make_plan(document, module, reach);
+    const Plan plan = make_plan(document, module, reach, false);
     std::vector<std::string> lines;
     for (const Problem& problem : plan.problems)
         lines.push_back(problem.path + ": " + problem.text);

@@ -105,7 +105,8 @@ Fates profile_fates(const Value& document, const Value& present, Reach reach)
 
 class Planner {
 public:
-    Planner(const Value& document, const Module& module, Reach reach) : document_(document), reach_(reach)
+    Planner(const Value& document, const Module& module, Reach reach, bool judges)
+        : document_(document), reach_(reach), judges_(judges && reach != Reach::kBack)
     {
         plan_.handles = match_profiles(document, module, &plan_.problems);
         present_ = as_document(module, plan_.handles, false);
@@ -175,7 +176,7 @@ private:
         }
         for (const std::string& id : cleared)
             base_.make("lans").map()[id] = Value(Value::Map());
-        if (base_.has("profiles")) {
+        if (base_.has("profiles") && !cleared.empty()) {
             for (auto& [label, profile] : base_.make("profiles").map()) {
                 if (!profile.has("vlans")) continue;
                 Value::List& vlans = profile.make("vlans").list();
@@ -221,7 +222,7 @@ private:
         check_mapped_lans();
         check_unread();
         check_crowd();
-        check_nets();
+        if (judges_) check_nets();
     }
 
     // A profile that goes must lose its roles and its call first.
@@ -256,6 +257,7 @@ private:
     // What the module has not got, or does not tell, cannot be compared.
     void check_unread()
     {
+        if (unread_->empty()) return;
         for (const Row& row : rows()) {
             each_instance(document_, row.scope, [&](const std::string& name, const Value& instance) {
                 const Value record = record_of(row, instance);
@@ -286,6 +288,14 @@ private:
                 std::to_string(then) + " profiles would be there, " + std::to_string(kProfilesMax) + " are the most");
     }
 
+    // What the checks of what no network could use look at.
+    static bool is_of_a_network(const Row& row)
+    {
+        const std::string& key = row.fields[0].key;
+        return row.phase == Phase::kAddressing || row.phase == Phase::kReservations ||
+               row.path == "nat.port_mappings" || key == "nat.dmz" || key == "general.routing_behind";
+    }
+
     // As it will be, to the checks of what no network could use.
     void check_nets()
     {
@@ -294,20 +304,27 @@ private:
             result.make("lans").map().erase(id);
         for (const std::string& label : profiles_.gone)
             result.make("profiles").map().erase(label);
+        for (const std::set<std::string>* each : {&lans_.made, &lans_.remade})
+            for (const std::string& id : *each)
+                make_instance(&result, Scope::kLan, id) = instance_of(wanted_, Scope::kLan, id);
+        for (const std::string& label : profiles_.made)
+            make_instance(&result, Scope::kProfile, label) = instance_of(wanted_, Scope::kProfile, label);
         for (const Row& row : rows()) {
+            if (!is_of_a_network(row)) continue;
             each_instance(wanted_, row.scope, [&](const std::string& name, const Value& instance) {
-                const Value record = record_of(row, instance);
-                if (record.is_nothing() || is_absent(instance)) return;
+                if (is_absent(instance) || is_new(row.scope, name) || !is_named(row, instance)) return;
                 Value& there = make_instance(&result, row.scope, name);
-                const bool is_part = row.shape == Shape::kUnit || row.shape == Shape::kKeyed;
-                Value laid = is_part ? laid_over(record, record_of(row, there)) : record;
-                if (row.shape == Shape::kKeyed)
-                    for (const auto& [key, entry] : record.map())
-                        if (is_absent(entry)) laid.map().erase(key);
-                put_record(row, laid, &there);
+                Value record = record_of(row, instance);
+                if (row.shape == Shape::kKeyed) {
+                    const Value named = record;
+                    record = laid_over(named, record_of(row, there));
+                    for (const auto& [key, entry] : named.map())
+                        if (is_absent(entry)) record.map().erase(key);
+                }
+                put_record(row, record, &there);
             });
         }
-        const auto is_changed = [this](const std::string& path) { return reach_ != Reach::kBack && changes(path); };
+        const auto is_changed = [this](const std::string& path) { return changes(path); };
         check_plausible(result, is_changed, &plan_.problems, &plan_.warnings);
     }
 
@@ -358,11 +375,12 @@ private:
         each_instance(wanted_, scope, [&](const std::string& name, const Value& instance) {
             if (is_absent(instance)) return;
             const size_t first = plan_.steps.size();
+            const Value& base = instance_of(base_, scope, name);
             bool forced = false;
             for (const Row* row : rows_of(scope)) {
                 if (row->phase != phase) continue;
                 const size_t before = plan_.steps.size();
-                changes_of(*row, name, instance, instance_of(base_, scope, name), Part::kBoth, forced);
+                changes_of(*row, name, instance, base, Part::kBoth, forced);
                 forced = row->next_follows && plan_.steps.size() > before;
             }
             put_pinholes_first(first);
@@ -548,13 +566,24 @@ private:
 
     // ---- rows ----
 
+    // Nothing is to be done: it is not named, or there just so.
+    static bool is_as_wanted(const Row& row, const Value& wanted, const Value& base)
+    {
+        if (row.shape != Shape::kUnit) return !wanted.has(row.path) || wanted.at(row.path) == base.at(row.path);
+        return std::all_of(row.fields.begin(), row.fields.end(), [&](const Field& field) {
+            const Value& value = wanted.at(field.key);
+            return value.is_nothing() || (!row.write_only && value == base.at(field.key));
+        });
+    }
+
     // The steps of one row of one instance.
     void changes_of(const Row& row, const std::string& name, const Value& wanted, const Value& base, Part part,
                     bool forced = false)
     {
+        const bool is_made = is_new(row.scope, name);
+        if (!forced && (is_made ? !is_named(row, wanted) : is_as_wanted(row, wanted, base))) return;
         const Value record = record_of(row, wanted);
-        if (record.is_nothing() && !forced) return;
-        const Value present = is_new(row.scope, name) ? Value() : record_of(row, base);
+        const Value present = is_made ? Value() : record_of(row, base);
         switch (row.shape) {
             case Shape::kUnit:
             case Shape::kWhole:
@@ -674,6 +703,7 @@ private:
 
     const Value& document_;
     const Reach reach_;
+    const bool judges_;
     const std::vector<Unread>* unread_ = nullptr;
     Value present_;  // of the module, with labels
     Value wanted_;
@@ -705,7 +735,7 @@ std::string label_of(const std::string& handle, const std::map<std::string, uint
 bool follows_named(const Row& row, const Value& instance)
 {
     const Row* const before = &row > rows().data() ? &row - 1 : nullptr;
-    return before != nullptr && before->next_follows && !record_of(*before, instance).is_nothing();
+    return before != nullptr && before->next_follows && is_named(*before, instance);
 }
 
 }  // namespace
@@ -799,29 +829,28 @@ Wish wish_for(const Value& document, const Module& lists, Reach reach)
         if (row.phase == Phase::kRoles && loses_profiles) return true;
         if (has_lans && (row.phase == Phase::kReservations || row.fields[0].key == "general.routing_behind"))
             return true;
-        return !record_of(row, document).is_nothing() ||
-               (row.fields[0].key == "general.routing_behind" && document.has("profiles"));
+        return is_named(row, document) || (row.fields[0].key == "general.routing_behind" && document.has("profiles"));
     };
     wish.scoped = [&document, whole_lans, whole_profiles, names_of_handles, looks_at_hosts, has_lans,
                    has_mappings_to_keep](const Row& row, uint32_t id) {
         if (row.scope == Scope::kLan) {
             if (whole_lans.count(id) != 0 || (row.phase == Phase::kAddressing && looks_at_hosts)) return true;
             const Value& lan = document.child("lans").child(std::to_string(id));
-            return !record_of(row, lan).is_nothing() || follows_named(row, lan);
+            return is_named(row, lan) || follows_named(row, lan);
         }
         if (whole_profiles.count(id) != 0) return true;
         if (row.phase == Phase::kMapping && has_mappings_to_keep) return true;
         if (has_lans && (row.path == "nat.port_mappings" || row.fields[0].key == "nat.dmz")) return true;
         const auto label = names_of_handles.find(id);
         if (label == names_of_handles.end()) return false;
-        return !record_of(row, document.child("profiles").child(label->second)).is_nothing();
+        return is_named(row, document.child("profiles").child(label->second));
     };
     return wish;
 }
 
-Plan make_plan(const Value& document, const Module& module, Reach reach)
+Plan make_plan(const Value& document, const Module& module, Reach reach, bool judges)
 {
-    return Planner(document, module, reach).make();
+    return Planner(document, module, reach, judges).make();
 }
 
 }  // namespace ctl
