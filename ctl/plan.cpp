@@ -1,6 +1,7 @@
 #include "plan.h"
 
 #include <algorithm>
+#include <list>
 #include <set>
 
 #include "checks.h"
@@ -468,15 +469,15 @@ private:
             Net from;
             Net to;
         };
-        std::vector<Move> moves;
+        std::list<Move> moves;
         each_instance(wanted_, Scope::kLan, [&](const std::string& id, const Value& lan) {
             if (!is_absent(lan)) moves.push_back({id, net_of(base_.child("lans").child(id)), net_of(lan)});
         });
-        if (!moves.empty() && moves.front().id == "0") std::rotate(moves.begin(), moves.begin() + 1, moves.end());
+        if (!moves.empty() && moves.front().id == "0") moves.splice(moves.end(), moves, moves.begin());
         while (!moves.empty()) {
             const auto is_free = [&moves](const Move& move) {
                 return std::none_of(moves.begin(), moves.end(), [&move](const Move& other) {
-                    return other.id != move.id && other.to.is_known && move.to.meets(other.from);
+                    return move.to.meets(other.from) && other.to.is_known && &other != &move;
                 });
             };
             auto next = std::find_if(moves.begin(), moves.end(), is_free);
