@@ -10,6 +10,7 @@
 
 #include "checks.h"
 #include "document.h"
+#include "tree.h"
 
 namespace {
 
@@ -162,6 +163,72 @@ TEST(Limits, directives_are_not_taken)
               "file:4:1: directives are not taken\n");
     // Elsewhere the sign is one like all others.
     EXPECT_EQ(problem_of(kVersion + "general: {gateway_url: \"%TAG\"}\nx: \"a\n%b\"\n"), "file:3:1: x: no such key\n");
+}
+
+// ---- a module that is full ----
+
+std::string numbered(const char* before, size_t number, const std::string& behind)
+{
+    return before + std::to_string(number) + behind;
+}
+
+// With the longest spelling of each value, a byte of a text being \\xff.
+std::string full_lan(size_t id)
+{
+    const std::string text = many(100, "\\\\xff");
+    std::string lan = numbered("  ", id, ":\n");
+    if (id != 0)
+        lan += "    vlan: {interface: ethernet-2, accelerated: true}\n    passthrough_nat: with-nat-one-device\n";
+    lan +=
+        "    address: 255.255.255.255/255.255.255.251\n    dhcp: {enabled: false, first: 255.255.255.254, last: "
+        "255.255.255.254, lease_seconds: 4294967295, mtu: 4294967295, dns: [255.255.255.254, 255.255.255.254]}\n"
+        "    passthrough: {device: usb, host_name: \"" +
+        text + "\"}\n    gateway_filters:\n" + many(5, "      - {protocol: portless, ports: 65533-65534}\n") +
+        "    l2tp:\n      enabled: false\n      mtu: 9000\n      mss: 4294967295\n      clamp_mss: false\n"
+        "      mode: unmanaged\n      tunnels:\n";
+    std::string sessions;
+    for (int i = 0; i < 8; ++i)
+        sessions += std::string(i == 0 ? "" : ", ") + "{local: 4294967295, peer: 4294967295}";
+    const std::string address = "\"ffff:ffff:ffff:ffff:ffff:ffff:ffff:fffe\"";
+    for (size_t i = 0; i < 8; ++i)
+        lan += numbered("        ", 4294967288 + i,
+                        ": {peer_tunnel: 4294967295, encapsulation: udp, local: " + address + ", peer: " + address +
+                            ", local_port: 65535, peer_port: 65535, mtu: 9000, sessions: [" + sessions + "]}\n");
+    return lan + "    sip_server: {name: \"" + text + "\"}\n";
+}
+
+std::string full_profile(size_t number)
+{
+    std::string profile = numbered("  profile-", number, numbered(":\n    handle: ", number, "\n"));
+    profile += "    dial: {technology: other, apn_index: 16, family: ipv4, apn_name: \"" + many(50, "\\\\xff") +
+               "\"}\n    reconnect: false\n    autoconnect: false\n    roaming: false\n    vlans: [1000";
+    for (size_t id = 1001; id < 3000; ++id)
+        profile += ", " + std::to_string(id);
+    profile += "]\n    nat:\n      type: port-restricted-cone\n      dmz: 255.255.255.254\n      port_mappings:\n" +
+               many(50, "        - {protocol: tcp-udp, global_port: 65535, host: 255.255.255.254, port: 65534}\n") +
+               "    upnp_pinholes: false\n    firewall:\n      enabled: false\n      unmatched: let-through\n"
+               "      entries:\n";
+    const std::string net = "\"ffff:ffff:ffff:ffff:ffff:ffff:ffff:fffe/128\"";
+    return profile + many(50, "        - {family: ipv6, direction: 2, source: " + net + ", destination: " + net +
+                                  ", traffic_class: 255/255, nat_flag: 255, protocol: tcp-udp, source_ports: "
+                                  "65534-65535, destination_ports: 65534-65535}\n");
+}
+
+TEST(Limits, what_a_full_module_shows_is_a_document)
+{
+    std::string document = kVersion + "lans:\n" + full_lan(0);
+    for (size_t id = 1000; id < 3000; ++id)
+        document += full_lan(id);
+    document += "profiles:\n";
+    for (size_t number = 1; number <= 50; ++number)
+        document += full_profile(number);
+    Problems problems;
+    const ctl::Value value = ctl::check_document(ctl::read_document(document, &problems), &problems);
+    EXPECT_EQ(ctl::problem_lines("file", problems), "");
+    EXPECT_EQ(value.child("lans").map().size(), 2001u);
+    // 2 MiB are left for what there is once.
+    EXPECT_LT(ctl::as_yaml(value).size(), ctl::kDocumentMax - (2 << 20));
+    EXPECT_LT(ctl::as_json(value).size(), ctl::kDocumentMax - (2 << 20));
 }
 
 }  // namespace
