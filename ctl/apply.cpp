@@ -200,7 +200,7 @@ std::vector<std::string> differences(const Value& document, Reach reach)
     std::vector<std::string> lines;
     try {
         const Module module = read_for(document, reach);
-        const Plan plan = make_plan(document, module, reach);
+        const Plan plan = make_plan(document, module, reach, false);
         for (const Problem& problem : plan.problems)
             lines.push_back(problem.path + ": " + problem.text);
         for (const Step& step : plan.steps)

@@ -43,7 +43,7 @@ private:
     void complain(const Value& at, const std::string& path, const std::string& problem)
     {
         if (at.is_nothing()) return;  // told when it was read
-        problems_->push_back({at.mark, path.substr(path.rfind('.', 0) == 0 ? 1 : 0), problem});
+        add_problem(problems_, {at.mark, path.substr(path.rfind('.', 0) == 0 ? 1 : 0), problem});
     }
 
     Complain complainer()
@@ -417,7 +417,11 @@ private:
 
 Value check_document(Value document, Problems* problems)
 {
-    if (!document.is_nothing()) Checker(problems).document(&document);
+    try {
+        if (!document.is_nothing()) Checker(problems).document(&document);
+    } catch (const Enough&) {
+        // what is wrong with it is told
+    }
     return document;
 }
 

@@ -71,7 +71,8 @@ public:
     std::string text() const
     {
         const auto& scalar = event_.data.scalar;
-        return std::string(scalar.value, scalar.value + scalar.length);
+        const void* const bytes = scalar.value;
+        return std::string(static_cast<const char*>(bytes), scalar.length);
     }
     bool is_plain() const
     {
@@ -95,6 +96,38 @@ public:
 private:
     yaml_event_t event_;
 };
+
+// Where a value stands, told as a path only where something is wrong.
+struct Place {
+    const Place* above;
+    const std::string* key;  // null: an entry of a list
+    size_t index;
+
+    std::string path() const
+    {
+        const std::string before = above != nullptr ? above->path() : "";
+        if (key == nullptr) return above != nullptr ? before + "[" + std::to_string(index) + "]" : "";
+        return before.empty() ? *key : before + "." + *key;
+    }
+};
+
+// The line of the first directive that is not of YAML's version; 0 when there is none. They stand where a document may
+// begin, and are looked for here since libyaml compares each with all others.
+uint32_t directive_line(std::string_view bytes)
+{
+    bool may_begin = true;
+    for (uint32_t line = 1; !bytes.empty(); ++line) {
+        const std::string_view text = bytes.substr(0, bytes.find('\n'));
+        bytes.remove_prefix(std::min(text.size() + 1, bytes.size()));
+        const size_t begin = line == 1 && text.substr(0, 3) == "\xef\xbb\xbf" ? 3 : 0;
+        const bool is_version = text.substr(begin, 6) == "%YAML ";
+        if (may_begin && text.substr(begin, 1) == "%" && !is_version) return line;
+        const size_t first = text.find_first_not_of(" \t\r", begin);
+        const bool is_empty = first == std::string_view::npos || text[first] == '#';
+        may_begin = (may_begin && (is_empty || is_version)) || text.substr(0, 3) == "...";
+    }
+    return 0;
+}
 
 class Reader {
 public:
@@ -123,7 +156,8 @@ public:
             return {};
         }
         const Event first(&parser_);
-        Value value = node(first, "", 1);
+        const Place root = {};
+        Value value = node(first, root, 1);
         const Event end(&parser_);
         const Event next(&parser_);
         if (next.type() != YAML_STREAM_END_EVENT) tell(next.mark(), "", "a second document");
@@ -133,64 +167,75 @@ public:
 private:
     void tell(Mark mark, const std::string& path, const std::string& text)
     {
-        problems_->push_back({mark, path, text});
+        add_problem(problems_, {mark, path, text});
     }
 
-    Value node(const Event& event, const std::string& path, int depth)
+    Value node(const Event& event, const Place& place, int depth)
     {
         const Mark mark = event.mark();
-        if (depth > kDepthMax) throw Broken{{mark, path, "nested deeper than " + std::to_string(kDepthMax)}};
-        if (++values_ > kValuesMax) throw Broken{{mark, path, "more than " + std::to_string(kValuesMax) + " values"}};
-        if (event.type() == YAML_ALIAS_EVENT) throw Broken{{mark, path, "aliases are not taken"}};
-        if (event.is_marked()) throw Broken{{mark, path, "anchors and tags are not taken"}};
+        const auto broken = [&](const std::string& text) { return Broken{{mark, place.path(), text}}; };
+        if (depth > kDepthMax) throw broken("nested deeper than " + std::to_string(kDepthMax));
+        if (++values_ > kValuesMax) throw broken("more than " + std::to_string(kValuesMax) + " values");
+        if (event.type() == YAML_ALIAS_EVENT) throw broken("aliases are not taken");
+        if (event.is_marked()) throw broken("anchors and tags are not taken");
         Value value;
         if (event.type() == YAML_SCALAR_EVENT)
-            value = scalar(event, path);
+            value = scalar(event, place);
         else if (event.type() == YAML_SEQUENCE_START_EVENT)
-            value = list(path, depth);
+            value = list(place, depth);
         else
-            value = map(path, depth);
+            value = map(place, depth);
         value.mark = mark;
         return value;
     }
 
     // What YAML takes for nothing is no value here: a forgotten one never means "delete all".
-    Value scalar(const Event& event, const std::string& path)
+    Value scalar(const Event& event, const Place& place)
     {
-        const std::string text = event.text();
-        if (event.is_plain() && (text.empty() || text == "~" || text == "null" || text == "Null" || text == "NULL")) {
-            tell(event.mark(), path, "nothing stands behind it; leave the key out to leave it alone");
+        std::string text = event.text();
+        const bool may_be_nothing = text.empty() || text[0] == '~' || text[0] == 'n' || text[0] == 'N';
+        if (event.is_plain() && may_be_nothing &&
+            (text.empty() || text == "~" || text == "null" || text == "Null" || text == "NULL")) {
+            tell(event.mark(), place.path(), "nothing stands behind it; leave the key out to leave it alone");
             return {};
         }
-        return Value(Scalar{text, !event.is_plain()});
+        return Value(Scalar{std::move(text), !event.is_plain()});
     }
 
-    Value list(const std::string& path, int depth)
+    Value list(const Place& place, int depth)
     {
         Value::List list;
         for (;;) {
             const Event event(&parser_);
             if (event.type() == YAML_SEQUENCE_END_EVENT) return Value(std::move(list));
-            list.push_back(node(event, path + "[" + std::to_string(list.size()) + "]", depth + 1));
+            const Place entry = {&place, nullptr, list.size()};
+            list.push_back(node(event, entry, depth + 1));
         }
     }
 
-    Value map(const std::string& path, int depth)
+    Value map(const Place& place, int depth)
     {
         Value::Map map;
         for (;;) {
             const Event event(&parser_);
             if (event.type() == YAML_MAPPING_END_EVENT) return Value(std::move(map));
             if (event.type() != YAML_SCALAR_EVENT || event.is_marked())
-                throw Broken{{event.mark(), path, "a key is a plain text or number"}};
-            const std::string key = event.text();
-            const std::string below = path.empty() ? key : path + "." + key;
+                throw Broken{{event.mark(), place.path(), "a key is a plain text or number"}};
+            std::string key = event.text();
+            if (key.size() > kKeyMax)
+                throw Broken{{event.mark(), place.path(), "a key of more than " + std::to_string(kKeyMax) + " bytes"}};
+            const Place below = {&place, &key, 0};
             const Event behind(&parser_);
             Value value = node(behind, below, depth + 1);
             value.mark = event.mark();  // a problem is told at the key, which is never empty
-            const auto [place, is_new] = map.emplace(key, std::move(value));
-            if (!is_new)
-                tell(event.mark(), below, "key stands on line " + std::to_string(place->second.mark.line) + " already");
+            // Keys mostly stand in order: the end is tried first.
+            const bool is_last = map.empty() || map.key_comp()(map.rbegin()->first, key);
+            const auto behind_it = is_last ? map.end() : map.lower_bound(key);
+            if (behind_it != map.end() && behind_it->first == key)
+                tell(event.mark(), below.path(),
+                     "key stands on line " + std::to_string(behind_it->second.mark.line) + " already");
+            else
+                map.emplace_hint(behind_it, std::move(key), std::move(value));
         }
     }
 
@@ -228,6 +273,15 @@ std::string visible(const std::string& text)
 }
 
 }  // namespace
+
+void add_problem(Problems* problems, Problem problem)
+{
+    if (problems->size() >= kProblemsMax) {
+        problems->push_back({{}, "", "there are more problems than are told"});
+        throw Enough();
+    }
+    problems->push_back(std::move(problem));
+}
 
 std::string problem_lines(const std::string& file, Problems problems)
 {
@@ -274,11 +328,14 @@ std::string read_file(const std::string& file, std::string* bytes)
 Value read_document(const std::string& bytes, Problems* problems)
 {
     try {
+        const uint32_t directive = directive_line(bytes);
+        if (directive != 0) throw Broken{{{directive, 1}, "", "directives other than %YAML are not taken"}};
         return Reader(bytes, problems).read();
     } catch (const Broken& broken) {
         problems->push_back(broken.problem);
-        return {};
+    } catch (const Enough&) {
     }
+    return {};
 }
 
 std::string quoted(const std::string& text)

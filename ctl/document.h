@@ -17,17 +17,26 @@ struct Problem {
 };
 using Problems = std::vector<Problem>;
 
+// More are not told: what has so many is not looked at any further.
+constexpr size_t kProblemsMax = 1000;
+
+// Thrown with the problem that is one too many.
+struct Enough {};
+void add_problem(Problems* problems, Problem problem);
+
 // "file:4:7: lans.10.dhcp: no such key", in the order of their places.
 std::string problem_lines(const std::string& file, Problems problems);
 
-// Largest document, in bytes, and most values of one.
+// Largest document, in bytes, most values of one, and longest key, in bytes.
 constexpr size_t kDocumentMax = size_t{32} << 20;
 constexpr size_t kValuesMax = 1000000;
+constexpr size_t kKeyMax = 1024;
 
 // The bytes of a file, or of standard input for "-". Returns why it cannot be read; empty: it was.
 std::string read_file(const std::string& file, std::string* bytes);
 
-// Reads one. Scalars keep the document's spelling; aliases, anchors and tags are not taken, and no key stands twice.
+// Reads one. Scalars keep the document's spelling; aliases, anchors, tags and directives other than %YAML are not
+// taken, and no key stands twice.
 Value read_document(const std::string& bytes, Problems* problems);
 
 // The value of a scalar as it stands in a document: bare where every reader takes it for what it is, else in double

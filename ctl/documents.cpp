@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <set>
 #include <stdexcept>
 
 #include "apply.h"
@@ -170,15 +171,12 @@ void print_plan(const Plan& plan, bool json)
 void tell_beforehand(const Plan& plan, const std::string& file)
 {
     std::fputs(problem_lines(file, plan.warnings).c_str(), stderr);
-    std::vector<std::string> told;
+    std::set<std::string> told;
     for (const Step& step : plan.steps) {
         for (const std::string& text :
              {step.interrupts, step.not_undone.empty() ? std::string() : "not undone: " + step.not_undone,
-              step.kind == Step::Kind::kWrite ? step.row->note : std::string()}) {
-            if (text.empty() || std::find(told.begin(), told.end(), text) != told.end()) continue;
-            tell(text);
-            told.push_back(text);
-        }
+              step.kind == Step::Kind::kWrite ? step.row->note : std::string()})
+            if (!text.empty() && told.insert(text).second) tell(text);
     }
 }
 

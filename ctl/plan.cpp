@@ -1,6 +1,7 @@
 #include "plan.h"
 
 #include <algorithm>
+#include <list>
 #include <set>
 
 #include "checks.h"
@@ -146,12 +147,13 @@ std::string label_of(const std::string& handle, const std::map<uint32_t, std::st
 bool follows_named(const Row& row, const Value& instance)
 {
     const Row* const before = &row > rows().data() ? &row - 1 : nullptr;
-    return before != nullptr && before->next_follows && !record_of(*before, instance).is_nothing();
+    return before != nullptr && before->next_follows && is_named(*before, instance);
 }
 
 class Planner {
 public:
-    Planner(const Value& document, const Module& module, Reach reach) : document_(document), reach_(reach)
+    Planner(const Value& document, const Module& module, Reach reach, bool judges)
+        : document_(document), reach_(reach), judges_(judges && reach != Reach::kBack)
     {
         const auto labels = match_profiles(document, module, &plan_.problems);
         present_ = as_document(module, labels, false);
@@ -220,7 +222,7 @@ private:
         }
         for (const std::string& id : cleared)
             base_.make("lans").map()[id] = Value(Value::Map());
-        if (base_.has("profiles")) {
+        if (base_.has("profiles") && !cleared.empty()) {
             for (auto& [label, profile] : base_.make("profiles").map()) {
                 if (!profile.has("vlans")) continue;
                 Value::List& vlans = profile.make("vlans").list();
@@ -267,7 +269,7 @@ private:
         check_unread();
         check_lost();
         check_crowd();
-        check_result();
+        if (judges_) check_result();
     }
 
     // A profile that goes must lose its roles and its call first.
@@ -302,6 +304,7 @@ private:
     // What the module has not got, or does not tell, cannot be compared.
     void check_unread()
     {
+        if (unread_->empty()) return;
         for (const Row& row : rows()) {
             each_instance(document_, row.scope, [&](const std::string& name, const Value& instance) {
                 const Value record = record_of(row, instance);
@@ -367,6 +370,14 @@ private:
                     std::to_string(vlans) + " VLANs would be there, " + std::to_string(kVlansMax) + " are the most");
     }
 
+    // What the checks of the result look at.
+    static bool is_judged(const Row& row)
+    {
+        const std::string& key = row.fields[0].key;
+        return row.shape == Shape::kKeyed || row.phase == Phase::kAddressing || row.path == "nat.port_mappings" ||
+               key == "nat.dmz" || key == "general.routing_behind";
+    }
+
     // As it will be, to the checks of what no module takes and no network could use.
     void check_result()
     {
@@ -375,16 +386,25 @@ private:
             result.make("lans").map().erase(id);
         for (const std::string& label : profiles_.gone)
             result.make("profiles").map().erase(label);
+        for (const std::set<std::string>* each : {&lans_.made, &lans_.remade})
+            for (const std::string& id : *each)
+                make_instance(&result, Scope::kLan, id) = instance_of(wanted_, Scope::kLan, id);
+        for (const std::string& label : profiles_.made)
+            make_instance(&result, Scope::kProfile, label) = instance_of(wanted_, Scope::kProfile, label);
         for (const Row& row : rows()) {
+            if (!is_judged(row)) continue;
             each_instance(wanted_, row.scope, [&](const std::string& name, const Value& instance) {
-                const Value record = record_of(row, instance);
-                if (record.is_nothing() || is_absent(instance)) return;
+                if (is_absent(instance) || !is_named(row, instance)) return;
+                if (is_new(row.scope, name) && row.shape != Shape::kKeyed) return;
                 Value& there = make_instance(&result, row.scope, name);
-                Value laid = is_laid_over(row) ? laid_over(record, record_of(row, there)) : record;
-                if (row.shape == Shape::kKeyed)
-                    for (const auto& [key, entry] : record.map())
-                        if (is_absent(entry)) laid.map().erase(key);
-                put_record(row, laid, &there);
+                Value record = record_of(row, instance);
+                if (row.shape == Shape::kKeyed) {
+                    const Value named = record;
+                    if (is_laid_over(row)) record = laid_over(named, record_of(row, there));
+                    for (const auto& [key, entry] : named.map())
+                        if (is_absent(entry)) record.map().erase(key);
+                }
+                put_record(row, record, &there);
             });
         }
         for (const auto& [id, lan] : wanted_.child("lans").map())
@@ -393,7 +413,7 @@ private:
                 problem(lan.at("l2tp.mode"), "lans." + id + ".l2tp.mode", "managed needs a tunnel");
         for (const Row& row : rows())
             if (row.shape == Shape::kKeyed) check_keyed(row, result);
-        const auto is_changed = [this](const std::string& path) { return reach_ != Reach::kBack && changes(path); };
+        const auto is_changed = [this](const std::string& path) { return changes(path); };
         check_plausible(result, is_changed, &plan_.problems, &plan_.warnings);
     }
 
@@ -500,11 +520,12 @@ private:
         each_instance(wanted_, scope, [&](const std::string& name, const Value& instance) {
             if (is_absent(instance)) return;
             const size_t first = plan_.steps.size();
+            const Value& base = instance_of(base_, scope, name);
             bool forced = false;
             for (const Row* row : rows_of(scope)) {
                 if (row->phase != phase) continue;
                 const size_t before = plan_.steps.size();
-                changes_of(*row, name, instance, instance_of(base_, scope, name), Part::kBoth, forced);
+                changes_of(*row, name, instance, base, Part::kBoth, forced);
                 forced = row->next_follows && plan_.steps.size() > before;
             }
             put_pinholes_first(first);
@@ -633,15 +654,15 @@ private:
             Net from;
             Net to;
         };
-        std::vector<Move> moves;
+        std::list<Move> moves;
         each_instance(wanted_, Scope::kLan, [&](const std::string& id, const Value& lan) {
             if (!is_absent(lan)) moves.push_back({id, net_of(base_.child("lans").child(id)), net_of(lan)});
         });
-        if (!moves.empty() && moves.front().id == "0") std::rotate(moves.begin(), moves.begin() + 1, moves.end());
+        if (!moves.empty() && moves.front().id == "0") moves.splice(moves.end(), moves, moves.begin());
         while (!moves.empty()) {
             const auto is_free = [&moves](const Move& move) {
                 return std::none_of(moves.begin(), moves.end(), [&move](const Move& other) {
-                    return other.id != move.id && other.to.is_known && move.to.meets(other.from);
+                    return move.to.meets(other.from) && other.to.is_known && &other != &move;
                 });
             };
             auto next = std::find_if(moves.begin(), moves.end(), is_free);
@@ -792,16 +813,27 @@ private:
 
     // ---- rows ----
 
+    // Nothing is to be done: it is not named, or there just so.
+    static bool is_as_wanted(const Row& row, const Value& wanted, const Value& base)
+    {
+        if (row.shape != Shape::kUnit) return !wanted.has(row.path) || wanted.at(row.path) == base.at(row.path);
+        return std::all_of(row.fields.begin(), row.fields.end(), [&](const Field& field) {
+            const Value& value = wanted.at(field.key);
+            return value.is_nothing() || (!row.write_only && value == base.at(field.key));
+        });
+    }
+
     // The steps of one row of one instance.
     void changes_of(const Row& row, const std::string& name, const Value& wanted, const Value& base, Part part,
                     bool forced = false)
     {
+        const bool is_made = is_new(row.scope, name);
+        if (!forced && (is_made ? !is_named(row, wanted) : is_as_wanted(row, wanted, base))) return;
         const Value record = record_of(row, wanted);
-        if (record.is_nothing() && !forced) return;
         // On the way back a list that could not be read would be filled once more.
         const bool is_entries = row.shape == Shape::kList || row.shape == Shape::kKeyed;
         if (is_entries && reach_ == Reach::kBack && unread_of(row, name) != nullptr) return;
-        const Value present = is_new(row.scope, name) ? Value() : record_of(row, base);
+        const Value present = is_made ? Value() : record_of(row, base);
         switch (row.shape) {
             case Shape::kUnit:
             case Shape::kWhole:
@@ -937,6 +969,7 @@ private:
 
     const Value& document_;
     const Reach reach_;
+    const bool judges_;
     const std::vector<Unread>* unread_ = nullptr;
     Value present_;  // of the module, with labels
     Value wanted_;
@@ -1054,8 +1087,7 @@ Wish wish_for(const Value& document, const Module& lists, Reach reach)
         if (row.phase == Phase::kRoles && loses_profiles) return true;
         if (has_lans && (row.phase == Phase::kReservations || row.fields[0].key == "general.routing_behind"))
             return true;
-        return !record_of(row, document).is_nothing() ||
-               (row.fields[0].key == "general.routing_behind" && document.has("profiles"));
+        return is_named(row, document) || (row.fields[0].key == "general.routing_behind" && document.has("profiles"));
     };
     wish.scoped = [&document, whole_lans, whole_profiles, names_of_handles, looks_at_hosts, has_lans,
                    has_mappings_to_keep](const Row& row, uint32_t id) {
@@ -1063,21 +1095,21 @@ Wish wish_for(const Value& document, const Module& lists, Reach reach)
             if (whole_lans.count(id) != 0 || (row.phase == Phase::kAddressing && looks_at_hosts)) return true;
             const Value& lan = document.child("lans").child(std::to_string(id));
             if (row.path == "l2tp.tunnels" && lan.has("l2tp.mode")) return true;
-            return !record_of(row, lan).is_nothing() || follows_named(row, lan);
+            return is_named(row, lan) || follows_named(row, lan);
         }
         if (whole_profiles.count(id) != 0) return true;
         if (row.phase == Phase::kMapping && has_mappings_to_keep) return true;
         if (has_lans && (row.path == "nat.port_mappings" || row.fields[0].key == "nat.dmz")) return true;
         const auto label = names_of_handles.find(id);
         if (label == names_of_handles.end()) return false;
-        return !record_of(row, document.child("profiles").child(label->second)).is_nothing();
+        return is_named(row, document.child("profiles").child(label->second));
     };
     return wish;
 }
 
-Plan make_plan(const Value& document, const Module& module, Reach reach)
+Plan make_plan(const Value& document, const Module& module, Reach reach, bool judges)
 {
-    return Planner(document, module, reach).make();
+    return Planner(document, module, reach, judges).make();
 }
 
 }  // namespace ctl

@@ -52,8 +52,9 @@ std::string path_of(const Step& step);
 // What of the module is to be known for a plan. The lists are those of the module. The document outlives it.
 Wish wish_for(const Value& document, const Module& lists, Reach reach);
 
-// document is in its normal form (checks.h).
-Plan make_plan(const Value& document, const Module& module, Reach reach);
+// document is in its normal form (checks.h). What no network could use is looked for, unless the document is there and
+// only what is left of it is asked for.
+Plan make_plan(const Value& document, const Module& module, Reach reach, bool judges = true);
 
 // What the module has, with labels for handles, so that it is a document. Profiles that no label is for are called
 // profile-<handle>. With handles, a profile says its own.

@@ -361,8 +361,10 @@ Value record_of(const Row& row, const Value& instance)
 {
     if (row.shape != Shape::kUnit) return instance.at(row.path);
     Value record;
-    for (const Field& field : row.fields)
-        if (instance.has(field.key)) record.map()[field.key] = instance.at(field.key);
+    for (const Field& field : row.fields) {
+        const Value& value = instance.at(field.key);
+        if (!value.is_nothing()) record.map()[field.key] = value;
+    }
     return record;
 }
 
@@ -375,6 +377,13 @@ void put_record(const Row& row, const Value& record, Value* instance)
     }
     for (const auto& [key, value] : record.map())
         if (!value.is_nothing()) instance->make(key) = value;
+}
+
+bool is_named(const Row& row, const Value& instance)
+{
+    if (row.shape != Shape::kUnit) return instance.has(row.path);
+    return std::any_of(row.fields.begin(), row.fields.end(),
+                       [&instance](const Field& field) { return instance.has(field.key); });
 }
 
 std::string as_yaml(const Value& tree)

@@ -40,6 +40,8 @@ const std::vector<const Row*>& rows_of(Scope scope);
 // What a document calls a record of this row: the record itself, or for a unit the values of its fields.
 Value record_of(const Row& row, const Value& instance);
 void put_record(const Row& row, const Value& record, Value* instance);
+// An instance says something of this row.
+bool is_named(const Row& row, const Value& instance);
 
 // The tree as a document. Values that an entry has anyway are left out.
 std::string as_yaml(const Value& tree);

@@ -3,9 +3,10 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <optional>
-#include <set>
+#include <string_view>
 
 namespace ctl {
 namespace {
@@ -21,12 +22,15 @@ std::string joined(const std::vector<std::string>& words)
 }
 
 // A number in decimal digits without leading zeros; nothing for any other text.
-std::optional<uint64_t> decimal(const std::string& text)
+std::optional<uint64_t> decimal(std::string_view text)
 {
-    if (text.empty() || text.size() > 10 || text.find_first_not_of("0123456789") != std::string::npos)
-        return std::nullopt;
-    if (text.size() > 1 && text[0] == '0') return std::nullopt;
-    return std::stoull(text);
+    if (text.empty() || text.size() > 10 || (text.size() > 1 && text[0] == '0')) return std::nullopt;
+    uint64_t value = 0;
+    for (const char digit : text) {
+        if (digit < '0' || digit > '9') return std::nullopt;
+        value = value * 10 + static_cast<uint64_t>(digit - '0');
+    }
+    return value;
 }
 
 bool in_range(const Type& type, std::optional<uint64_t> value)
@@ -34,7 +38,7 @@ bool in_range(const Type& type, std::optional<uint64_t> value)
     return value && *value >= type.low && *value <= type.high;
 }
 
-std::optional<uint32_t> dotted(const std::string& text)
+std::optional<uint32_t> dotted(std::string_view text)
 {
     uint32_t address = 0;
     size_t begin = 0;
@@ -59,7 +63,7 @@ std::optional<std::string> normal_net(const std::string& text)
 {
     const size_t slash = text.find('/');
     if (slash == std::string::npos) return std::nullopt;
-    const auto address = dotted(text.substr(0, slash));
+    const auto address = dotted(std::string_view(text).substr(0, slash));
     const std::string behind = text.substr(slash + 1);
     const auto bits = decimal(behind);
     const auto mask =
@@ -198,9 +202,14 @@ std::optional<std::string> normal_scalar(const Type& type, const Value& value)
 bool normalize_list(const Type& type, const std::string& path, Value* value, const Complain& complain)
 {
     bool good = true;
-    for (size_t i = 0; i < value->list().size(); ++i)
-        good &= normalize(type.fields[0].type, path + "[" + std::to_string(i) + "]", &value->list()[i], complain);
-    const size_t count = value->list().size();
+    Value::List& list = value->list();
+    size_t place = 0;
+    const Complain below = [&](const Value& at, const std::string& rest, const std::string& problem) {
+        complain(at, path + "[" + std::to_string(place) + "]" + rest, problem);
+    };
+    for (; place < list.size(); ++place)
+        good &= normalize(type.fields[0].type, "", &list[place], below);
+    const size_t count = list.size();
     if (count > type.high) {
         complain(*value, path, std::to_string(count) + " entries, " + std::to_string(type.high) + " are the most");
         return false;
@@ -209,7 +218,7 @@ bool normalize_list(const Type& type, const std::string& path, Value* value, con
         complain(*value, path, std::to_string(count) + " entries, " + std::to_string(type.low) + " are the fewest");
         return false;
     }
-    if (good && type.is_set) value->list() = sorted(value->list());
+    if (good && type.is_set) list = sorted(list);
     return good;
 }
 
@@ -237,14 +246,7 @@ std::string as_found(const Value& value)
 {
     if (value.is_list()) return "a list";
     if (value.is_map()) return "a group of keys";
-    constexpr size_t kMost = 200;
-    std::string text = value.text();
-    if (text.size() > kMost) {
-        size_t end = kMost;
-        while ((static_cast<unsigned char>(text[end]) & 0xc0) == 0x80)  // within a sign
-            --end;
-        text = text.substr(0, end) + "...";
-    }
+    const std::string text = shortened(value.text());
     return value.quoted() ? "\"" + text + "\"" : text;
 }
 
@@ -342,22 +344,27 @@ Value fallback_of(const Field& field, const Value& record)
 bool normalize_record(const std::vector<Field>& fields, const std::string& path, Value* value, const Complain& complain)
 {
     bool good = true;
-    for (const auto& [key, each] : value->map()) {
+    Value::Map& record = value->map();
+    // Paths are put together only where something is wrong.
+    const Complain below = [&](const Value& at, const std::string& rest, const std::string& problem) {
+        complain(at, path + "." + rest, problem);
+    };
+    for (const auto& [key, each] : record) {
         const bool known =
             std::any_of(fields.begin(), fields.end(), [&name = key](const Field& field) { return field.key == name; });
         if (known) continue;
         std::vector<std::string> keys;
         for (const Field& field : fields)
             keys.push_back(field.key);
-        complain(each, path + "." + key, no_such_key(key, keys));
+        below(each, key, no_such_key(key, keys));
         good = false;
     }
     for (const Field& field : fields) {
-        const auto found = value->map().find(field.key);
-        if (found != value->map().end()) {
-            good &= normalize(field.type, path + "." + field.key, &found->second, complain);
+        const auto found = record.find(field.key);
+        if (found != record.end()) {
+            good &= normalize(field.type, field.key, &found->second, below);
         } else if (const Value fallback = fallback_of(field, *value); !fallback.is_nothing()) {
-            value->map()[field.key] = fallback;
+            record[field.key] = fallback;
         } else if (field.need == Field::Need::kNeeded) {
             complain(*value, path, field.key + " is missing");
             good = false;
@@ -385,17 +392,15 @@ std::string no_such_key(const std::string& key, const std::vector<std::string>& 
 
 bool normalize(const Type& type, const std::string& path, Value* value, const Complain& complain)
 {
-    const bool is_word =
-        value->is_scalar() && std::find(type.words.begin(), type.words.end(), value->text()) != type.words.end();
     if (type.kind == Kind::kList && value->is_list()) return normalize_list(type, path, value, complain);
     if (type.kind == Kind::kRecord && value->is_map()) return normalize_record(type.fields, path, value, complain);
-    const auto normal = value->is_scalar() ? normal_scalar(type, *value) : std::nullopt;
-    if (!normal && !is_word) {
+    auto normal = value->is_scalar() ? normal_scalar(type, *value) : std::nullopt;
+    if (!normal) {
         complain(*value, path, allowed(type) + ", not " + as_found(*value));
         return false;
     }
     const Mark mark = value->mark;
-    *value = Value(normal ? *normal : value->text());
+    *value = Value(std::move(*normal));
     value->mark = mark;
     return true;
 }
@@ -465,10 +470,13 @@ std::string allowed(const Type& type)
 
 std::string ipv4_text(uint32_t host_order)
 {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        text += std::to_string(host_order >> shift & 0xff) + (shift > 0 ? "." : "");
-    return text;
+    char text[INET_ADDRSTRLEN];
+    char* end = text;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        if (shift < 24) *end++ = '.';
+        end = std::to_chars(end, text + sizeof text, host_order >> shift & 0xff).ptr;
+    }
+    return std::string(text, end);
 }
 
 uint32_t ipv4_of(const std::string& text)

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <set>
 
 namespace ctl {
 namespace {
@@ -13,34 +12,77 @@ bool is_digit(char c)
 }
 
 // The run of digits at this place without its leading zeros.
-std::string_view digits_at(const std::string& text, size_t* place)
+std::string_view number_at(std::string_view text, size_t* place)
 {
     size_t begin = *place;
     while (*place < text.size() && is_digit(text[*place]))
         ++*place;
     while (begin + 1 < *place && text[begin] == '0')
         ++begin;
-    return std::string_view(text).substr(begin, *place - begin);
+    return text.substr(begin, *place - begin);
+}
+
+size_t digits_at(std::string_view text, size_t place)
+{
+    size_t end = place;
+    while (end < text.size() && is_digit(text[end]))
+        ++end;
+    return end - place;
+}
+
+// What a value of this kind holds, of its own when others share it; an empty one in a value of another kind.
+template <class Wanted, class Content>
+Wanted& own(Content* content)
+{
+    auto* const held = std::get_if<std::shared_ptr<Wanted>>(content);
+    if (held == nullptr) return *content->template emplace<std::shared_ptr<Wanted>>(std::make_shared<Wanted>());
+    if (held->use_count() > 1) *held = std::make_shared<Wanted>(**held);
+    return **held;
 }
 
 template <class Wanted, class Content>
 const Wanted& content_or_empty(const Content& content)
 {
     static const Wanted empty{};
-    const Wanted* const held = std::get_if<Wanted>(&content);
+    const auto* const held = std::get_if<std::shared_ptr<Wanted>>(&content);
+    return held != nullptr ? **held : empty;
+}
+
+const Scalar& scalar_or_empty(const Scalar* held)
+{
+    static const Scalar empty;
     return held != nullptr ? *held : empty;
 }
 
 }  // namespace
 
-bool NaturalOrder::operator()(const std::string& a, const std::string& b) const
+bool NaturalOrder::stands_before(std::string_view a, std::string_view b)
 {
+    // Most keys are words: they differ in a letter, or are the same.
     size_t i = 0;
-    size_t j = 0;
+    while (i < a.size() && i < b.size() && a[i] == b[i])
+        ++i;
+    if (i < a.size() && i < b.size() && !is_digit(a[i]) && !is_digit(b[i]))
+        return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]);
+    if (i == a.size() && i == b.size()) return false;
+
+    size_t begin = i;  // of the number
+    while (begin > 0 && is_digit(a[begin - 1]))
+        --begin;
+    const auto is_plain_number = [begin](std::string_view text) {
+        return begin < text.size() && is_digit(text[begin]) && text[begin] != '0';
+    };
+    if (is_plain_number(a) && is_plain_number(b)) {
+        const size_t x = digits_at(a, i);
+        const size_t y = digits_at(b, i);
+        return x != y ? x < y : i < a.size() && i < b.size() ? a[i] < b[i] : i < b.size();
+    }
+    i = begin;
+    size_t j = begin;
     while (i < a.size() && j < b.size()) {
         if (is_digit(a[i]) && is_digit(b[j])) {
-            const std::string_view x = digits_at(a, &i);
-            const std::string_view y = digits_at(b, &j);
+            const std::string_view x = number_at(a, &i);
+            const std::string_view y = number_at(b, &j);
             if (x.size() != y.size()) return x.size() < y.size();
             if (x != y) return x < y;
         } else {
@@ -55,12 +97,12 @@ bool NaturalOrder::operator()(const std::string& a, const std::string& b) const
 
 const std::string& Value::text() const
 {
-    return content_or_empty<Scalar>(content_).text;
+    return scalar_or_empty(std::get_if<Scalar>(&content_)).text;
 }
 
 bool Value::quoted() const
 {
-    return content_or_empty<Scalar>(content_).quoted;
+    return scalar_or_empty(std::get_if<Scalar>(&content_)).quoted;
 }
 
 const Value::List& Value::list() const
@@ -75,14 +117,12 @@ const Value::Map& Value::map() const
 
 Value::List& Value::list()
 {
-    if (!is_list()) content_ = List();
-    return std::get<List>(content_);
+    return own<List>(&content_);
 }
 
 Value::Map& Value::map()
 {
-    if (!is_map()) content_ = Map();
-    return std::get<Map>(content_);
+    return own<Map>(&content_);
 }
 
 uint32_t Value::number() const
@@ -90,11 +130,12 @@ uint32_t Value::number() const
     return static_cast<uint32_t>(std::strtoul(text().c_str(), nullptr, 10));
 }
 
-const Value& Value::child(const std::string& key) const
+const Value& Value::child(std::string_view key) const
 {
     static const Value nothing;
-    const auto found = map().find(key);
-    return found != map().end() ? found->second : nothing;
+    const Map& children = map();
+    const auto found = children.find(key);
+    return found != children.end() ? found->second : nothing;
 }
 
 const Value& Value::at(std::string_view path) const
@@ -102,7 +143,7 @@ const Value& Value::at(std::string_view path) const
     const Value* value = this;
     while (!path.empty()) {
         const size_t dot = std::min(path.find('.'), path.size());
-        value = &value->child(std::string(path.substr(0, dot)));
+        value = &value->child(path.substr(0, dot));
         path.remove_prefix(std::min(dot + 1, path.size()));
     }
     return *value;
@@ -113,7 +154,11 @@ Value& Value::make(std::string_view path)
     Value* value = this;
     while (!path.empty()) {
         const size_t dot = std::min(path.find('.'), path.size());
-        value = &value->map()[std::string(path.substr(0, dot))];
+        Map& children = value->map();
+        const auto place = children.lower_bound(path.substr(0, dot));
+        const bool is_there = place != children.end() && place->first == path.substr(0, dot);
+        value = is_there ? &place->second
+                         : &children.emplace_hint(place, std::string(path.substr(0, dot)), Value())->second;
         path.remove_prefix(std::min(dot + 1, path.size()));
     }
     return *value;
@@ -130,8 +175,8 @@ void Value::erase(std::string_view path)
 bool operator==(const Value& a, const Value& b)
 {
     if (a.content_.index() != b.content_.index()) return false;
-    if (a.is_list()) return a.list() == b.list();
-    if (a.is_map()) return a.map() == b.map();
+    if (a.is_list()) return &a.list() == &b.list() || a.list() == b.list();  // often they share it
+    if (a.is_map()) return &a.map() == &b.map() || a.map() == b.map();
     return a.text() == b.text();
 }
 
@@ -145,8 +190,19 @@ bool operator<(const Value& a, const Value& b)
 
 Value::List sorted(const Value::List& list)
 {
-    const std::multiset<Value> in_order(list.begin(), list.end());
-    return Value::List(in_order.begin(), in_order.end());
+    Value::List in_order = list;
+    std::stable_sort(in_order.begin(), in_order.end());
+    return in_order;
+}
+
+std::string shortened(const std::string& text)
+{
+    constexpr size_t kMost = 200;
+    if (text.size() <= kMost) return text;
+    size_t end = kMost;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80)  // no half of a sign
+        --end;
+    return text.substr(0, end) + "...";
 }
 
 std::string in_short(const Value& value)

@@ -2,11 +2,15 @@
 //
 // Behind the checks every scalar stands in its one normal spelling (types.h), so that two values are the same when
 // their texts are.
+//
+// Copies share their lists and maps until one of them is changed: a tree is copied at no cost. So no reference into a
+// value is written through after the value has been copied.
 #ifndef ZR_NEXA_CTL_VALUE_H
 #define ZR_NEXA_CTL_VALUE_H
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -22,7 +26,16 @@ struct Mark {
 
 // Runs of digits go by their number: "lan 9" stands before "lan 10", 192.168.0.9 before 192.168.0.10.
 struct NaturalOrder {
-    bool operator()(const std::string& a, const std::string& b) const;
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const
+    {
+        // Most keys are words that differ in their first letter.
+        const bool are_words = !a.empty() && !b.empty() && a[0] > '9' && b[0] > '9';
+        return are_words && a[0] != b[0] ? a[0] < b[0] : stands_before(a, b);
+    }
+
+private:
+    static bool stands_before(std::string_view a, std::string_view b);
 };
 
 struct Scalar {
@@ -43,8 +56,8 @@ public:
     Value(Number number) : Value(std::to_string(number))
     {
     }
-    Value(List list) : content_(std::move(list)) {}
-    Value(Map map) : content_(std::move(map)) {}
+    Value(List list) : content_(std::make_shared<List>(std::move(list))) {}
+    Value(Map map) : content_(std::make_shared<Map>(std::move(map))) {}
     Value(Scalar scalar) : content_(std::move(scalar)) {}
 
     bool is_nothing() const
@@ -57,11 +70,11 @@ public:
     }
     bool is_list() const
     {
-        return std::holds_alternative<List>(content_);
+        return std::holds_alternative<std::shared_ptr<List>>(content_);
     }
     bool is_map() const
     {
-        return std::holds_alternative<Map>(content_);
+        return std::holds_alternative<std::shared_ptr<Map>>(content_);
     }
 
     // The empty text, list or map for a value of another kind.
@@ -82,7 +95,7 @@ public:
     uint32_t number() const;
 
     // What stands under this key of a map; nothing where there is none.
-    const Value& child(const std::string& key) const;
+    const Value& child(std::string_view key) const;
 
     // What stands at this path, such as "dhcp.first". Keys with dots in them, which are addresses, are children.
     const Value& at(std::string_view path) const;
@@ -106,10 +119,13 @@ public:
     friend bool operator<(const Value& a, const Value& b);
 
 private:
-    std::variant<std::monostate, Scalar, List, Map> content_;
+    std::variant<std::monostate, Scalar, std::shared_ptr<List>, std::shared_ptr<Map>> content_;
 };
 
 Value::List sorted(const Value::List& list);
+
+// As much of a text as a message has room for.
+std::string shortened(const std::string& text);
 
 // On one line, as it stands in differences and messages: {a: 1, b: [2, 3]}; "none" for nothing.
 std::string in_short(const Value& value);
