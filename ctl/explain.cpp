@@ -24,12 +24,14 @@ constexpr uint32_t kWordsNotAccepted = 65535;
 const Words kServiceWords = {
     {1, "a malformed message"},
     {2, "there is no memory, or no room left for the state"},
-    {3, "the service is not ready, or its state failed or stayed busy for 10 seconds; standard error says why"},
+    {3,
+     "the service is not ready, or its state failed or stayed busy for 10 seconds; standard error says why. Or it is "
+     "away"},
     {4, "SIGINT or SIGTERM came; nothing was changed"},
     {9, "there is no such profile (any more)"},
     {14, "there is no such LAN bridge (any more)"},
     {25, "the entry to be read, changed or deleted is not there: mapping, rule, filter, reservation, VLAN"},
-    {26, "nothing to do: connected or disconnected already, no such tunnel; deleting a profile that is connected"},
+    {26, "nothing to do: connected or disconnected already, or soon; no such tunnel; deleting a profile with a call"},
     {43, "VPN passthrough: the profile is not connected; the flag is kept all the same"},
     {48, "a value is out of range, or does not go with what is there: a profile in use cannot be deleted"},
     {50, "with success: the VLAN list is empty; counts as none"},
