@@ -11,6 +11,7 @@
 #include <iterator>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace ctl {
 namespace {
@@ -111,18 +112,32 @@ struct Place {
     }
 };
 
+// Takes the first line off the bytes, with the break that ends it: of those that YAML has.
+std::string_view take_line(std::string_view* bytes)
+{
+    size_t end = bytes->find_first_of("\n\r\xc2\xe2");
+    for (; end != std::string_view::npos; end = bytes->find_first_of("\n\r\xc2\xe2", end + 1)) {
+        for (const std::string_view each : {"\r\n", "\n", "\r", "\xc2\x85", "\xe2\x80\xa8", "\xe2\x80\xa9"}) {
+            if (bytes->substr(end, each.size()) != each) continue;
+            const std::string_view line = bytes->substr(0, end);
+            bytes->remove_prefix(end + each.size());
+            return line;
+        }
+    }
+    return std::exchange(*bytes, {});
+}
+
 // The line of the first directive that is not of YAML's version; 0 when there is none. They stand where a document may
 // begin, and are looked for here since libyaml compares each with all others.
 uint32_t directive_line(std::string_view bytes)
 {
+    if (bytes.substr(0, 3) == "\xef\xbb\xbf") bytes.remove_prefix(3);
     bool may_begin = true;
     for (uint32_t line = 1; !bytes.empty(); ++line) {
-        const std::string_view text = bytes.substr(0, bytes.find('\n'));
-        bytes.remove_prefix(std::min(text.size() + 1, bytes.size()));
-        const size_t begin = line == 1 && text.substr(0, 3) == "\xef\xbb\xbf" ? 3 : 0;
-        const bool is_version = text.substr(begin, 6) == "%YAML ";
-        if (may_begin && text.substr(begin, 1) == "%" && !is_version) return line;
-        const size_t first = text.find_first_not_of(" \t\r", begin);
+        const std::string_view text = take_line(&bytes);
+        const bool is_version = text.substr(0, 6) == "%YAML ";
+        if (may_begin && text.substr(0, 1) == "%" && !is_version) return line;
+        const size_t first = text.find_first_not_of(" \t");
         const bool is_empty = first == std::string_view::npos || text[first] == '#';
         may_begin = (may_begin && (is_empty || is_version)) || text.substr(0, 3) == "...";
     }

@@ -163,6 +163,14 @@ TEST(Limits, directives_other_than_the_version_are_not_taken)
               "file:4:1: directives other than %YAML are not taken\n");
     EXPECT_EQ(problem_of("\xef\xbb\xbf" + tags + "---\nversion: 1\n"),
               "file:1:1: directives other than %YAML are not taken\n");
+    // Whatever ends their lines.
+    for (const char* const end : {"\r", "\r\n", "\xc2\x85", "\xe2\x80\xa8", "\xe2\x80\xa9"}) {
+        std::string others = std::string("# first") + end;
+        for (int i = 0; i < 100000; ++i)
+            others += "%TAG !a" + std::to_string(i) + "! b" + end;
+        EXPECT_EQ(problem_of(others + "---" + end + "version: 1" + end),
+                  "file:2:1: directives other than %YAML are not taken\n");
+    }
     EXPECT_EQ(problem_of(kVersion + "...\n# behind\n" + tags + "---\nversion: 1\n"),
               "file:4:1: directives other than %YAML are not taken\n");
     // Elsewhere the sign is one like all others.
