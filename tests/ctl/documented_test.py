@@ -13,7 +13,8 @@ import sys
 import tempfile
 
 renews = sys.argv[1] == "--renew"
-SOURCE, *PROGRAM = sys.argv[2:] if renews else sys.argv[1:]
+# The sessions run in a folder of their own.
+SOURCE, *PROGRAM = [os.path.abspath(word) if os.path.exists(word) else word for word in sys.argv[1 + renews :]]
 PAGES = ["docs/zr_nexactl.md", "README.md"]
 
 
