@@ -370,7 +370,7 @@ std::string quoted(const std::string& text)
         const char c = text[i];
         const unsigned char byte = static_cast<unsigned char>(c);
         const unsigned char next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0xff);
-        const auto sign =
+        const auto* const sign =
             byte < 0xe2 ? std::end(kSigns) : std::find_if(std::begin(kSigns), std::end(kSigns), [&](const auto& each) {
                 return text.compare(i, each.bytes.size(), each.bytes) == 0;
             });

@@ -129,7 +129,7 @@ std::map<uint32_t, std::string> labels_by_handle(const Module& module, const std
         std::string label = profile_name(id_of(handle));
         // It may be the document's label for another one.
         while (labels.count(label) != 0)
-            label = "other-" + label;
+            label.insert(0, "other-");
         all.emplace(id_of(handle), label);
     }
     return all;

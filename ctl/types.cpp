@@ -354,6 +354,7 @@ bool normalize_record(const std::vector<Field>& fields, const std::string& path,
             std::any_of(fields.begin(), fields.end(), [&name = key](const Field& field) { return field.key == name; });
         if (known) continue;
         std::vector<std::string> keys;
+        keys.reserve(fields.size());
         for (const Field& field : fields)
             keys.push_back(field.key);
         below(each, key, no_such_key(key, keys));
