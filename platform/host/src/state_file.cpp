@@ -348,6 +348,11 @@ std::string open_state(Database& db, const std::string& folder)
     return problem;
 }
 
+bool is_of_this_version(Database& db)
+{
+    return db.one<int>("PRAGMA user_version") == schema_version();
+}
+
 void restore_factory(Database& db)
 {
     std::vector<std::string> tables;
