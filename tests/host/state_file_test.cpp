@@ -458,11 +458,13 @@ TEST_F(StateFileTest, WideFilesAreNarrowedAtOpening)
 {
     OpenClient client;
     ASSERT_TRUE(client.DisableIPV4(&err));
+    std::ofstream(database() + ".version-7") << "precious";
+    std::ofstream(database() + ".corrupt-20250101T000000Z") << "precious";
     for (const std::string& name : files())
         ASSERT_EQ(chmod((folder + "/" + name).c_str(), 0666), 0);
     ASSERT_EQ(chmod(database().c_str(), 0644), 0);
     EXPECT_EQ(works(), "");
-    ASSERT_EQ(files().size(), 4u);
+    ASSERT_EQ(files().size(), 6u);
     for (const std::string& name : files())
         EXPECT_EQ(mode(folder + "/" + name), 0600u) << name;
 }
