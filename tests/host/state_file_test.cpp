@@ -537,6 +537,10 @@ TEST_F(StateFileTest, OnlyFilesAreOpened)
     EXPECT_EQ(refused(), not_ready("mobile_ap.db-shm: a FIFO, not a file")) << "not even where one is made";
     EXPECT_TRUE(fs::is_fifo(database() + "-shm"));
     fs::remove(database() + "-shm");
+    fs::remove(folder + "/mobile_ap.new");
+    fs::create_symlink("outside", folder + "/mobile_ap.new");
+    EXPECT_EQ(refused(), not_ready("mobile_ap.new: a symbolic link, not a file"));
+    fs::remove(folder + "/mobile_ap.new");
     fs::rename(folder + "/away", database());
     EXPECT_EQ(read_file(outside), "precious");
     EXPECT_EQ(works(), "");

@@ -274,6 +274,7 @@ void remove_unfinished(const std::string& path)
 void make(const std::string& path, const FolderLock& lock)
 {
     const std::string unfinished = path.substr(0, path.rfind('/')) + "/mobile_ap.new";
+    keep_private(unfinished);
     remove_unfinished(unfinished);
     const int fd = ::open(unfinished.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (fd < 0) throw DatabaseError{SQLITE_CANTOPEN, errno_text(errno)};
