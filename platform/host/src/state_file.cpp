@@ -311,11 +311,13 @@ bool open_whole(Database& db, const std::string& folder, const std::string& path
     return false;
 }
 
+constexpr const char* kFreshSuccessor = ", a factory-fresh one takes its place";
+
 // What was set aside, for people.
 struct SetAside {
     std::string damaged;
     std::string other_version;
-    const char* successor = ", a factory-fresh one takes its place";
+    const char* successor = kFreshSuccessor;
 };
 
 // Sees to it that a whole database lies there, and opens it. Looks first: another process may have seen to it.
@@ -337,6 +339,7 @@ void mend(Database& db, const std::string& path, const FolderLock& lock, SetAsid
         } else {
             make(path, lock);
             made = true;
+            aside.successor = kFreshSuccessor;  // one that was taken back may have been no better
         }
     }
 }
