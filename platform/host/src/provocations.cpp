@@ -108,7 +108,7 @@ std::string away_text(int64_t milliseconds)
 
 std::string report(Store& db, uint32_t kind)
 {
-    static qcmap_msgr_status_report_ind_msg_v01 record;
+    qcmap_msgr_status_report_ind_msg_v01 record = {};
     record.kind = kind;
     for (size_t i = 0; i < sizeof record.report; ++i)
         record.report[i] = static_cast<uint8_t>(i % 251);
