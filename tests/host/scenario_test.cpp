@@ -84,4 +84,14 @@ TEST(ScenarioHostTest, TheFirstWrongLineIsNamed)
     EXPECT_EQ(read(std::string("1s roam on\0\n", 12)), "line 1: a zero byte is no text");
 }
 
+// All of them may be due at once.
+TEST(ScenarioHostTest, EventsAreSoMany)
+{
+    std::string lines;
+    for (int i = 0; i < 10000; ++i)
+        lines += "0 roam on\n";
+    EXPECT_EQ(mobile_ap::read_scenario(lines).size(), 10000u);
+    EXPECT_EQ(read(lines + "\n0 roam off\n"), "line 10002: more than 10000 events");
+}
+
 }  // namespace

@@ -111,7 +111,7 @@ try {
     std::string path;
     CLI::App* plays = app.add_subcommand("play", "Let the lines of a scenario file happen, each at its time");
     plays->add_option("file", path, "The file")->required()->check(CLI::ExistingFile);
-    CLI::App* forgets = app.add_subcommand("forget", "Take back what a scenario still has to come");
+    CLI::App* forgets = app.add_subcommand("forget", "Take back all that is still to come");
     app.footer(kExamples);  // after the subcommands, which would take it over
 
     try {
