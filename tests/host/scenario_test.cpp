@@ -78,6 +78,7 @@ TEST(ScenarioHostTest, TheFirstWrongLineIsNamed)
     EXPECT_EQ(read("0 roam on\n\n# x\n2s call dorp 1\n3s nonsense\n"),
               "line 4: \"dorp\" is no word that is known here");
     EXPECT_EQ(read("1s"), "line 1: A subcommand is required");
+    EXPECT_EQ(read("1s sip add \"\" --x"), "line 1: an empty word makes no sense");
     EXPECT_EQ(read("1s play other.txt"), "line 1: \"play\" is no word that is known here");
     EXPECT_EQ(read("1s forget"), "line 1: \"forget\" is no word that is known here");
     EXPECT_EQ(read("1s roam on\n1s roam maybe"), "line 2: state: maybe not in {on,off}");

@@ -368,8 +368,15 @@ void add_provocations(CLI::App& app, Provocation* chosen)
     add_report(app, chosen);
 }
 
+void check_words(const std::vector<std::string>& words)
+{
+    if (std::any_of(words.begin(), words.end(), [](const std::string& word) { return word.empty(); }))
+        throw ProvocationError{"an empty word makes no sense"};
+}
+
 Provocation parse_provocation(const std::vector<std::string>& words)
 {
+    check_words(words);
     Provocation chosen;
     CLI::App app;
     app.require_subcommand(1);
