@@ -366,7 +366,8 @@ TEST_F(StateFileTest, DatabaseSetAsideUnderASessionTakesAllItsFilesAlong)
     const ino_t index = inode(database() + "-shm");
     Foreign(database()).run("PRAGMA user_version = 7");
     const pid_t other = start_child([] {
-        stderr_of([] { OpenClient(); });
+        // Without a thread of its own, which this process's child may not start everywhere.
+        stderr_of([] { QCMAP_Client(nullptr, QCMAP_MSGR_ARCH_TYPE_LOCAL_V01, nullptr); });
         return 0;
     });
     EXPECT_EQ(wait_child(other), 0);
