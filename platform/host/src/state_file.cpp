@@ -296,7 +296,8 @@ void make(const std::string& path, const FolderLock& lock)
 void close_old_ones_to_others(const std::string& folder)
 {
     for (const std::string& name : names_beginning(folder, "mobile_ap.db.")) {
-        const std::string path = folder + "/" + name;
+        std::string path = folder;
+        path.append("/").append(name);
         struct stat info = {};
         if (lstat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode)) close_to_others(path, info);
     }
