@@ -158,6 +158,11 @@ TEST_F(MobileApCtlTest, TheExamplesInTheHelpWork)
     EXPECT_EQ(examples, 7);
 }
 
+TEST_F(MobileApCtlTest, EmptyWordsAreTold)
+{
+    expect_ctl({"sip", "add", "", "--x"}, 2, "", "mobile_ap_ctl: an empty word makes no sense\n");
+}
+
 TEST_F(MobileApCtlTest, CommandsMeetAnAwayService)
 {
     connect("4");

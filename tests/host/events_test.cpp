@@ -124,7 +124,7 @@ TEST_F(EventsHostTest, AnEventThatIsRefusedIsToldAndTheOthersHappen)
               {2, "traffic 1 --family 6 --down 3"},
               {3, "device leave 02:00:00:00:00:01"},
               {4, "sip add --bridge 5 --address 10.0.0.1"},
-              {5, "sip add --family 5 --address 10.0.0.1"},
+              {5, "sip add --family 6 --address 10.0.0.1"},
               {6, "call dorp 1"},
               {7, "call drop 1"}});
     std::string all_told;
@@ -137,7 +137,7 @@ TEST_F(EventsHostTest, AnEventThatIsRefusedIsToldAndTheOthersHappen)
               "mobile-AP event \"traffic 1 --family 6 --down 3\": no such call\n"
               "mobile-AP event \"device leave 02:00:00:00:00:01\": no such device\n"
               "mobile-AP event \"sip add --bridge 5 --address 10.0.0.1\": no such LAN bridge\n"
-              "mobile-AP event \"sip add --family 5 --address 10.0.0.1\": a value is out of range\n"
+              "mobile-AP event \"sip add --family 6 --address 10.0.0.1\": a value is out of range\n"
               "mobile-AP event \"call dorp 1\": \"dorp\" is no word that is known here\n");
     EXPECT_EQ(all_told, "35:6:1 36:6:1 ");
     EXPECT_EQ(stderr_of([&] { EXPECT_EQ(status(client), "6 12"); }), "");

@@ -21,6 +21,7 @@
 #include "host_fixture.h"
 #include "program.h"
 #include "session.h"
+#include "signals.h"
 
 namespace {
 
@@ -148,6 +149,31 @@ TEST_F(IndicationsHostTest, AListenerCarriesOutWhatIsDue)
     }));
     EXPECT_EQ(heard.wait_for(5), (std::vector<uint32_t>{1, 0xffffffff, 3, 0xffffffff, 6}));
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(290));
+}
+
+// Another version of the program has put its database in place.
+TEST_F(IndicationsHostTest, AListenerLeavesWhatIsDueInTablesThatItDoesNotKnow)
+{
+    const std::string path = folder + "/mobile_ap.db";
+    {
+        Session earlier(nullptr, nullptr);
+        ASSERT_TRUE(method(&earlier, "Schedule", nullptr, [](Store& db) {
+            mobile_ap::schedule(db, mobile_ap::now_ms() + 500, {"roam", "on"});
+            db.run("PRAGMA user_version = 7");
+        }));
+    }
+    for (const char* part : {"", "-wal", "-shm"})
+        std::filesystem::rename(path + part, folder + "/other" + part);
+    Heard heard;
+    OpenClient client(Heard::callback, &heard);
+    ASSERT_TRUE(client.IsReady());
+    std::filesystem::rename(path, folder + "/aside");
+    for (const char* part : {"-wal", "-shm", ""})
+        std::filesystem::rename(folder + "/other" + part, path + part);
+    mobile_ap::sleep_ms(1000);
+    mobile_ap::Database other;
+    other.open(path);
+    EXPECT_EQ(other.one<int>("SELECT count(*) FROM event"), 1);
 }
 
 TEST_F(IndicationsHostTest, OnlyBetweenEnablingAndDisabling)
@@ -319,20 +345,25 @@ TEST_F(IndicationsHostTest, OldOnesGoBeyondTheNewestThousand)
 
 TEST_F(IndicationsHostTest, AHundredThousandAreKeptAtMost)
 {
+    const auto time_of_sending = [](Session& sender) {
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_TRUE(send(sender, 1, 2000));
+        return std::chrono::steady_clock::now() - start;
+    };
     Session sender(nullptr, nullptr);
+    const auto with_few = time_of_sending(sender);
+    EXPECT_TRUE(method(&sender, "Clear", nullptr, [](Store& db) { db.run("DELETE FROM indication"); }));
     put(sender, 99999);
     EXPECT_TRUE(send(sender, 1, 1));
-    EXPECT_EQ(kept(sender), std::make_pair(100000, 1));
+    EXPECT_EQ(kept(sender), std::make_pair(100000, 2001));
     EXPECT_TRUE(send(sender, 2, 3));
-    EXPECT_EQ(kept(sender), std::make_pair(100000, 3));
+    EXPECT_EQ(kept(sender), std::make_pair(100000, 2003));
     set_times(sender, "+1 day");  // the clock was set back
     EXPECT_TRUE(send(sender, 4, 4));
-    EXPECT_EQ(kept(sender), std::make_pair(100000, 4));
-    // What is kept costs nothing: a look at each would take a thousand times as long.
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(send(sender, 1, 2000));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
     EXPECT_EQ(kept(sender), std::make_pair(100000, 2004));
+    // What is kept costs nothing: a look at each would take a thousand times as long.
+    EXPECT_LT(time_of_sending(sender), 50 * with_few);
+    EXPECT_EQ(kept(sender), std::make_pair(100000, 4004));
 }
 
 TEST_F(IndicationsHostTest, ASlowCallbackMissesNothingYoung)

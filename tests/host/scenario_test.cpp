@@ -78,10 +78,21 @@ TEST(ScenarioHostTest, TheFirstWrongLineIsNamed)
     EXPECT_EQ(read("0 roam on\n\n# x\n2s call dorp 1\n3s nonsense\n"),
               "line 4: \"dorp\" is no word that is known here");
     EXPECT_EQ(read("1s"), "line 1: A subcommand is required");
+    EXPECT_EQ(read("1s sip add \"\" --x"), "line 1: an empty word makes no sense");
     EXPECT_EQ(read("1s play other.txt"), "line 1: \"play\" is no word that is known here");
     EXPECT_EQ(read("1s forget"), "line 1: \"forget\" is no word that is known here");
     EXPECT_EQ(read("1s roam on\n1s roam maybe"), "line 2: state: maybe not in {on,off}");
     EXPECT_EQ(read(std::string("1s roam on\0\n", 12)), "line 1: a zero byte is no text");
+}
+
+// All of them may be due at once.
+TEST(ScenarioHostTest, EventsAreSoMany)
+{
+    std::string lines;
+    for (int i = 0; i < 1000; ++i)
+        lines += "0 roam on\n";
+    EXPECT_EQ(mobile_ap::read_scenario(lines).size(), 1000u);
+    EXPECT_EQ(read(lines + "\n0 roam off\n"), "line 1002: more than 1000 events");
 }
 
 }  // namespace

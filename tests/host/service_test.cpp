@@ -78,6 +78,19 @@ TEST_F(ServiceHostTest, ASessionThatIsOpenedMeanwhileBecomesReady)
     EXPECT_EQ(status(client), "6 12");
 }
 
+// Not the one in which the session was opened.
+TEST_F(ServiceHostTest, ReadinessIsThatOfTheStateInPlace)
+{
+    OpenClient client;
+    ASSERT_TRUE(client.IsReady());
+    std::filesystem::rename(folder + "/mobile_ap.db", folder + "/elsewhere.db");
+    ASSERT_EQ(mobile_ap::open_state(db, folder), "");
+    provoke("service away 5");
+    EXPECT_FALSE(client.IsReady());
+    let_pass(5000);
+    EXPECT_TRUE(client.IsReady());
+}
+
 TEST_F(ServiceHostTest, SessionsGoOnWithWhatTheyHadSelected)
 {
     OpenClient client;

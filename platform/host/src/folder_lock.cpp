@@ -77,6 +77,8 @@ FolderLock::FolderLock(const std::string& folder, Kind kind, const Patience& pat
         if (flock(fd_, (kind == kShared ? LOCK_SH : LOCK_EX) | LOCK_NB) == 0) {
             if (lies_at(fd_, path)) return;
             ::close(fd_);
+            if (!patience.nap(attempt))
+                throw DatabaseError{SQLITE_BUSY, "the folder's lock is taken away again and again"};
             fd_ = open_lock(path);
             continue;
         }

@@ -13,6 +13,7 @@
 #include "diag_msg.h"
 #include "events.h"
 #include "indication_wire.h"
+#include "state_file.h"
 
 namespace mobile_ap {
 namespace {
@@ -197,11 +198,13 @@ std::vector<Listener::Pending> Listener::next_batch()
     return batch;
 }
 
-// What cannot be carried out now, on a full disk say, is tried again with the next round, and stops no delivery.
+// What cannot be carried out now, on a full disk say, is tried again with the next round, and stops no delivery. What
+// is due in another version's database is not this program's to carry out.
 void Listener::see_to_what_is_due()
 {
     wait_ms_ = kRoundMs;
     try {
+        if (!is_of_this_version(db_)) return;
         if (is_overdue(db_)) carry_out_due(db_);
         wait_ms_ = static_cast<int>(std::clamp<int64_t>(next_due_ms(db_) - mobile_ap::now_ms(), 0, kRoundMs));
     } catch (const DatabaseError&) {

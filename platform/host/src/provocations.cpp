@@ -19,6 +19,8 @@
 namespace mobile_ap {
 namespace {
 
+constexpr int64_t kMostBytes = int64_t{1} << 50;
+
 // What the options of a subcommand are read into; the subcommand's callback owns it.
 struct CallWords {
     uint32_t profile = 0;
@@ -27,8 +29,8 @@ struct CallWords {
     uint32_t times = 1;
     EndReason reason;
     int64_t delay_ms = 0;
-    uint64_t down = 0;
-    uint64_t up = 0;
+    int64_t down = 0;
+    int64_t up = 0;
 };
 
 std::vector<Call> calls_of(const CallWords& words)
@@ -108,7 +110,7 @@ std::string away_text(int64_t milliseconds)
 
 std::string report(Store& db, uint32_t kind)
 {
-    static qcmap_msgr_status_report_ind_msg_v01 record;
+    qcmap_msgr_status_report_ind_msg_v01 record = {};
     record.kind = kind;
     for (size_t i = 0; i < sizeof record.report; ++i)
         record.report[i] = static_cast<uint8_t>(i % 251);
@@ -146,7 +148,7 @@ std::string lower_mac(std::string& text)
 
 std::string check_host_name(std::string& text)
 {
-    return text.size() > sizeof(qcmap_connected_device::host_name) ? "at most 100 bytes" : "";
+    return text.empty() || text.size() > sizeof(qcmap_connected_device::host_name) ? "1 to 100 bytes" : "";
 }
 
 std::string check_ipv6(std::string& text)
@@ -226,9 +228,8 @@ void add_traffic(CLI::App& app, Provocation* chosen)
     CLI::App* traffic =
         add_call_command(&app, "traffic", "Count bytes that a profile's call moves", words, chosen,
                          [](Store& db, int64_t, const CallWords& moved) { return move_bytes(db, moved); });
-    constexpr uint64_t kMost = uint64_t{1} << 50;
-    traffic->add_option("--down", words->down, "Bytes received")->check(CLI::Range(uint64_t{0}, kMost));
-    traffic->add_option("--up", words->up, "Bytes sent")->check(CLI::Range(uint64_t{0}, kMost));
+    traffic->add_option("--down", words->down, "Bytes received")->check(CLI::Range(int64_t{0}, kMostBytes));
+    traffic->add_option("--up", words->up, "Bytes sent")->check(CLI::Range(int64_t{0}, kMostBytes));
     add_family(traffic, words);
 }
 
@@ -279,15 +280,16 @@ void add_device(CLI::App& app, Provocation* chosen)
     CLI::App* join = device->add_subcommand("join", "Join the LAN; a device with this MAC address is replaced");
     join->add_option("mac", words->mac, "MAC address")->required()->transform(CLI::Validator(lower_mac, ""));
     join->add_option("ipv4", words->ipv4, "IPv4 address")->required()->check(CLI::ValidIPV4);
-    join->add_option("name", words->host_name, "Host name, at most 100 bytes")
+    join->add_option("name", words->host_name, "Host name, 1 to 100 bytes")
         ->required()
         ->check(CLI::Validator(check_host_name, ""));
     join->add_option("--ipv6", words->ipv6, "IPv6 addresses, at most 6")
         ->expected(1, QCMAP_MAX_DEVICE_IPV6)
         ->check(CLI::Validator(check_ipv6, ""));
-    join->add_option("--type", words->type, "3 USB, 4 Ethernet, 8 WLAN, 16 second Ethernet; 4 without it");
-    join->add_option("--rx", words->rx_bytes, "Bytes received from it");
-    join->add_option("--tx", words->tx_bytes, "Bytes sent to it");
+    join->add_option("--type", words->type, "3 USB, 4 Ethernet, 8 WLAN, 16 second Ethernet; 4 without it")
+        ->check(CLI::IsMember({3, 4, 8, 16}));
+    join->add_option("--rx", words->rx_bytes, "Bytes received from it")->check(CLI::Range(int64_t{0}, kMostBytes));
+    join->add_option("--tx", words->tx_bytes, "Bytes sent to it")->check(CLI::Range(int64_t{0}, kMostBytes));
     join->callback([words, chosen] {
         chosen->carry_out = [words](Store& db, int64_t) {
             join_lan(db, *words);
@@ -323,7 +325,7 @@ void add_sip(CLI::App& app, Provocation* chosen)
 
     CLI::App* add = sip->add_subcommand("add", "Assign one more");
     add->add_option("--bridge", words->bridge, "LAN id; 0 without it");
-    add->add_option("--family", words->family, "4 or 6; 4 without it");
+    add->add_option("--family", words->family, "4 or 6; 4 without it")->check(CLI::IsMember({4, 6}));
     CLI::Option_group* name = add->add_option_group("server", "How it is named");
     name->add_option("--address", words->address, "By its address");
     name->add_option("--fqdn", words->fqdn, "By its name");
@@ -366,8 +368,15 @@ void add_provocations(CLI::App& app, Provocation* chosen)
     add_report(app, chosen);
 }
 
+void check_words(const std::vector<std::string>& words)
+{
+    if (std::any_of(words.begin(), words.end(), [](const std::string& word) { return word.empty(); }))
+        throw ProvocationError{"an empty word makes no sense"};
+}
+
 Provocation parse_provocation(const std::vector<std::string>& words)
 {
+    check_words(words);
     Provocation chosen;
     CLI::App app;
     app.require_subcommand(1);

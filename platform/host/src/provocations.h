@@ -35,6 +35,9 @@ Provocation parse_provocation(const std::vector<std::string>& words);
 // Adds the words as subcommands; the one that is parsed becomes *chosen.
 void add_provocations(CLI::App& app, Provocation* chosen);
 
+// Throws a ProvocationError for an empty word, in which the parser would lose itself. Before the words are parsed.
+void check_words(const std::vector<std::string>& words);
+
 // Why the words of an app could not be read, for people.
 std::string parse_problem(const CLI::App& app, const CLI::Error& error);
 

@@ -8,6 +8,8 @@
 namespace mobile_ap {
 namespace {
 
+// All of them may be due at once, and are carried out in one transaction then: others wait for it, for 10 s at most.
+constexpr size_t kMostEvents = 1000;
 constexpr int64_t kLongestMs = int64_t{7} * 24 * 3600 * 1000;
 
 // Words between blanks; double quotes keep blanks in a word. Nothing when a quote stands open.
@@ -73,7 +75,9 @@ std::vector<ScenarioEvent> read_scenario(const std::string& text)
             if (line.find('\0') != std::string::npos) throw ProvocationError{"a zero byte is no text"};
             const auto words = split(line);
             if (!words) throw ProvocationError{"a quote stands open"};
-            if (!words->empty()) events.push_back(read_line(*words));
+            if (words->empty()) continue;
+            if (events.size() == kMostEvents) throw ProvocationError{"more than 1000 events"};
+            events.push_back(read_line(*words));
         } catch (const ProvocationError& error) {
             throw ProvocationError{"line " + std::to_string(number) + ": " + error.reason};
         }

@@ -176,7 +176,15 @@ bool Session::is_ready()
     try {
         const Misbehaviour fault = faults_.reach("IsReady");
         sleep_ms(fault.delay_ms);
-        return ready_ && !fault.not_ready && !service_is_away();
+        if (!ready_ || fault.not_ready) return false;
+        {
+            const std::lock_guard<std::mutex> lock(one_at_a_time_);
+            follow_database();
+        }
+        return !service_is_away();
+    } catch (const DatabaseError& error) {
+        explain(error);
+        return false;
     } catch (const std::bad_alloc&) {
         return false;
     }

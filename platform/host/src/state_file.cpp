@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <vector>
 
 #include "complain.h"
 #include "folder_lock.h"
@@ -192,18 +193,26 @@ std::string utc_stamp()
     return text;
 }
 
+std::vector<std::string> names_beginning(const std::string& folder, const std::string& start)
+{
+    std::vector<std::string> names;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        names.push_back(entry->path().filename().string());
+        if (names.back().rfind(start, 0) != 0) names.pop_back();
+    }
+    return names;
+}
+
 // Where a process that was killed has put the logs of a damaged database, but not the database yet.
 std::string begun_name(const std::string& path)
 {
     const std::string start = "mobile_ap.db.corrupt-";
     const std::string folder = path.substr(0, path.rfind('/') + 1);
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        const std::string log = entry->path().filename().string();
+    for (const std::string& log : names_beginning(folder, start)) {
         const std::string name = log.substr(0, log.rfind('-'));
-        if (log.rfind(start, 0) == 0 && log.substr(name.size()) == "-wal" && !lies_there(folder + name))
-            return folder + name;
+        if (log.substr(name.size()) == "-wal" && !lies_there(folder + name)) return folder + name;
     }
     return folder + start + utc_stamp();
 }
@@ -265,6 +274,7 @@ void remove_unfinished(const std::string& path)
 void make(const std::string& path, const FolderLock& lock)
 {
     const std::string unfinished = path.substr(0, path.rfind('/')) + "/mobile_ap.new";
+    keep_private(unfinished);
     remove_unfinished(unfinished);
     const int fd = ::open(unfinished.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (fd < 0) throw DatabaseError{SQLITE_CANTOPEN, errno_text(errno)};
@@ -282,6 +292,17 @@ void make(const std::string& path, const FolderLock& lock)
     rename_file(unfinished, path);
 }
 
+// What was set aside by a program that left it open to others. Nobody opens it, so that it may be of any kind.
+void close_old_ones_to_others(const std::string& folder)
+{
+    for (const std::string& name : names_beginning(folder, "mobile_ap.db.")) {
+        std::string path = folder;
+        path.append("/").append(name);
+        struct stat info = {};
+        if (lstat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode)) close_to_others(path, info);
+    }
+}
+
 bool open_whole(Database& db, const std::string& folder, const std::string& path)
 {
     if (!lies_there(path)) return false;
@@ -291,11 +312,13 @@ bool open_whole(Database& db, const std::string& folder, const std::string& path
     return false;
 }
 
+constexpr const char* kFreshSuccessor = ", a factory-fresh one takes its place";
+
 // What was set aside, for people.
 struct SetAside {
     std::string damaged;
     std::string other_version;
-    const char* successor = ", a factory-fresh one takes its place";
+    const char* successor = kFreshSuccessor;
 };
 
 // Sees to it that a whole database lies there, and opens it. Looks first: another process may have seen to it.
@@ -317,6 +340,7 @@ void mend(Database& db, const std::string& path, const FolderLock& lock, SetAsid
         } else {
             make(path, lock);
             made = true;
+            aside.successor = kFreshSuccessor;  // one that was taken back may have been no better
         }
     }
 }
@@ -334,6 +358,7 @@ std::string open_state(Database& db, const std::string& folder)
     std::string problem;
     SetAside aside;
     try {
+        close_old_ones_to_others(folder);
         if (!open_whole(db, folder, path)) {
             const FolderLock lock(folder, FolderLock::kExclusive);
             mend(db, path, lock, aside);
@@ -346,6 +371,11 @@ std::string open_state(Database& db, const std::string& folder)
     if (!aside.damaged.empty()) problem = aside.damaged + aside.successor;
     if (!problem.empty()) db.close();
     return problem;
+}
+
+bool is_of_this_version(Database& db)
+{
+    return db.one<int>("PRAGMA user_version") == schema_version();
 }
 
 void restore_factory(Database& db)

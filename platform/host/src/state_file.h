@@ -18,6 +18,9 @@ std::string state_file(const std::string& folder);
 // Returns why the state is not open, or nothing.
 std::string open_state(Database& db, const std::string& folder);
 
+// Its tables are those that this program knows.
+bool is_of_this_version(Database& db);
+
 // Every table of every area as it was on the first day. Sessions and their indications stay. For a transaction.
 void restore_factory(Database& db);
 

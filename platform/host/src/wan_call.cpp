@@ -376,7 +376,7 @@ void continue_call(Store& db, int64_t at, uint32_t profile, int family)
     redial(db, at, call);
 }
 
-void count_traffic(Store& db, const Call& call, uint64_t down, uint64_t up)
+void count_traffic(Store& db, const Call& call, int64_t down, int64_t up)
 {
     db.run("UPDATE wwan_call SET moved_down = moved_down + ?, moved_up = moved_up + ? WHERE profile = ? AND family = ?",
            down, up, call.profile, call.family.number);

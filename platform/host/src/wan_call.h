@@ -94,7 +94,7 @@ void follow_roaming(Store& db, int64_t at);
 void continue_call(Store& db, int64_t at, uint32_t profile, int family);
 
 // Counts bytes that a call has moved.
-void count_traffic(Store& db, const Call& call, uint64_t down, uint64_t up);
+void count_traffic(Store& db, const Call& call, int64_t down, int64_t up);
 
 // What calls of a profile that are up know of it.
 void fill_connected_info(Store& db, uint32_t profile, qcmap_connected_wwan_info* info);

@@ -6,6 +6,7 @@
 #include <functional>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "events.h"
 #include "provocations.h"
@@ -111,9 +112,11 @@ try {
     std::string path;
     CLI::App* plays = app.add_subcommand("play", "Let the lines of a scenario file happen, each at its time");
     plays->add_option("file", path, "The file")->required()->check(CLI::ExistingFile);
-    CLI::App* forgets = app.add_subcommand("forget", "Take back what a scenario still has to come");
+    CLI::App* forgets = app.add_subcommand("forget", "Take back all that is still to come");
     app.footer(kExamples);  // after the subcommands, which would take it over
 
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    mobile_ap::check_words(words);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {
@@ -126,7 +129,7 @@ try {
     else if (forgets->parsed())
         forget();
     else
-        provoke(chosen, std::vector<std::string>(argv + 1, argv + argc));
+        provoke(chosen, words);
     return 0;
 } catch (const mobile_ap::ProvocationError& error) {
     std::fprintf(stderr, "mobile_ap_ctl: %s\n", error.reason.c_str());
