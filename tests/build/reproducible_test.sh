@@ -16,7 +16,7 @@ mkdir -p "$work/another folder"
 
 tar -C "$source_dir" --exclude=./build --exclude=./.git -cf - . | tar -C "$work/another folder" -xf -
 # Configured as BUILD_DIR was.
-mapfile -t settings < <(sed -nE 's/^(CMAKE_(BUILD_TYPE|C(XX)?_(COMPILER|FLAGS(_[A-Z]+)?)|TOOLCHAIN_FILE|INSTALL_LIBDIR):.*)/-D\1/p' \
+mapfile -t settings < <(sed -nE 's/^((CMAKE_(BUILD_TYPE|C(XX)?_(COMPILER|FLAGS(_[A-Z]+)?)|TOOLCHAIN_FILE|INSTALL_LIBDIR)|ZR_NEXA_BUILD_MAN):.*)/-D\1/p' \
     "$build/CMakeCache.txt")
 quietly configure cmake -G Ninja -S "$work/another folder" -B "$work/elsewhere" -DZR_NEXA_BUILD_TESTS=OFF "${settings[@]}"
 quietly build cmake --build "$work/elsewhere"
