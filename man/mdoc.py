@@ -220,4 +220,6 @@ def page(name, section, names, about, sections, version):
     for heading, lines in sections:
         if lines:
             out += [f".Sh {heading}", lines]
+    if any(".TS" in lines for _, lines in sections):
+        out.insert(0, "'\\\" t")  # for formatters that look here whether there are tables
     return "\n".join(out) + "\n"

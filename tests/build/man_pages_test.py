@@ -170,7 +170,7 @@ def check_age():
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run([sys.executable, "-B", os.path.join(SOURCE, "man/pages.py"), folder, *FACTS], check=True)
         for page in all_pages():
-            now, built = (re.sub(r"^\.Dd .*\n", "", read(place, page)) for place in (folder, PAGES))
+            now, built = (re.sub(r"^\.Dd .*\n", "", read(place, page), flags=re.M) for place in (folder, PAGES))
             if now != built:
                 fail(f"{page} is not what man/pages.py makes now")
 
