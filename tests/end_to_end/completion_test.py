@@ -119,8 +119,8 @@ def check_helped(program, verbs):
 
 
 def check_ctl():
-    check_helped("zr_nexactl", "show validate schema diff apply confirm pending rollback status metrics connect disconnect"
-                 " watch run explain restore reset lan-statistics wan-statistics")
+    check_helped("zr_nexactl", "show validate schema diff apply confirm pending rollback status metrics connect"
+                 " disconnect watch run explain restore reset lan-statistics wan-statistics")
     page = open(os.path.join(SOURCE, "docs/configuration.md"), encoding="utf-8").read()
     sections = re.findall(r"^## (\w+)$", page, flags=re.M)
     expect(["zr_nexactl", "show", ""], sections)
@@ -142,8 +142,8 @@ def check_ctl():
 
 
 def check_host():
-    check_helped("mobile_ap_ctl", "call drop refuse slow service restart away roam traffic device join leave sip add clear"
-                 " report play forget")
+    check_helped("mobile_ap_ctl", "call drop refuse slow service restart away roam traffic device join leave sip add"
+                 " clear report play forget")
     expect(["mobile_ap_ctl", "call", ""], ["drop", "refuse", "slow"])
     expect(["mobile_ap_ctl", "call", "refuse", "1", ""], ["connect", "disconnect"])
     expect(["mobile_ap_ctl", "call", "drop", "--family", ""], ["4", "6"])
