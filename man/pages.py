@@ -171,7 +171,7 @@ def items_of(member, kind):
     for item in member.findall(f".//parameterlist[@kind='{kind}']/parameteritem"):
         name = item.find("parameternamelist/parametername")
         direction = f" ({name.get('direction')})" if name.get("direction") else ""
-        tag = (f".Fa {name.text}{direction}" if kind == "param" else escape(name.text)).replace(".Fa ", "Fa ")
+        tag = f"Fa {name.text}{direction}" if kind == "param" else escape(name.text)
         rows.append((tag, filled(text_of(item.find("parameterdescription")))))
     return rows
 
