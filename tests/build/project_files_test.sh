@@ -29,6 +29,21 @@ same "the library's file name" "libzr_nexa_client_api.so.$version" "${library##*
 zr_nexactl=$build/bin/zr_nexactl
 [ ! -x "$zr_nexactl" ] || same "zr_nexactl --version" "zr_nexactl $version" "$(emulated "$zr_nexactl" --version)"
 
+# ---- what the pages link to is there, and so is the heading that is named ----
+cd "$source_dir"
+pages=(*.md docs/*.md examples/*.md)
+links=0
+while IFS=: read -r page target; do
+    links=$((links + 1))
+    file=${target%%#*}
+    [ -n "$file" ] || file=${page##*/}
+    [ -e "${page%"${page##*/}"}$file" ] || fail "$page links to $target, which is not there"
+    [[ $target == *#* ]] || continue
+    sed -n 's/^##* //p' "${page%"${page##*/}"}$file" | tr '[:upper:] ' '[:lower:]-' | tr -cd 'a-z0-9_\n-' |
+        grep -qxF -e "${target#*#}" || fail "$page links to $target, which has no such heading"
+done < <(grep -oE '\]\([^) ]+\)' "${pages[@]}" | sed 's/](\(.*\))$/\1/' | grep -v ':https:')
+[ "$links" -gt 100 ] || fail "only $links links were found"
+
 # ---- editors indent as clang-format does ----
 wanted=$(sed -n 's/^IndentWidth: /indent_size = /p; s/^ColumnLimit: /max_line_length = /p' "$source_dir/.clang-format")
 same .editorconfig "$wanted" "$(sed -n '/^\[\*\.{h,c,cpp}\]$/,/^$/p' "$source_dir/.editorconfig" | grep '=')"
