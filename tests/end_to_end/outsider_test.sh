@@ -73,6 +73,51 @@ emulated "$build/bin/mobile_ap_ctl" sip add --bridge 0 --family 4 --address 198.
 emulated "$build/bin/mobile_ap_ctl" sip add --bridge 0 --family 4 --fqdn pcscf2.example
 expect 0 "$expected/lan_services_connected.txt" "$work/make/lan_services"
 
+# ---- a listener in its event loop, while other processes make calls ----
+heard() {
+    for _ in {1..300}; do
+        grep -qxF "$1" "$work/heard" && return
+        sleep 0.1
+    done
+    fail "the listener did not tell: $1"
+}
+fresh_state
+: >"$work/heard"
+"${emulator[@]}" "$work/make/listener" >"$work/heard" 2>&1 &
+listener=$!
+heard listening
+emulated "$prefix/bin/zr_nexa" WAN Connect connect 1 46 >"$work/out"
+emulated "$build/bin/mobile_ap_ctl" report 1
+emulated "$build/bin/mobile_ap_ctl" call drop 1 --family 4 >"$work/out"
+emulated "$build/bin/mobile_ap_ctl" call refuse 1 --family 4
+emulated "$prefix/bin/zr_nexa" WAN Connect connect 1 4 >"$work/out"
+heard "profile 1: IPv4 connecting failed"
+kill -TERM "$listener"
+wait "$listener" || fail "the listener ended with $?"
+diff -u "$expected/listener.txt" "$work/heard" >&2 || fail "the listener heard something else"
+expect 0 "$expected/listener_nothing.txt" "$work/cmake/listener" 0
+for word in "" -1 1x 86401; do
+    expect 2 "$expected/nothing.txt" "$work/make/listener" "$word"
+done
+MOBILE_AP_STATE=$work/missing expect 1 "$expected/listener_no_session.txt" "$work/make/listener" 0
+
+# ---- Python, on the installed library of this machine's own CPU ----
+if [ ${#emulator[@]} -eq 0 ]; then
+    export ZR_NEXA_LIBRARY=$prefix/lib/libzr_nexa_client_api.so.1
+    lease_time=$source_dir/examples/lease_time.py
+    fresh_state
+    expect 0 "$expected/lease_time_first.txt" "$lease_time" 7200
+    expect 0 "$expected/lease_time_again.txt" "$lease_time" 7200
+    expect 1 "$expected/lease_time_unknown_profile.txt" "$lease_time" 3600 99
+    fresh_state
+    "$build/bin/mobile_ap_ctl" call refuse 1 --family 4 --reason 6:36
+    expect 1 "$expected/lease_time_failed.txt" "$lease_time" 7200
+    for word in "" 0 -1 1x 4294967296; do
+        expect 2 "$expected/nothing.txt" "$lease_time" "$word"
+    done
+    MOBILE_AP_STATE=$work/missing expect 1 "$expected/lease_time_no_session.txt" "$lease_time" 7200
+fi
+
 # ---- result codes in words, in both languages ----
 codes=(0x0 0x4 0x6 0xd 0x30 0x1000 0x2003 0x202b 0x6fff 0x7000 0xffffffff)
 for language in "c -std=c99" "c++ -std=c++17"; do
