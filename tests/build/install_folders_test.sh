@@ -54,7 +54,7 @@ prepare() {
 
 install_into() {
     local component
-    for component in runtime development host_platform; do
+    for component in command library development host_platform; do
         quietly "install_$component" "$@" cmake --install "$work/build" --component "$component" \
             --prefix "$prefix"
     done

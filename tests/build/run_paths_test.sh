@@ -29,7 +29,7 @@ looks_beside_itself() {
     done
 }
 
-for component in runtime development host_platform; do
+for component in command library development host_platform; do
     quietly "install_$component" cmake --install "$build" --component "$component" --prefix "$work/prefix"
 done
 mapfile -t files < <(elf_files "$build" "$work/prefix")

@@ -18,7 +18,7 @@ rm -rf "$work"
 mkdir -p "$work/make" "$work/plain"
 
 # ---- installation; it can be moved as a whole ----
-for component in runtime development host_platform; do
+for component in command library development host_platform; do
     quietly "install_$component" cmake --install "$build" --component "$component" --prefix "$work/elsewhere"
 done
 mv "$work/elsewhere" "$work/prefix"
