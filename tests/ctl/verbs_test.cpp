@@ -20,11 +20,11 @@ TEST_F(VerbsTest, TheHelpTellsTheVerbsAndTheStatuses)
     EXPECT_NE(seen.out.find("Exit statuses:\n"
                             "  0  done, or the same already\n"
                             "  1  something differs, or a state was not reached in time\n"
-                            "  2  the words or the document are wrong\n"
-                            "  3  no service, or reading was refused\n"
+                            "  2  the words, the document or the state folder are wrong\n"
+                            "  3  no service, or reading was refused, or the result could not be written\n"
                             "  4  a change was refused, and all is as before\n"
                             "  5  refused and not wholly undone, or read back otherwise\n"
-                            "  6  another apply holds the lock\n"),
+                            "  6  another process holds the lock, or a confirmation is pending\n"),
               std::string::npos)
         << seen.out;
     expect_ctl({"--version"}, 0, "zr_nexactl 1.0.0\n");
