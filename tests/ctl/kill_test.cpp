@@ -286,7 +286,7 @@ TEST_F(SystemCallTest, NoLaterApplyPutsAnEarlierCopyOfTheFileOfGreBack)
             written("gre.yaml", "version: 1\ngre: {enabled: true, servers: [10.0.0.1], masks: [255.0.0.0]}\n");
         const std::string other = written("other.yaml", "version: 1\ngeneral: {shortcut_engine: false, ipv6: false}\n");
         std::ofstream(path) << first;
-        kill_at_each({"apply", gre}, SIZE_MAX, [&] {
+        kill_at_each({"apply", gre}, 40, [&] {
             EXPECT_EQ(ctl({"rollback", "--if-pending"}).status, 0);
             std::ofstream(path) << later;
             EXPECT_EQ(ctl({"apply", other, "--confirm-within", "600"}).status, 0);

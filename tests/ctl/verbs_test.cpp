@@ -225,8 +225,8 @@ TEST_F(VerbsTest, ARefusedConnectIsTold)
         "zr_nexactl: zr_nexa_wan_connect_v4_set_v1" + refusal + "zr_nexactl: zr_nexa_wan_connect_v6_set_v1" + refusal);
     expect_ctl({"connect", "1"}, 5, "",
                "zr_nexactl: zr_nexa_wan_connect_v6_set_v1: 0x2003, step 2, connecting: the service answered 3, the "
-               "service is not ready, or its state failed or stayed busy for 10 seconds; standard error says why. Or "
-               "it is away\n",
+               "service is away; or it is not ready, or its state failed or stayed busy for 10 seconds, and standard "
+               "error says why\n",
                {"MOBILE_AP_FAULTS=ConnectBackHaul#2=fail:3"});
 }
 
