@@ -347,7 +347,7 @@ int apply(const Options& options)
 
     // From here on the terminal and its signals end nothing.
     go_on_alone();
-    const Value now = as_document(module, plan.handles, true);
+    const Value now = held_for(plan, module);
     if (changes_gre(plan) && (!earlier || !is_gre_copy_in(folder))) {
         const std::string problem = keep_gre_copy(folder);
         if (!problem.empty()) {
@@ -355,7 +355,7 @@ int apply(const Options& options)
             return kRefused;
         }
     }
-    Held held = {earlier ? completed(earlier->document, now) : now, boot_name(), 0, 0};
+    Held held = {earlier ? held_for(plan, module, earlier->document) : now, boot_name(), 0, 0};
     if (confirms) {
         held.seconds = options.confirm_within;
         held.until_ms = boot_clock_ms() + options.confirm_within * 1000;
