@@ -157,7 +157,7 @@ std::optional<Held> read_held(const std::string& folder)
     held.until_ms = std::strtoll(document.at("held.until_ms").text().c_str(), nullptr, 10);
     held.seconds = std::strtoll(document.at("held.seconds").text().c_str(), nullptr, 10);
     document.map().erase("held");
-    held.document = check_document(std::move(document), &problems);
+    held.document = check_document(std::move(document), &problems, true);
     if (!problems.empty()) throw std::runtime_error("the held state cannot be read\n" + problem_lines(path, problems));
     return held;
 }

@@ -264,7 +264,7 @@ protected:
     {
         Problems problems;
         const std::string text = as_yaml(held);
-        const Value again = check_document(read_document(text, &problems), &problems);
+        const Value again = check_document(read_document(text, &problems), &problems, true);
         EXPECT_EQ(problem_lines("held", problems), "") << text;
         EXPECT_EQ(as_yaml(again), text);
         Progress progress;
@@ -425,6 +425,30 @@ TEST_F(WayBackTest, WhatGoesIsHeldWholeAndAStrangerInItsPlaceStays)
     EXPECT_EQ(gone_back(held), Lines());
     EXPECT_EQ(plan_of(kOwn), Lines());
     EXPECT_EQ(plan_of("profiles: {stranger: {handle: 2, dial: {apn_index: 9}, autoconnect: true}}\n"), Lines());
+}
+
+TEST_F(WayBackTest, WhatIsHeldIsTakenThoughItIsAPart)
+{
+    const std::string tunnel =
+        "{peer_tunnel: 8, encapsulation: ip, local: 192.0.2.1, peer: 192.0.2.2, sessions: [{local: 1, peer: 2}]}";
+    applied("lans: {0: {l2tp: {mode: managed, tunnels: {7: " + tunnel + "}}}}\n");
+    std::string before = shown();
+    // The mode that was there, without the tunnel that it is for.
+    EXPECT_EQ(gone_back(held_by("lans: {0: {l2tp: {mode: unmanaged, tunnels: {9: " + tunnel + "}}}}\n")), Lines());
+    EXPECT_EQ(shown(), before);
+    // Two that dial alike, and have no handles yet.
+    EXPECT_EQ(gone_back(held_by("profiles: {a: {handle: 30, dial: {apn_index: 3}}, b: {handle: 31, dial: {apn_index: "
+                                "3}}}\n")),
+              Lines());
+    EXPECT_EQ(shown(), before);
+    // One MAC of two times.
+    applied("reservations: {192.168.225.30: {mac: \"02:00:00:00:00:01\"}}\n");
+    before = shown();
+    Value held = held_by("reservations: {192.168.225.30: {absent: true}}\n");
+    applied("reservations: {192.168.225.31: {mac: \"02:00:00:00:00:01\"}}\n");
+    held = held_by("reservations: {192.168.225.31: {absent: true}}\n", Reach::kMerge, held);
+    EXPECT_EQ(gone_back(held).size(), 1u);
+    EXPECT_EQ(shown(), before);
 }
 
 TEST_F(WayBackTest, TwinsAreNotTakenForEachOther)
