@@ -216,9 +216,11 @@ void tell(const Progress& progress, const std::string& line)
     if (progress.tells) progress.tells(line);
 }
 
-void undo(const Value& before, const Progress& progress)
+void undo(const Value& before, const Progress& progress, bool tells)
 {
     Plan plan = make_plan(before, read_for(before, Reach::kBack), Reach::kBack);
+    for (const Problem& warning : plan.warnings)
+        if (tells) tell(progress, warning.path + ": " + warning.text);
     plan.steps.erase(
         std::remove_if(plan.steps.begin(), plan.steps.end(), [](const Step& step) { return step.row->write_only; }),
         plan.steps.end());
@@ -251,44 +253,6 @@ Module read_for(const Value& document, Reach reach)
     return module;
 }
 
-Value completed(Value held, const Value& now)
-{
-    std::map<std::string, std::string> by_handle;
-    for (const auto& [label, profile] : held.child("profiles").map())
-        by_handle[profile.child("handle").text()] = label;
-    std::map<std::string, std::string> labels;  // now's, and what the held state calls the same profile
-    for (const auto& [label, profile] : now.child("profiles").map()) {
-        const auto same = by_handle.find(profile.child("handle").text());
-        if (same != by_handle.end()) labels[label] = same->second;
-    }
-    for (const Row& row : rows()) {
-        each_instance(now, row.scope, [&](const std::string& name, const Value& instance) {
-            const auto label = labels.find(name);
-            if (row.scope == Scope::kProfile && label == labels.end()) return;
-            const std::string own = row.scope == Scope::kProfile ? label->second : name;
-            if (row.scope == Scope::kLan && held.child("lans").map().count(own) == 0) return;
-            Value& there = make_instance(&held, row.scope, own);
-            Value record = record_of(row, instance);
-            if (record.is_nothing() || !record_of(row, there).is_nothing()) return;
-            if (row.phase == Phase::kRoles) {
-                Value known;
-                for (const auto& [role, each] : record.map())
-                    if (labels.count(each.text()) != 0) known.map()[role] = labels[each.text()];
-                record = known;
-            }
-            if (row.phase == Phase::kMapping) {
-                Value::List& ids = record.list();
-                ids.erase(
-                    std::remove_if(ids.begin(), ids.end(),
-                                   [&held](const Value& id) { return held.child("lans").map().count(id.text()) == 0; }),
-                    ids.end());
-            }
-            put_record(row, record, &there);
-        });
-    }
-    return held;
-}
-
 Outcome go_back(const Value& before, const Progress& progress)
 {
     Progress steady = progress;
@@ -298,7 +262,7 @@ Outcome go_back(const Value& before, const Progress& progress)
     // Once more where something passing came between.
     for (int i = 0; i < 2; ++i) {
         try {
-            undo(before, steady);
+            undo(before, steady, i == 0);
         } catch (const Refusal& refusal) {
             tell(progress, unreadable(refusal));
         }

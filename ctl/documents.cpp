@@ -461,9 +461,9 @@ int apply(const Options& options, Ending* ending)
 
     // From here on the terminal and its signals end nothing.
     go_on_alone();
-    const Value now = as_document(module, plan.handles, true);
+    const Value now = held_for(plan, module);
     const bool copies_gre = changes_gre(plan) && (!earlier || !earlier->has_gre);
-    Held held = {earlier ? completed(earlier->document, now) : now, boot_name()};
+    Held held = {earlier ? held_for(plan, module, earlier->document) : now, boot_name()};
     held.has_gre = copies_gre || (earlier && earlier->has_gre);
     set_clock(&held, options.confirm_within);
     if (!is_prepared(held, earlier, folder, copies_gre)) return kRefused;

@@ -140,7 +140,7 @@ Held held_of(const std::string& bytes, const std::string& path, std::string* why
     Value document = read_document(bytes, &problems);
     Held held = held_with_head(document.child("held"));
     document.map().erase("held");
-    held.document = check_document(std::move(document), &problems);
+    held.document = check_document(std::move(document), &problems, true);
     *why = problem_lines(path, problems);
     if (!why->empty()) why->pop_back();  // its last line's end
     return held;
