@@ -138,9 +138,8 @@ std::map<uint32_t, std::string> labels_by_handle(const Module& module, const std
 // The label of a role's profile; "none" stays.
 std::string label_of(const std::string& handle, const std::map<uint32_t, std::string>& labels)
 {
-    if (handle.empty() || handle.find_first_not_of("0123456789") != std::string::npos) return handle;
     const auto found = labels.find(id_of(handle));
-    return found != labels.end() ? found->second : profile_name(id_of(handle));
+    return found == labels.end() ? handle : found->second;
 }
 
 // The row before it is named, and finished by this one.
@@ -390,7 +389,7 @@ private:
         const std::string path = record_path(row, row.scope == Scope::kProfile ? handle_text(name) : name);
         const std::string of_all = record_path(row, "*");
         const auto found = std::find_if(unread_->begin(), unread_->end(), [&](const Unread& each) {
-            return each.path == path || (row.read_all && each.path == of_all);
+            return !each.is_odd && (each.path == path || (row.read_all && each.path == of_all));
         });
         return found == unread_->end() ? nullptr : &*found;
     }

@@ -343,6 +343,35 @@ TEST_F(PlanTest, WhatCannotBeReadIsRefused)
         << lost[0];
 }
 
+TEST_F(PlanTest, ARoleOfAProfileThatIsNotThereIsLeftOutAndCanBeGivenToAnother)
+{
+    sql("UPDATE wwan_service SET apdns_profile = 7");
+    const Module module = read_all();
+    std::vector<std::string> notes;
+    for (const Unread& each : module.unread) {
+        EXPECT_TRUE(each.is_missing);
+        if (each.is_odd) notes.push_back(each.path + ": " + each.result.words);
+    }
+    EXPECT_EQ(notes, Lines({"roles.dns_proxy: it is given to profile 7, which is not there"}));
+    const std::string text = shown();
+    EXPECT_NE(text.find("roles:\n  default: profile-1\n  access_point: profile-1\nupnp:"), std::string::npos) << text;
+    EXPECT_EQ(plan_of(text.substr(11), Reach::kExact), Lines());
+
+    const std::string given = "profiles: {main: {dial: {apn_index: 1}}}\nroles: {dns_proxy: main}\n";
+    EXPECT_EQ(plan_of(given), Lines({"roles.dns_proxy: ? -> main"}));
+    EXPECT_EQ(said_of(given), Lines({"traffic of the access point and its DNS may be interrupted",
+                                     "not undone: roles.dns_proxy was given to a profile that is not there"}));
+    applied(given);
+    EXPECT_EQ(sql("SELECT apdns_profile FROM wwan_service"), "1");
+
+    // The service does not take it with the other role, which is not given to nobody for that.
+    sql("UPDATE wwan_service SET apdns_profile = 7");
+    const Outcome outcome =
+        apply(document("profiles: {office: {dial: {apn_index: 3}}}\nroles: {access_point: office}\n"));
+    EXPECT_EQ(outcome.status, 4);
+    EXPECT_EQ(sql("SELECT ap_profile, apdns_profile FROM wwan_service"), "17");
+}
+
 TEST_F(PlanTest, WhatADocumentCannotSayIsRefusedWithoutAModule)
 {
     const std::vector<std::pair<std::string, std::string>> refused = {
