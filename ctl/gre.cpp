@@ -270,7 +270,7 @@ std::vector<Row> gre_rows()
     Row row = {
         Scope::kModule,
         Shape::kUnit,
-        Phase::kService,
+        Phase::kCutting,
         "",
         {{"gre.enabled", flag(), "GRE offload, which a file of the module's holds; switched off it has no addresses"},
          {"gre.servers", list_of(ipv4(), ZR_NEXA_GRE_SERVERS_MAX), "the GRE servers"},

@@ -208,6 +208,7 @@ public:
         mappings(Part::kAdditions);
         removed_profiles(last);
         module_rows(Phase::kService);
+        module_rows(Phase::kRouting);
         module_rows(Phase::kCutting);
         module_rows(Phase::kWriteOnly);
         if (reach_ != Reach::kBack)
@@ -594,19 +595,38 @@ private:
                 changes_of(*row, name, instance, base, Part::kBoth, forced);
                 forced = row->next_follows && plan_.steps.size() > before;
             }
+            open_before_removals(first);
             put_pinholes_first(first);
         });
+    }
+
+    static bool is_write_of(const Step& step, const char* key)
+    {
+        return step.kind == Step::Kind::kWrite && step.wanted.map().count(key) != 0;
+    }
+
+    // An entry may be what lets the caller in: where a profile's firewall ends with letting all through, it does so
+    // before entries go.
+    void open_before_removals(size_t first)
+    {
+        const auto begin = plan_.steps.begin() + static_cast<std::ptrdiff_t>(first);
+        const auto opens = std::find_if(begin, plan_.steps.end(),
+                                        [](const Step& step) { return is_write_of(step, "firewall.enabled"); });
+        if (opens == plan_.steps.end()) return;
+        const Value& config = opens->wanted;
+        if (config.child("firewall.enabled").flag() && config.child("firewall.unmatched").text() != "let-through")
+            return;
+        const auto removal = std::find_if(begin, opens, [](const Step& step) {
+            return step.kind == Step::Kind::kRemove && step.row->path == "firewall.entries";
+        });
+        std::rotate(removal, opens, opens + 1);
     }
 
     // A profile's pinholes can be set only while its firewall is on.
     void put_pinholes_first(size_t first)
     {
         const auto begin = plan_.steps.begin() + static_cast<std::ptrdiff_t>(first);
-        const auto is_of = [](const char* key) {
-            return [key](const Step& step) {
-                return step.kind == Step::Kind::kWrite && step.wanted.map().count(key) != 0;
-            };
-        };
+        const auto is_of = [](const char* key) { return [key](const Step& step) { return is_write_of(step, key); }; };
         const auto off = std::find_if(begin, plan_.steps.end(), is_of("firewall.enabled"));
         if (off == plan_.steps.end() || off->wanted.child("firewall.enabled").flag()) return;
         const auto pinholes = std::find_if(off, plan_.steps.end(), is_of("upnp_pinholes"));

@@ -20,7 +20,10 @@ TEST_F(PlanTest, StepsStandInTheOrderInWhichTheyStandOnEachOther)
         "lans.10.address: 10.7.2.1/24",
         "lans.0.dhcp.enabled: true -> false",
         "reservations.10.7.2.9: + {enabled: true, mac: 02:00:00:00:00:01, name: \"\"}",
+        "lans.0.passthrough: {device: none} -> {choice: 3, device: adaptive}",
         "lans.0.gateway_filters: + {ports: 80, protocol: tcp}",
+        "lans.0.l2tp.enabled: false -> true",
+        "lans.0.sip_server: {} -> {name: sip.example}",
         "general.gateway_url: mobileap.home -> a.example",
         "profiles.office: + {apn_index: 3, apn_name: \"\", family: ipv4v6, technology: any}",
         "roles.default: main -> office",
@@ -28,10 +31,13 @@ TEST_F(PlanTest, StepsStandInTheOrderInWhichTheyStandOnEachOther)
         "profiles.main.upnp_pinholes: false -> true",
         "profiles.office.nat.type: full-cone",
         "profiles.main.vlans: + 10",
+        "upnp.enabled: false -> true",
         "general.shortcut_engine: true -> false",
         "general.routing_behind: false -> true",
-        "upnp.enabled: false -> true",
         "general.ipv6: true -> false",
+        "hardware_mac_filter.state: disabled -> listed",
+        "hardware_mac_filter.stations: ? -> [02:00:00:00:00:31]",
+        "hardware_mac_filter.interfaces: ? -> [[1, 0, 0, 0, 0]]",
         "write_only.alg.1: true",
     };
     Lines seen = plan_of(R"(
@@ -45,9 +51,43 @@ profiles:
   main: {dial: {apn_index: 1}, vlans: [10], reconnect: true, upnp_pinholes: true}
 lans:
   10: {vlan: {interface: ethernet}, address: 10.7.2.1/24, dhcp: {enabled: true}}
-  0: {dhcp: {enabled: false}, gateway_filters: [{protocol: tcp, ports: 80}]}
+  0: {dhcp: {enabled: false}, gateway_filters: [{protocol: tcp, ports: 80}], passthrough: {device: adaptive, choice: 3},
+      l2tp: {enabled: true}, sip_server: {name: sip.example}}
+hardware_mac_filter: {state: listed, stations: ["02:00:00:00:00:31"], interfaces: [[1, 0, 0, 0, 0]]}
 )");
     EXPECT_EQ(seen, expected);
+}
+
+// An entry may be what lets in the one who asks for it.
+TEST_F(PlanTest, AFirewallIsOpenedBeforeItsEntriesGoAndClosedBehindThoseThatCome)
+{
+    const auto firewall = [](const std::string& text) {
+        return document("profiles: {main: {dial: {apn_index: 1}, firewall: {" + text + "}}}\n");
+    };
+    const auto is_told = [&](const Value& wanted, const Lines& lines) {
+        const Module module = read_for(wanted, Reach::kMerge);
+        const Plan plan = make_plan(wanted, module, Reach::kMerge);
+        EXPECT_EQ(lines_of(plan), lines);
+        const Value held = held_for(plan, module);
+        EXPECT_EQ(apply(wanted).left, Lines());
+        return held;
+    };
+    const std::string entry =
+        "profiles.main.firewall.entries: + {destination_ports: 22, family: ipv4, nat_flag: 0, "
+        "protocol: tcp}";
+    const std::string ssh = "entries: [{family: ipv4, protocol: tcp, destination_ports: 22}]";
+    std::string gone = entry;
+    gone.replace(gone.find('+'), 1, "-");
+    const std::string path = "profiles.main.firewall.";
+
+    const Value off = is_told(firewall("enabled: true, " + ssh), Lines({entry, path + "enabled: false -> true"}));
+    EXPECT_EQ(lines_of(planned(off, Reach::kBack)), Lines({path + "enabled: true -> false", gone}));
+    const Value drops = is_told(firewall("unmatched: let-through, entries: []"),
+                                Lines({path + "unmatched: drop -> let-through", gone}));
+    EXPECT_EQ(lines_of(planned(drops, Reach::kBack)), Lines({entry, path + "unmatched: let-through -> drop"}));
+    is_told(firewall("unmatched: drop, " + ssh), Lines({entry, path + "unmatched: let-through -> drop"}));
+    is_told(firewall("enabled: false, entries: []}, upnp_pinholes: true, nat: {"),
+            Lines({"profiles.main.upnp_pinholes: false -> true", path + "enabled: true -> false", gone}));
 }
 
 TEST_F(PlanTest, WhatTheDocumentDoesNotNameStaysUnlessItIsToBeExact)
