@@ -15,7 +15,7 @@ TEST_F(PlanTest, StepsStandInTheOrderInWhichTheyStandOnEachOther)
 {
     const Lines expected = {
         "general.dhcp_for_new_vlans: true -> false",
-        "lans.10: + {accelerated: true, interface: ethernet}",
+        "lans.10: + {accelerated: false, interface: ethernet}",
         "lans.10.dhcp.enabled: true",
         "lans.10.address: 10.7.2.1/24",
         "lans.0.dhcp.enabled: true -> false",
@@ -104,14 +104,14 @@ profiles: {main: {dial: {apn_index: 1}}}
 )";
     EXPECT_EQ(plan_of(some), Lines());
     EXPECT_EQ(plan_of(some, Reach::kExact),
-              Lines({"lans.10: - {accelerated: true, interface: ecm}",
+              Lines({"lans.10: - {accelerated: false, interface: ecm}",
                      "reservations.192.168.225.30: - {enabled: true, mac: 02:00:00:00:00:01, name: \"\"}",
                      "profiles.profile-2: - {apn_index: 3, apn_name: \"\", family: ipv4v6, technology: any}"}));
     EXPECT_EQ(plan_of("general: {ipv4: true}\n", Reach::kExact), Lines());
     EXPECT_EQ(plan_of("reservations: {192.168.225.30: {absent: true}, 192.168.225.31: {absent: true}}\n"),
               Lines({"reservations.192.168.225.30: - {enabled: true, mac: 02:00:00:00:00:01, name: \"\"}"}));
     EXPECT_EQ(plan_of("lans: {10: {absent: true}, 11: {absent: true}}\n"),
-              Lines({"lans.10: - {accelerated: true, interface: ecm}"}));
+              Lines({"lans.10: - {accelerated: false, interface: ecm}"}));
     EXPECT_EQ(plan_of("profiles: {gone: {dial: {apn_index: 4}, absent: true}}\n"), Lines());
     EXPECT_EQ(plan_of("profiles: {gone: {dial: {apn_index: 3}, absent: true}}\n"),
               Lines({"profiles.gone: - {apn_index: 3, apn_name: \"\", family: ipv4v6, technology: any}"}));
@@ -232,8 +232,8 @@ TEST_F(PlanTest, AVlanOfAnotherKindIsMadeAnewWithAllThatStoodOnIt)
     const std::string other = "lans: {10: {vlan: {interface: rndis}}}\n";
     const Lines lines = plan_of(other);
     ASSERT_GE(lines.size(), 2u);
-    EXPECT_EQ(lines[0], "lans.10: - {accelerated: true, interface: ethernet}");
-    EXPECT_EQ(lines[1], "lans.10: + {accelerated: true, interface: rndis}");
+    EXPECT_EQ(lines[0], "lans.10: - {accelerated: false, interface: ethernet}");
+    EXPECT_EQ(lines[1], "lans.10: + {accelerated: false, interface: rndis}");
     EXPECT_EQ(lines.back(), "profiles.profile-2.vlans: + 10");
     EXPECT_EQ(said_of(other)[0],
               "VLAN 10 is made anew with its addresses, 2 filters, 1 tunnel and its mapping to "
@@ -242,6 +242,15 @@ TEST_F(PlanTest, AVlanOfAnotherKindIsMadeAnewWithAllThatStoodOnIt)
     std::string expected = before;
     expected.replace(expected.find("ethernet"), 8, "rndis");
     EXPECT_EQ(shown(), expected);
+}
+
+TEST_F(PlanTest, AVlanThatDoesNotSayThatItIsAcceleratedIsNot)
+{
+    applied("lans: {20: {vlan: {interface: ethernet-2}}, 30: {vlan: {interface: ecm, accelerated: true}}}\n");
+    EXPECT_EQ(sql("SELECT id, accelerated FROM vlan ORDER BY id"), "200301");
+    EXPECT_NE(shown().find("  20:\n    vlan: {interface: ethernet-2}\n"), std::string::npos);
+    EXPECT_NE(shown().find("  30:\n    vlan: {interface: ecm, accelerated: true}\n"), std::string::npos);
+    EXPECT_EQ(plan_of(shown().substr(11), Reach::kExact), Lines());
 }
 
 TEST_F(PlanTest, ALanIsActivatedAlsoWhenOnlyItsDhcpSwitchDiffers)
