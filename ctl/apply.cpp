@@ -84,7 +84,7 @@ private:
     Result add(const Step& step)
     {
         uint32_t handle = 0;
-        const Result result = add_profile(step.wanted, &handle);
+        Result result = add_profile(step.wanted, &handle);
         if (result.good()) handles_[step.name] = handle;
         return result;
     }
@@ -164,13 +164,18 @@ struct Run {
     bool is_stopped = false;
 };
 
+bool is_stopped(const Progress& progress)
+{
+    return progress.is_stopped && progress.is_stopped();
+}
+
 Run run(const Plan& plan, Reach reach, bool keep_going, const Progress& progress)
 {
     Run outcome;
     Executor executor(plan, reach);
     for (size_t i = 0; i < plan.steps.size(); ++i) {
         const Step& step = plan.steps[i];
-        if (progress.is_stopped && progress.is_stopped()) {
+        if (is_stopped(progress)) {
             outcome.is_stopped = true;
             return outcome;
         }
@@ -183,9 +188,10 @@ Run run(const Plan& plan, Reach reach, bool keep_going, const Progress& progress
             continue;
         }
         outcome.refused.push_back({&step, result});
-        if (!keep_going) return outcome;
+        if (!keep_going) break;
     }
-    outcome.is_stopped = !plan.steps.empty() && progress.is_stopped && progress.is_stopped();
+    // The platform may give a call up because of the signal.
+    outcome.is_stopped = !plan.steps.empty() && is_stopped(progress);
     return outcome;
 }
 
@@ -292,6 +298,7 @@ Outcome carry_out(const Plan& plan, const Value& document, const Value& before, 
     }
     Outcome outcome;
     if (options.verify) outcome.left = differences(document, options.reach);
+    if (is_stopped(progress)) tell(progress, "all was done before it could be stopped");
     outcome.status = outcome.left.empty() && ran.refused.empty() ? kDone : kNotUndone;
     return outcome;
 }

@@ -53,6 +53,7 @@ enum class Phase {
     kProfileSettings,
     kMapping,    // profiles and LANs
     kService,    // what the service does beside
+    kRouting,    // which way all packets go
     kCutting,    // what can cut the caller off
     kWriteOnly,  // cannot be undone, so nothing may fail behind it
 };

@@ -138,9 +138,8 @@ std::map<uint32_t, std::string> labels_by_handle(const Module& module, const std
 // The label of a role's profile; "none" stays.
 std::string label_of(const std::string& handle, const std::map<uint32_t, std::string>& labels)
 {
-    if (handle.empty() || handle.find_first_not_of("0123456789") != std::string::npos) return handle;
     const auto found = labels.find(id_of(handle));
-    return found != labels.end() ? found->second : profile_name(id_of(handle));
+    return found == labels.end() ? handle : found->second;
 }
 
 // The row before it is named, and finished by this one.
@@ -209,6 +208,7 @@ public:
         mappings(Part::kAdditions);
         removed_profiles(last);
         module_rows(Phase::kService);
+        module_rows(Phase::kRouting);
         module_rows(Phase::kCutting);
         module_rows(Phase::kWriteOnly);
         if (reach_ != Reach::kBack)
@@ -390,7 +390,7 @@ private:
         const std::string path = record_path(row, row.scope == Scope::kProfile ? handle_text(name) : name);
         const std::string of_all = record_path(row, "*");
         const auto found = std::find_if(unread_->begin(), unread_->end(), [&](const Unread& each) {
-            return each.path == path || (row.read_all && each.path == of_all);
+            return !each.is_odd && (each.path == path || (row.read_all && each.path == of_all));
         });
         return found == unread_->end() ? nullptr : &*found;
     }
@@ -595,19 +595,38 @@ private:
                 changes_of(*row, name, instance, base, Part::kBoth, forced);
                 forced = row->next_follows && plan_.steps.size() > before;
             }
+            open_before_removals(first);
             put_pinholes_first(first);
         });
+    }
+
+    static bool is_write_of(const Step& step, const char* key)
+    {
+        return step.kind == Step::Kind::kWrite && step.wanted.map().count(key) != 0;
+    }
+
+    // An entry may be what lets the caller in: where a profile's firewall ends with letting all through, it does so
+    // before entries go.
+    void open_before_removals(size_t first)
+    {
+        const auto begin = plan_.steps.begin() + static_cast<std::ptrdiff_t>(first);
+        const auto opens = std::find_if(begin, plan_.steps.end(),
+                                        [](const Step& step) { return is_write_of(step, "firewall.enabled"); });
+        if (opens == plan_.steps.end()) return;
+        const Value& config = opens->wanted;
+        if (config.child("firewall.enabled").flag() && config.child("firewall.unmatched").text() != "let-through")
+            return;
+        const auto removal = std::find_if(begin, opens, [](const Step& step) {
+            return step.kind == Step::Kind::kRemove && step.row->path == "firewall.entries";
+        });
+        std::rotate(removal, opens, opens + 1);
     }
 
     // A profile's pinholes can be set only while its firewall is on.
     void put_pinholes_first(size_t first)
     {
         const auto begin = plan_.steps.begin() + static_cast<std::ptrdiff_t>(first);
-        const auto is_of = [](const char* key) {
-            return [key](const Step& step) {
-                return step.kind == Step::Kind::kWrite && step.wanted.map().count(key) != 0;
-            };
-        };
+        const auto is_of = [](const char* key) { return [key](const Step& step) { return is_write_of(step, key); }; };
         const auto off = std::find_if(begin, plan_.steps.end(), is_of("firewall.enabled"));
         if (off == plan_.steps.end() || off->wanted.child("firewall.enabled").flag()) return;
         const auto pinholes = std::find_if(off, plan_.steps.end(), is_of("upnp_pinholes"));

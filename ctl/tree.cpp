@@ -44,6 +44,8 @@ constexpr Section kGroups[] = {
 
 // What stands before the rest of its group: the table's order is that in which things are done.
 constexpr const char* kFirst[] = {
+    "general.shortcut_engine",
+    "general.packet_statistics",
     "lans.vlan",
     "lans.address",
     "lans.dhcp.enabled",

@@ -249,6 +249,28 @@ TEST_F(ApplyTest, ToKeepGoingDoesTheRest)
     EXPECT_EQ(lines_of(planned(wanted)), outcome.left);
 }
 
+TEST_F(ApplyTest, AWishToStopIsToldAlsoWhereItEndsACallOrComesTooLate)
+{
+    const Value wanted = document("profiles: {main: {dial: {apn_index: 1}, nat: {type: full-cone}}}\n");
+    Lines told;
+    bool is_wished = false;
+    Progress progress;
+    progress.tells = [&](const std::string& line) { told.push_back(line); };
+    progress.starts = [&](const Step&, size_t, size_t) { is_wished = true; };
+    progress.is_stopped = [&] { return is_wished; };
+    with_faults("SetNatType=fail:3");
+    EXPECT_EQ(apply(wanted, Reach::kMerge, progress).status, 4);
+    EXPECT_EQ(told, Lines({"stopped; undoing what was done"}));
+    with_faults("");
+
+    // Before the step, behind it, and when it has been read back.
+    told.clear();
+    int asked = 0;
+    progress.is_stopped = [&] { return ++asked == 3; };
+    EXPECT_EQ(apply(wanted, Reach::kMerge, progress).status, 0);
+    EXPECT_EQ(told, Lines({"all was done before it could be stopped"}));
+}
+
 TEST_F(ApplyTest, AResultThatSaysNoMoreThanAWordIsLookedAt)
 {
     with_faults("SetNatType=ok:13");
