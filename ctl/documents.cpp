@@ -311,8 +311,10 @@ Progress progress_of(const Options& options, Way* way)
             for (const std::string& line : step.lines)
                 print(before + line + "\n");
         }
-        for (const std::string& line : lines_of(step))
-            if (!result.good()) tell_problem(refused + ": " + before + line + ": " + in_words(result));
+        for (const std::string& line : lines_of(step)) {
+            std::string text = refused + ": ";
+            if (!result.good()) tell_problem(text.append(before).append(line).append(": ").append(in_words(result)));
+        }
         if (!note.empty() && !json) tell(before + lines_of(step)[0] + ": " + note);
         std::fflush(stdout);
     };
