@@ -497,10 +497,12 @@ int run(const Options& options, DocumentWork work)
     Ending ending;
     const int status = guarded([&] { return work(options, &ending); }, work == apply ? kRefused : kNoService);
     if (!options.json || ending.is_document) return status;
-    JsonMembers members = {{"status", std::to_string(status)}};
-    if (ending.left) members.emplace_back("left", json_list(*ending.left));
-    members.emplace_back("problems", json_list(told_problems()));
-    print(json_object(members));
+    if (ending.left)
+        print(json_object({{"status", std::to_string(status)},
+                           {"left", json_list(*ending.left)},
+                           {"problems", json_list(told_problems())}}));
+    else
+        print(json_ending(status));
     return status;
 }
 

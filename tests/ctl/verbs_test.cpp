@@ -58,7 +58,6 @@ TEST_F(VerbsTest, WithoutAServiceTheStatusIs3)
 {
     const std::vector<std::string> away = {"MOBILE_AP_FAULTS=IsReady=notready"};
     for (const Words& words : std::vector<Words>{{"status"},
-                                                 {"status", "--json"},
                                                  {"connect", "1"},
                                                  {"disconnect", "1", "--wait", "1"},
                                                  {"watch", "--for", "0"},
@@ -277,7 +276,8 @@ TEST_F(VerbsTest, WithJsonEveryWayOutIsAnObject)
     expect_ctl({"show", "--json", "lan"}, 2,
                "{\"status\": 2, \"problems\": [\"lan: no such key; did you mean lans?\"]}\n",
                "zr_nexactl: lan: no such key; did you mean lans?\n");
-    for (const Words& words : std::vector<Words>{{"show"}, {"diff", document}, {"apply", document}}) {
+    for (const Words& words :
+         std::vector<Words>{{"show"}, {"diff", document}, {"apply", document}, {"status"}, {"watch", "--for", "0"}}) {
         Words all = words;
         all.push_back("--json");
         expect_ctl(all, 3, "{\"status\": 3, \"problems\": [\"no session: the service is not ready\"]}\n",
