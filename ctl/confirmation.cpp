@@ -25,11 +25,6 @@ struct Options {
     bool if_pending = false;
 };
 
-std::string seconds_text(const Held& held)
-{
-    return std::to_string(seconds_left(held)) + " s are left";
-}
-
 int confirm(const Options& options)
 {
     const std::string folder = state_folder(options.state);
@@ -64,7 +59,7 @@ int pending(const Options& options)
     if (!holder.empty())
         std::printf("an apply is under way: %s\n", holder.c_str());
     else if (held->seconds > 0 && seconds_left(*held) > 0)
-        std::printf("an apply waits to be confirmed, %s\n", seconds_text(*held).c_str());
+        std::printf("an apply waits to be confirmed, %lld s are left\n", static_cast<long long>(seconds_left(*held)));
     else if (held->seconds > 0)
         std::puts("an apply was not confirmed in time");
     else

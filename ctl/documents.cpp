@@ -311,8 +311,10 @@ Progress progress_of(const Options& options, Way* way)
             for (const std::string& line : step.lines)
                 print(before + line + "\n");
         }
-        for (const std::string& line : lines_of(step))
-            if (!result.good()) tell_problem(refused + ": " + before + line + ": " + in_words(result));
+        for (const std::string& line : lines_of(step)) {
+            std::string text = refused + ": ";
+            if (!result.good()) tell_problem(text.append(before).append(line).append(": ").append(in_words(result)));
+        }
         if (!note.empty() && !json) tell(before + lines_of(step)[0] + ": " + note);
         std::fflush(stdout);
     };
@@ -495,10 +497,12 @@ int run(const Options& options, DocumentWork work)
     Ending ending;
     const int status = guarded([&] { return work(options, &ending); }, work == apply ? kRefused : kNoService);
     if (!options.json || ending.is_document) return status;
-    JsonMembers members = {{"status", std::to_string(status)}};
-    if (ending.left) members.emplace_back("left", json_list(*ending.left));
-    members.emplace_back("problems", json_list(told_problems()));
-    print(json_object(members));
+    if (ending.left)
+        print(json_object({{"status", std::to_string(status)},
+                           {"left", json_list(*ending.left)},
+                           {"problems", json_list(told_problems())}}));
+    else
+        print(json_ending(status));
     return status;
 }
 

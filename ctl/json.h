@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "document.h"
+#include "tell.h"
 
 namespace ctl {
 
@@ -27,6 +28,12 @@ inline std::string json_list(const std::vector<std::string>& texts)
     for (const std::string& each : texts)
         text += (text.empty() ? "" : ", ") + quoted(each);
     return "[" + text + "]";
+}
+
+// What ends the output of a verb that printed no result.
+inline std::string json_ending(int status)
+{
+    return json_object({{"status", std::to_string(status)}, {"problems", json_list(told_problems())}});
 }
 
 }  // namespace ctl

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <thread>
 
 #include "ctl_test.h"
@@ -44,29 +43,9 @@ protected:
         factory_ = shown();
     }
 
-    std::string written(const std::string& name, const std::string& text) const
-    {
-        const std::string path = state.path() + "/" + name;
-        std::ofstream(path) << text;
-        return path;
-    }
-    std::string shown() const
-    {
-        const ToolRun seen = ctl({"show"});
-        EXPECT_EQ(seen.status, 0) << seen.err;
-        return seen.out;
-    }
     std::string held_file() const
     {
         return held_folder() + "/held.yaml";
-    }
-    static bool comes(const std::function<bool()>& condition)
-    {
-        for (int i = 0; i < 1000; ++i) {
-            if (condition()) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
     }
     bool is_held() const
     {
