@@ -138,7 +138,7 @@ protected:
 
     void refuse_each(const Words& more, size_t at_most, const std::function<void(const ToolRun&)>& judges)
     {
-        shown_kept_ = shown({"--handles"});
+        shown_kept_ = ctl({"show", "--handles"}).out;
         shown_before_ = shown();
         Words words = {"apply", after_};
         words.insert(words.end(), more.begin(), more.end());

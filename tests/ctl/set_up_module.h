@@ -6,14 +6,11 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <iostream>
 #include <numeric>
 #include <random>
-#include <thread>
 
 #include "ctl_test.h"
 #include "platform_calls.h"
@@ -79,19 +76,12 @@ protected:
         keep_state();
     }
 
+    // Outside of the state, which is put back.
     std::string written(const std::string& name, const std::string& text) const
     {
         const std::string path = work_.path() + "/" + name;
         std::ofstream(path) << text;
         return path;
-    }
-    std::string shown(const Words& more = {}) const
-    {
-        Words words = {"show"};
-        words.insert(words.end(), more.begin(), more.end());
-        const ToolRun seen = ctl(words);
-        EXPECT_EQ(seen.status, 0) << seen.err;
-        return seen.out;
     }
 
     // The state of the module, and what is held, as they are now are what back_to_kept() comes back to.
@@ -121,14 +111,6 @@ protected:
     {
         expect_ctl({"pending"}, 0, "nothing is pending\n");
         EXPECT_FALSE(is_held());
-    }
-    static bool comes(const std::function<bool()>& condition)
-    {
-        for (int i = 0; i < 20000; ++i) {
-            if (condition()) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return false;
     }
 
     // Some of so many trials, in their order; all of them with ZR_NEXA_TRIALS=all. ZR_NEXA_SEED chooses the same again.
