@@ -84,7 +84,7 @@ private:
     Result add(const Step& step)
     {
         uint32_t handle = 0;
-        const Result result = add_profile(step.wanted, &handle);
+        Result result = add_profile(step.wanted, &handle);
         if (result.good()) handles_[step.name] = handle;
         return result;
     }
@@ -164,13 +164,18 @@ struct Run {
     bool is_stopped = false;
 };
 
+bool is_stopped(const Progress& progress)
+{
+    return progress.is_stopped && progress.is_stopped();
+}
+
 Run run(const Plan& plan, Reach reach, bool keep_going, const Progress& progress)
 {
     Run outcome;
     Executor executor(plan, reach);
     for (size_t i = 0; i < plan.steps.size(); ++i) {
         const Step& step = plan.steps[i];
-        if (progress.is_stopped && progress.is_stopped()) {
+        if (is_stopped(progress)) {
             outcome.is_stopped = true;
             return outcome;
         }
@@ -183,9 +188,10 @@ Run run(const Plan& plan, Reach reach, bool keep_going, const Progress& progress
             continue;
         }
         outcome.refused.push_back({&step, result});
-        if (!keep_going) return outcome;
+        if (!keep_going) break;
     }
-    outcome.is_stopped = !plan.steps.empty() && progress.is_stopped && progress.is_stopped();
+    // The platform may give a call up because of the signal.
+    outcome.is_stopped = !plan.steps.empty() && is_stopped(progress);
     return outcome;
 }
 
@@ -216,9 +222,11 @@ void tell(const Progress& progress, const std::string& line)
     if (progress.tells) progress.tells(line);
 }
 
-void undo(const Value& before, const Progress& progress)
+void undo(const Value& before, const Progress& progress, bool tells)
 {
     Plan plan = make_plan(before, read_for(before, Reach::kBack), Reach::kBack);
+    for (const Problem& warning : plan.warnings)
+        if (tells) tell(progress, warning.path + ": " + warning.text);
     plan.steps.erase(
         std::remove_if(plan.steps.begin(), plan.steps.end(), [](const Step& step) { return step.row->write_only; }),
         plan.steps.end());
@@ -251,44 +259,6 @@ Module read_for(const Value& document, Reach reach)
     return module;
 }
 
-Value completed(Value held, const Value& now)
-{
-    std::map<std::string, std::string> by_handle;
-    for (const auto& [label, profile] : held.child("profiles").map())
-        by_handle[profile.child("handle").text()] = label;
-    std::map<std::string, std::string> labels;  // now's, and what the held state calls the same profile
-    for (const auto& [label, profile] : now.child("profiles").map()) {
-        const auto same = by_handle.find(profile.child("handle").text());
-        if (same != by_handle.end()) labels[label] = same->second;
-    }
-    for (const Row& row : rows()) {
-        each_instance(now, row.scope, [&](const std::string& name, const Value& instance) {
-            const auto label = labels.find(name);
-            if (row.scope == Scope::kProfile && label == labels.end()) return;
-            const std::string own = row.scope == Scope::kProfile ? label->second : name;
-            if (row.scope == Scope::kLan && held.child("lans").map().count(own) == 0) return;
-            Value& there = make_instance(&held, row.scope, own);
-            Value record = record_of(row, instance);
-            if (record.is_nothing() || !record_of(row, there).is_nothing()) return;
-            if (row.phase == Phase::kRoles) {
-                Value known;
-                for (const auto& [role, each] : record.map())
-                    if (labels.count(each.text()) != 0) known.map()[role] = labels[each.text()];
-                record = known;
-            }
-            if (row.phase == Phase::kMapping) {
-                Value::List& ids = record.list();
-                ids.erase(
-                    std::remove_if(ids.begin(), ids.end(),
-                                   [&held](const Value& id) { return held.child("lans").map().count(id.text()) == 0; }),
-                    ids.end());
-            }
-            put_record(row, record, &there);
-        });
-    }
-    return held;
-}
-
 Outcome go_back(const Value& before, const Progress& progress)
 {
     Progress steady = progress;
@@ -298,7 +268,7 @@ Outcome go_back(const Value& before, const Progress& progress)
     // Once more where something passing came between.
     for (int i = 0; i < 2; ++i) {
         try {
-            undo(before, steady);
+            undo(before, steady, i == 0);
         } catch (const Refusal& refusal) {
             tell(progress, unreadable(refusal));
         }
@@ -328,6 +298,7 @@ Outcome carry_out(const Plan& plan, const Value& document, const Value& before, 
     }
     Outcome outcome;
     if (options.verify) outcome.left = differences(document, options.reach);
+    if (is_stopped(progress)) tell(progress, "all was done before it could be stopped");
     outcome.status = outcome.left.empty() && ran.refused.empty() ? kDone : kNotUndone;
     return outcome;
 }

@@ -33,12 +33,9 @@ struct Outcome {
     bool is_back = false;                // all that can be is as it was before
 };
 
-// Carries the steps out. before is the state to go back to, as a document with handles.
+// Carries the steps out. before is the state to go back to, as held_for makes it.
 Outcome carry_out(const Plan& plan, const Value& document, const Value& before, const ApplyOptions& options,
                   const Progress& progress);
-
-// A held state, with what it does not say as it is now: what another document names was not read for the first one.
-Value completed(Value held, const Value& now);
 
 // Brings the module to a held state.
 Outcome go_back(const Value& before, const Progress& progress);

@@ -11,8 +11,9 @@
 namespace ctl {
 
 // Checks form, values, references and what belongs together, and brings the document into its normal form. What is
-// wrong is told, all of it at once; with any problem the tree is of no use.
-Value check_document(Value document, Problems* problems);
+// wrong is told, all of it at once; with any problem the tree is of no use. Of a held state, which is a part of what a
+// module had, and maybe of two of its states, only form and values are checked.
+Value check_document(Value document, Problems* problems, bool is_held = false);
 
 // What no network could use, in the tree as it would be. `is_changed` tells of a path whether the document changes it:
 // what is wrong with such a value is a problem; what stands on the module already is only a warning.

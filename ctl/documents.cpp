@@ -7,7 +7,9 @@
 #include <cstdio>
 #include <memory>
 #include <set>
+#include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include "apply.h"
 #include "checks.h"
@@ -16,6 +18,7 @@
 #include "explain.h"
 #include "gre.h"
 #include "held.h"
+#include "json.h"
 #include "plan.h"
 #include "session.h"
 #include "tell.h"
@@ -39,6 +42,12 @@ struct Options {
     bool print = false;
 };
 
+// What the last object of --json says; a document that was printed stands without one.
+struct Ending {
+    bool is_document = false;
+    std::optional<std::vector<std::string>> left = {};  // of an apply that was carried out
+};
+
 void print(const std::string& text)
 {
     std::fputs(text.c_str(), stdout);
@@ -50,20 +59,30 @@ Value document_of(const std::string& file)
     std::string bytes;
     const std::string problem = read_file(file, &bytes);
     if (!problem.empty()) {
-        tell(file + ": " + problem);
+        tell_problem(file + ": " + problem);
         return {};
     }
     Problems problems;
     Value document = check_document(read_document(bytes, &problems), &problems);
     if (problems.empty()) return document;
-    std::fputs(problem_lines(file, problems).c_str(), stderr);
+    tell_problems(file, problems);
     return {};
+}
+
+// With the profile's label in place of its handle, as the document has it.
+std::string labelled(const std::string& path)
+{
+    const std::string start = "profiles.";
+    if (path.rfind(start, 0) != 0) return path;
+    const size_t end = std::min(path.find('.', start.size()), path.size());
+    const uint32_t handle = Value(path.substr(start.size(), end - start.size())).number();
+    return handle == 0 ? path : start + profile_name(handle) + path.substr(end);
 }
 
 void tell_unread(const Module& module)
 {
     for (const Unread& each : module.unread)
-        tell(each.path + " is left out: " + in_words(each.result));
+        tell(labelled(each.path) + " is left out: " + in_words(each.result));
 }
 
 bool is_refused(const Module& module)
@@ -82,19 +101,19 @@ bool is_wished(const Row& row, const std::vector<std::string>& sections)
     });
 }
 
-int show(const Options& options)
+int show(const Options& options, Ending* ending)
 {
     for (const std::string& section : options.sections) {
         if (key_tree().child(section) != nullptr) continue;
         std::vector<std::string> known;
         for (const Node& node : key_tree().children)
             known.push_back(node.key);
-        tell(section + ": " + no_such_key(section, known));
+        tell_problem(section + ": " + no_such_key(section, known));
         return kWrong;
     }
     const Session session;
     if (!session.problem().empty()) {
-        tell(session.problem());
+        tell_problem(session.problem());
         return kNoService;
     }
     Module module = read_lists();
@@ -109,11 +128,29 @@ int show(const Options& options)
                 document.map().erase(node.key);
     }
     print(options.json ? as_json(document) : as_yaml(document));
+    ending->is_document = true;
     tell_unread(module);
     return is_refused(module) ? kNoService : kDone;
 }
 
-int validate(const Options& options)
+Problems as_warnings(Problems warnings)
+{
+    for (Problem& each : warnings)
+        each.path.insert(0, each.path.empty() ? "warning" : "warning: ");
+    return warnings;
+}
+
+void tell_warnings(const std::string& file, const Problems& warnings, bool json)
+{
+    const std::string lines = problem_lines(file, as_warnings(warnings));
+    std::fputs(lines.c_str(), stderr);
+    if (!json) return;
+    std::istringstream each(lines);
+    for (std::string line; std::getline(each, line);)
+        print(json_object({{"warning", ctl::quoted(line)}}));
+}
+
+int validate(const Options& options, Ending* ending)
 {
     const Value document = document_of(options.file);
     if (document.is_nothing()) return kWrong;
@@ -121,30 +158,15 @@ int validate(const Options& options)
     Problems warnings;
     check_plausible(
         document, [](const std::string&) { return true; }, &problems, &warnings);
-    std::fputs(problem_lines(options.file, problems).c_str(), stderr);
-    std::fputs(problem_lines(options.file, warnings).c_str(), stderr);
+    tell_problems(options.file, problems);
+    tell_warnings(options.file, warnings, options.json && !options.print);
     if (!problems.empty()) return kWrong;
     if (options.print) print(options.json ? as_json(document) : as_yaml(document));
+    ending->is_document = options.print;
     return kDone;
 }
 
 // ---- diff, apply ----
-
-std::string json_object(const std::vector<std::pair<std::string, std::string>>& members)
-{
-    std::string text;
-    for (const auto& [key, value] : members)
-        text += (text.empty() ? "{" : ", ") + quoted(key) + ": " + value;
-    return text + "}\n";
-}
-
-std::string json_list(const std::vector<std::string>& lines)
-{
-    std::string text;
-    for (const std::string& line : lines)
-        text += (text.empty() ? "" : ", ") + quoted(line);
-    return "[" + text + "]";
-}
 
 // A step that only finishes another one has no line.
 std::vector<std::string> lines_of(const Step& step)
@@ -152,13 +174,19 @@ std::vector<std::string> lines_of(const Step& step)
     return step.lines.empty() ? std::vector<std::string>{path_of(step) + ": written again"} : step.lines;
 }
 
+std::string note_of(const Step& step)
+{
+    return step.kind == Step::Kind::kWrite ? step.row->note : "";
+}
+
 void print_plan(const Plan& plan, bool json)
 {
     for (const Step& step : plan.steps) {
         if (json) {
-            std::vector<std::pair<std::string, std::string>> members = {{"plan", json_list(lines_of(step))}};
+            JsonMembers members = {{"plan", json_list(lines_of(step))}};
             if (!step.interrupts.empty()) members.emplace_back("interrupts", quoted(step.interrupts));
             if (!step.not_undone.empty()) members.emplace_back("not_undone", quoted(step.not_undone));
+            if (!note_of(step).empty()) members.emplace_back("note", quoted(note_of(step)));
             print(json_object(members));
         } else {
             for (const std::string& line : step.lines)
@@ -167,16 +195,18 @@ void print_plan(const Plan& plan, bool json)
     }
 }
 
-// What is to be known before the first change.
-void tell_beforehand(const Plan& plan, const std::string& file)
+// What is to be known before the first change. What is interrupted says itself what it is.
+void tell_beforehand(const Plan& plan, const std::string& file, bool json)
 {
-    std::fputs(problem_lines(file, plan.warnings).c_str(), stderr);
+    tell_warnings(file, plan.warnings, json);
     std::set<std::string> told;
+    const auto tell_once = [&told](const std::string& start, const std::string& text) {
+        if (!text.empty() && told.insert(start + text).second) tell(start + text);
+    };
     for (const Step& step : plan.steps) {
-        for (const std::string& text :
-             {step.interrupts, step.not_undone.empty() ? std::string() : "not undone: " + step.not_undone,
-              step.kind == Step::Kind::kWrite ? step.row->note : std::string()})
-            if (!text.empty() && told.insert(text).second) tell(text);
+        tell_once("", step.interrupts);
+        tell_once(path_of(step) + ": not undone: ", step.not_undone);
+        tell_once(path_of(step) + ": ", note_of(step));
     }
 }
 
@@ -184,7 +214,7 @@ void tell_beforehand(const Plan& plan, const std::string& file)
 int plan_status(const Plan& plan, const Module& module, const std::string& file)
 {
     if (plan.problems.empty()) return kDone;
-    std::fputs(problem_lines(file, plan.problems).c_str(), stderr);
+    tell_problems(file, plan.problems);
     return is_refused(module) ? kNoService : kWrong;
 }
 
@@ -192,7 +222,7 @@ int diff_of(const Value& document, const Options& options)
 {
     const Session session;
     if (!session.problem().empty()) {
-        tell(session.problem());
+        tell_problem(session.problem());
         return kNoService;
     }
     const Reach reach = options.exact ? Reach::kExact : Reach::kMerge;
@@ -200,19 +230,18 @@ int diff_of(const Value& document, const Options& options)
     const Plan plan = make_plan(document, module, reach);
     const int status = plan_status(plan, module, options.file);
     if (status != kDone) return status;
-    tell_beforehand(plan, options.file);
+    tell_beforehand(plan, options.file, options.json);
     print_plan(plan, options.json);
     return plan.steps.empty() ? kDone : kDiffers;
 }
 
-int diff(const Options& options)
+int diff(const Options& options, Ending*)
 {
     const Value document = document_of(options.file);
     return document.is_nothing() ? kWrong : diff_of(document, options);
 }
 
 volatile sig_atomic_t stop_wished = 0;
-bool has_begun = false;  // changing the module
 
 void stop_no_more()
 {
@@ -238,53 +267,58 @@ void go_on_alone()
     signal(SIGPIPE, SIG_IGN);
 }
 
-Progress progress_of(const Options& options)
+// How far an apply has come.
+struct Way {
+    bool has_begun = false;
+    bool goes_back = false;
+};
+
+JsonMembers members_of(const Step& step, const Result& result, const std::string& note, bool undoes,
+                       const std::string& refused)
+{
+    JsonMembers members = {{undoes ? "undo" : "step", json_list(lines_of(step))},
+                           {"outcome", quoted(result.good() ? "done" : refused)}};
+    if (!result.good()) {
+        members.emplace_back("function", quoted(result.function));
+        members.emplace_back("code", std::to_string(result.code));
+        members.emplace_back("words", quoted(in_words(result)));
+    }
+    if (!note.empty()) members.emplace_back("note", quoted(note));
+    return members;
+}
+
+Progress progress_of(const Options& options, Way* way)
 {
     const bool shows = isatty(STDERR_FILENO) != 0 && !options.json;
     Progress progress;
     progress.is_stopped = [] { return stop_wished != 0; };
     progress.tells = [](const std::string& line) { tell(line); };
-    if (shows) {
-        progress.starts = [](const Step&, size_t number, size_t count) {
-            std::fprintf(stderr, "\r%zu of %zu ", number, count);
-            if (number == count) std::fputs("\r\033[K", stderr);
-        };
-    }
-    const auto undoes = std::make_shared<bool>(false);
-    progress.goes_back = [undoes] { *undoes = true; };
-    progress.ends = [json = options.json, undoes](const Step& step, const Result& result, const std::string& note) {
+    progress.starts = [shows, way](const Step&, size_t number, size_t count) {
+        way->has_begun = true;
+        begin_changing();
+        if (shows) std::fprintf(stderr, "\r%zu of %zu ", number, count);
+    };
+    progress.goes_back = [way] { way->goes_back = true; };
+    progress.ends = [json = options.json, shows, way](const Step& step, const Result& result, const std::string& note) {
+        if (shows) std::fputs("\r\033[K", stderr);  // the step's line takes its place
+        const bool undoes = way->goes_back;
+        // The platform gives a step up when a signal comes.
+        const std::string refused = stop_wished != 0 && !undoes ? "stopped" : "refused";
+        const std::string before = undoes ? "undo: " : "";
         if (json) {
-            std::vector<std::pair<std::string, std::string>> members = {
-                {*undoes ? "undo" : "step", json_list(lines_of(step))},
-                {"outcome", quoted(result.good() ? "done" : "refused")}};
-            if (!result.good()) {
-                members.emplace_back("function", quoted(result.function));
-                members.emplace_back("code", std::to_string(result.code));
-                members.emplace_back("words", quoted(in_words(result)));
-            }
-            if (!note.empty()) members.emplace_back("note", quoted(note));
-            print(json_object(members));
-        } else {
-            const std::string before = *undoes ? "undo: " : "";
+            print(json_object(members_of(step, result, note, undoes, refused)));
+        } else if (result.good()) {
             for (const std::string& line : step.lines)
-                if (result.good()) print(before + line + "\n");
-            for (const std::string& line : lines_of(step))
-                if (!result.good()) tell("refused: " + before + line + ": " + in_words(result));
-            if (!note.empty()) tell(before + lines_of(step)[0] + ": " + note);
+                print(before + line + "\n");
         }
+        for (const std::string& line : lines_of(step)) {
+            std::string text = refused + ": ";
+            if (!result.good()) tell_problem(text.append(before).append(line).append(": ").append(in_words(result)));
+        }
+        if (!note.empty() && !json) tell(before + lines_of(step)[0] + ": " + note);
         std::fflush(stdout);
     };
     return progress;
-}
-
-int end_with(const Outcome& outcome, const Options& options)
-{
-    for (const std::string& line : outcome.left)
-        tell("is not as it should be: " + line);
-    if (options.json) {
-        print(json_object({{"status", std::to_string(outcome.status)}, {"left", json_list(outcome.left)}}));
-    }
-    return outcome.status;
 }
 
 std::string pending_problem(const Held& held)
@@ -302,109 +336,179 @@ bool changes_gre(const Plan& plan)
                        [](const Step& step) { return step.wanted.map().count("gre.enabled") != 0; });
 }
 
-int apply(const Options& options)
+// A state that waits to be confirmed keeps the apply from being done, unless it is a follow-up.
+bool is_in_the_way(const std::optional<Held>& earlier, const Options& options)
+{
+    return earlier && earlier->seconds > 0 && (options.confirm_within == 0 || seconds_left(*earlier) == 0);
+}
+
+int dry_run(const Value& document, const Options& options)
+{
+    const std::optional<Held> earlier = read_held(state_folder(options.state, false));
+    if (is_in_the_way(earlier, options)) tell("it would not be done now: " + pending_problem(*earlier));
+    const int status = diff_of(document, options);
+    return status == kDiffers ? kDone : status;
+}
+
+// What is held is again what was before this apply.
+void put_back(const std::optional<Held>& earlier, const std::string& folder)
+{
+    if (!earlier) return forget_held(folder);
+    write_held(folder, *earlier);
+    if (!earlier->has_gre) drop_gre_copy(folder);
+}
+
+// What is to be there before the first change; with a problem, which is told, nothing is changed.
+bool is_prepared(const Held& held, const std::optional<Held>& earlier, const std::string& folder, bool copies_gre)
+{
+    std::string problem = copies_gre ? keep_gre_copy(folder) : "";
+    if (problem.empty()) {
+        try {
+            write_held(folder, held);
+            if (held.seconds > 0) start_watchdog(folder);
+            return true;
+        } catch (const UnusableFolder&) {
+            throw;
+        } catch (const std::runtime_error& error) {
+            problem = error.what();
+        }
+    }
+    tell_problem(problem);
+    put_back(earlier, folder);
+    return false;
+}
+
+void set_clock(Held* held, int64_t seconds)
+{
+    held->seconds = seconds;
+    held->until_ms = seconds > 0 ? boot_clock_ms() + seconds * 1000 : 0;
+}
+
+constexpr const char* kCutOffHeld = "what was before the apply that was cut off is still held: ";
+
+// What becomes of the held state. That of an apply that was cut off ends only with one that was done and read back
+// wholly, or with the module as it was.
+void settle(Held held, const std::optional<Held>& earlier, const std::string& folder, const Options& options,
+            const Way& way, const Outcome& outcome)
+{
+    const bool confirms = options.confirm_within > 0;
+    const bool was_waiting = earlier && earlier->seconds > 0;
+    const bool was_cut_off = earlier && !was_waiting;
+    if (outcome.status != kDone && !way.has_begun) {
+        put_back(earlier, folder);
+        if (was_cut_off) tell(kCutOffHeld + std::string(kWaysOn));
+        return;
+    }
+    if (way.goes_back && outcome.is_back) {
+        if (was_cut_off) tell("all is as it was before the apply that was cut off");
+        return put_back(was_waiting ? earlier : std::nullopt, folder);
+    }
+    const bool is_whole = outcome.status == kDone && !(was_cut_off && options.no_verify);
+    const bool is_as_wished = options.keep_going && !way.goes_back && !was_cut_off;
+    if (!confirms && (is_whole || is_as_wished)) {
+        if (was_cut_off) tell("what was before the apply that was cut off is held no longer");
+        return forget_held(folder);
+    }
+    set_clock(&held, options.confirm_within);
+    if (outcome.status != kDone) held.left = outcome.left;
+    write_held(folder, held);
+    if (confirms)
+        tell("\"zr_nexactl confirm\" within " + std::to_string(options.confirm_within) + " s, or all is undone");
+    else
+        tell((was_cut_off ? kCutOffHeld : "what was before is still held: ") + std::string(kWaysOn));
+}
+
+int apply(const Options& options, Ending* ending)
 {
     const Value document = document_of(options.file);
     if (document.is_nothing()) return kWrong;
-    if (options.dry_run) {
-        const int status = diff_of(document, options);
-        return status == kDiffers ? kDone : status;
-    }
+    if (options.dry_run) return dry_run(document, options);
 
     const std::string folder = state_folder(options.state);
     const Lock lock(folder);
     if (!lock.is_held()) {
-        tell("an apply is under way: " + lock.holder() + " holds the lock of " + folder);
+        tell_problem(lock.holder());
         return kLocked;
     }
     const std::optional<Held> earlier = read_held(folder);
-    const bool confirms = options.confirm_within > 0;
-    if (earlier && earlier->seconds > 0 && (!confirms || seconds_left(*earlier) == 0)) {
-        tell(pending_problem(*earlier));
+    if (is_in_the_way(earlier, options)) {
+        tell_problem(pending_problem(*earlier));
         return kLocked;
     }
-    if (earlier && earlier->seconds == 0) tell("an apply was cut off; its state is kept as the one to go back to");
+    const bool was_cut_off = earlier && earlier->seconds == 0;
+    if (was_cut_off)
+        tell(std::string(earlier->left.empty() ? "an apply was cut off" : "an apply has not come to its end") +
+             "; its state is kept as the one to go back to");
+    if (!earlier) drop_gre_copy(folder);  // of an apply that was killed
 
     const Session session;
     if (!session.problem().empty()) {
-        tell(session.problem());
+        tell_problem(session.problem());
         return kNoService;
     }
     const Reach reach = options.exact ? Reach::kExact : Reach::kMerge;
-    const bool was_cut_off = earlier && earlier->seconds == 0;
     const Module module = read_for(document, reach);
     const Plan plan = make_plan(document, module, reach);
     const int status = plan_status(plan, module, options.file);
     if (status != kDone) return status;
-    tell_beforehand(plan, options.file);
+    tell_beforehand(plan, options.file, options.json);
     if (options.json) print_plan(plan, true);
+    const bool confirms = options.confirm_within > 0;
     if (plan.steps.empty() && !(earlier && confirms)) {
-        if (was_cut_off) forget_held(folder);
-        if (options.json) return end_with({kDone, {}}, options);
-        tell("nothing differs");
+        if (!options.json) tell("nothing differs");
+        if (was_cut_off) tell(kCutOffHeld + std::string(kWaysOn));
+        ending->left.emplace();
         return kDone;
     }
 
     // From here on the terminal and its signals end nothing.
     go_on_alone();
-    const Value now = as_document(module, plan.handles, true);
-    if (changes_gre(plan) && (!earlier || !is_gre_copy_in(folder))) {
-        const std::string problem = keep_gre_copy(folder);
-        if (!problem.empty()) {
-            tell(problem);
-            return kRefused;
-        }
-    }
-    Held held = {earlier ? completed(earlier->document, now) : now, boot_name(), 0, 0};
-    if (confirms) {
-        held.seconds = options.confirm_within;
-        held.until_ms = boot_clock_ms() + options.confirm_within * 1000;
-    }
-    write_held(folder, held);
-    if (confirms) start_watchdog(folder);
-    has_begun = true;
+    const Value now = held_for(plan, module);
+    const bool copies_gre = changes_gre(plan) && (!earlier || !earlier->has_gre);
+    Held held = {earlier ? held_for(plan, module, earlier->document) : now, boot_name()};
+    held.has_gre = copies_gre || (earlier && earlier->has_gre);
+    set_clock(&held, options.confirm_within);
+    if (!is_prepared(held, earlier, folder, copies_gre)) return kRefused;
 
     ApplyOptions how = {reach, !options.no_verify, options.keep_going};
     how.before_undo = [&] {
         stop_no_more();
-        const std::string problem = changes_gre(plan) ? restore_gre_copy(folder) : "";
-        if (!problem.empty()) tell(problem);
+        // In a follow-up the copy is of an earlier state than the one to go back to.
+        const bool is_of_before = copies_gre || (was_cut_off && held.has_gre);
+        const std::string problem = is_of_before ? restore_gre_copy(folder) : "";
+        if (!problem.empty()) tell_problem(problem);
     };
-    const Outcome outcome = carry_out(plan, document, was_cut_off ? held.document : now, how, progress_of(options));
-    if (outcome.status == kDone && confirms) {
-        held.until_ms = boot_clock_ms() + options.confirm_within * 1000;
-        write_held(folder, held);
-        tell("\"zr_nexactl confirm\" within " + std::to_string(options.confirm_within) + " s, or all is undone");
-    } else if (outcome.is_back && earlier && !was_cut_off) {
-        write_held(folder, *earlier);  // what waited before still waits
-    } else if (outcome.status == kDone || outcome.is_back || (options.keep_going && !confirms)) {
-        forget_held(folder);
-    }
-    const int ended = end_with(outcome, options);
-    std::fflush(stdout);
-    std::clearerr(stdout);  // nobody may be there any more to read it
-    return ended;
+    Way way;
+    const Outcome outcome =
+        carry_out(plan, document, was_cut_off ? held.document : now, how, progress_of(options, &way));
+    if (stop_wished != 0 && !way.goes_back && way.has_begun) tell("the wish to stop came when all was done");
+    for (const std::string& line : outcome.left)
+        tell_problem("is not as it should be: " + line);
+    ending->left = outcome.left;
+    settle(held, earlier, folder, options, way, outcome);
+    return outcome.status;
 }
 
-// What goes wrong with the machine rather than with the module.
-int guarded(const Work& work)
+using DocumentWork = int (*)(const Options&, Ending*);
+
+// With --json it ends with an object on every way out.
+int run(const Options& options, DocumentWork work)
 {
-    try {
-        const int status = work();
-        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) return status == kDone ? kNotUndone : status;
-        return status;
-    } catch (const Refusal& refusal) {
-        tell(refusal.path + " cannot be read: " + in_words(refusal.result));
-        return kNoService;
-    } catch (const std::runtime_error& error) {
-        tell(error.what());
-        return has_begun ? kNotUndone : kRefused;
-    }
+    Ending ending;
+    const int status = guarded([&] { return work(options, &ending); }, work == apply ? kRefused : kNoService);
+    if (!options.json || ending.is_document) return status;
+    if (ending.left)
+        print(json_object({{"status", std::to_string(status)},
+                           {"left", json_list(*ending.left)},
+                           {"problems", json_list(told_problems())}}));
+    else
+        print(json_ending(status));
+    return status;
 }
 
-void choose(Work* chosen, const std::shared_ptr<Options>& options, int (*work)(const Options&))
+void choose(Work* chosen, const std::shared_ptr<Options>& options, DocumentWork work)
 {
-    *chosen = [options, work] { return guarded([options, work] { return work(*options); }); };
+    *chosen = [options, work] { return run(*options, work); };
 }
 
 void add_file(CLI::App* verb, const std::shared_ptr<Options>& options)

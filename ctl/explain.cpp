@@ -25,8 +25,8 @@ const Words kServiceWords = {
     {1, "a malformed message"},
     {2, "there is no memory, or no room left for the state"},
     {3,
-     "the service is not ready, or its state failed or stayed busy for 10 seconds; standard error says why. Or it is "
-     "away"},
+     "the service is away; or it is not ready, or its state failed or stayed busy for 10 seconds, and standard error "
+     "says why"},
     {4, "SIGINT or SIGTERM came; nothing was changed"},
     {9, "there is no such profile (any more)"},
     {14, "there is no such LAN bridge (any more)"},

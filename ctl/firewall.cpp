@@ -367,7 +367,7 @@ Row mac_filter_row()
     const size_t words = ZR_NEXA_FIREWALL_HWFILTER_IFACE_WORDS;
     Row row = {Scope::kModule,
                Shape::kUnit,
-               Phase::kService,
+               Phase::kCutting,
                "",
                {{kState, word(all_words(kFilterStates)), "whether stations are filtered by hardware", "disabled"},
                 {kStations, stations, "MACs of the stations; once said, they can be changed and not taken away"},

@@ -8,7 +8,7 @@ namespace ctl {
 std::vector<Row> general_rows()
 {
     Row shortcut_engine = module_flag(
-        Phase::kService,
+        Phase::kRouting,
         {"general.shortcut_engine", flag(), "traffic takes the short cut past the network stack of the system", "true"},
         NAMED(zr_nexa_general_sfe_set_v1), NAMED(zr_nexa_general_sfe_get_v1));
     // The byte is always written, and any but 0 is on.

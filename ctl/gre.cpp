@@ -132,7 +132,7 @@ bool wait_for_answer(int fd, std::chrono::milliseconds time, Answer* answer)
 
 // ---- the settings ----
 
-// Of reading: the module has no such file. None of the interface's codes.
+// Of reading: the module has no such file, which alone is no failure. None of the interface's codes.
 constexpr uint32_t kNoFile = 0xffff;
 
 Value addresses_of(const uint32_t* addresses, uint8_t count)
@@ -154,7 +154,9 @@ Result read_gre(uint32_t, Value* out)
 {
     constexpr const char* kName = "zr_nexa_wan_gre_ipacfg_get_v1";
     const std::string problem = gre_unreadable();
-    if (!problem.empty()) return {kNoFile, kName, problem};
+    struct stat status = {};
+    const bool is_missing = stat(GreFiles().config.c_str(), &status) != 0 && errno == ENOENT;
+    if (!problem.empty()) return {is_missing ? kNoFile : 0, kName, problem};
     zr_nexa_wan_gre_ipacfg_t record = {};
     Result result = call_in_child(zr_nexa_wan_gre_ipacfg_get_v1, kName, &record);
     if (!result.good()) return result;
@@ -268,7 +270,7 @@ std::vector<Row> gre_rows()
     Row row = {
         Scope::kModule,
         Shape::kUnit,
-        Phase::kService,
+        Phase::kCutting,
         "",
         {{"gre.enabled", flag(), "GRE offload, which a file of the module's holds; switched off it has no addresses"},
          {"gre.servers", list_of(ipv4(), ZR_NEXA_GRE_SERVERS_MAX), "the GRE servers"},

@@ -10,7 +10,7 @@ constexpr uint8_t kNoFlag = 0xff;
 std::vector<Row> all_rows()
 {
     std::vector<Row> all;
-    for (const auto& area : {general_rows, lan_services_rows, lan_addressing_rows, lan_vlan_rows, lan_passthrough_rows,
+    for (const auto& area : {general_rows, lan_addressing_rows, lan_vlan_rows, lan_passthrough_rows, lan_services_rows,
                              alg_rows, wan_profile_rows, wan_connection_rows, wan_mpdn_mapping_rows, nat_rows,
                              vpn_passthrough_rows, firewall_rows, upnp_rows, gre_rows}) {
         std::vector<Row> rows = area();

@@ -53,6 +53,7 @@ enum class Phase {
     kProfileSettings,
     kMapping,    // profiles and LANs
     kService,    // what the service does beside
+    kRouting,    // which way all packets go
     kCutting,    // what can cut the caller off
     kWriteOnly,  // cannot be undone, so nothing may fail behind it
 };
@@ -84,6 +85,8 @@ struct Row {
     std::string about = {};  // of what has a path, for people
     // What it does is finished by the next row's write, which follows it even where that one's values stay the same.
     bool next_follows = false;
+    // Fields of other rows of the same LAN or profile that its functions may leave changed.
+    std::vector<std::string> also_changes = {};
     size_t most = 0;  // entries
     // A field whose values only one entry can have: an entry is changed to a value that is free, else removed and
     // added.

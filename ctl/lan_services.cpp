@@ -241,6 +241,7 @@ Row tunnels_row()
     row.most = ZR_NEXA_LAN_L2TP_TUNNELS_MAX;
     row.about = "tunnels of the LAN, by their ids here";
     row.next_follows = true;  // the mode
+    row.also_changes = {"l2tp.mode"};
     row.read = [](uint32_t lan, Value* out) {
         zr_nexa_lan_l2tp_info_t info;
         Result result = read_l2tp(lan, &info);

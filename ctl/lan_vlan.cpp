@@ -62,7 +62,7 @@ std::vector<Row> lan_vlan_rows()
                Phase::kLans,
                "vlan",
                {needed({"interface", word(all_words(kInterfaces)), "physical interface that carries the VLAN"}),
-                or_else({"accelerated", flag(), "the VLAN's traffic takes the hardware path"}, "true")},
+                or_else({"accelerated", flag(), "the VLAN's traffic takes the hardware path"}, "false")},
                {"zr_nexa_lan_vlan_add_v1", "zr_nexa_lan_vlan_get_v1", "zr_nexa_lan_vlan_del_v1"}};
     row.about = "the VLAN that the LAN belongs to; not of LAN 0";
     row.read_all = read_vlans;

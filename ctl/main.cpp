@@ -1,10 +1,10 @@
 // Entry of zr_nexactl: its words and how it ends.
+#include <fcntl.h>
+#include <unistd.h>
 #include <zr_nexa/base.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
-#include <exception>
 #include <string>
 
 #include "exit_status.h"
@@ -66,14 +66,17 @@ int run(int argc, char** argv)
     return work();
 }
 
+// A descriptor that is closed would be given to the lock or the held state, and printed into.
+void open_closed_descriptors()
+{
+    for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd)
+        if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) _exit(ctl::kNoService);
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "zr_nexactl: %s\n", error.what());
-        return ctl::kNotUndone;  // how far it came is not known
-    }
+    open_closed_descriptors();
+    return ctl::guarded([=] { return run(argc, argv); }, ctl::kNoService);
 }

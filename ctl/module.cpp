@@ -11,8 +11,7 @@ namespace {
 
 bool is_missing(const Row& row, const Result& result)
 {
-    return std::find(row.missing_codes.begin(), row.missing_codes.end(), result.code) != row.missing_codes.end() ||
-           !result.words.empty();
+    return std::find(row.missing_codes.begin(), row.missing_codes.end(), result.code) != row.missing_codes.end();
 }
 
 class Reading {
@@ -31,6 +30,7 @@ public:
                 each(row);
             }
         }
+        roles();
     }
 
 private:
@@ -76,6 +76,23 @@ private:
             record.list() = sorted(record.list());
             if (wishes(row, instance_id(name)))
                 put_record(row, record, &make_instance(&module_->tree, row.scope, name));
+        }
+    }
+
+    // The service keeps the handle of a profile that was never there.
+    void roles()
+    {
+        if (!module_->tree.has("roles")) return;
+        Value::Map& roles = module_->tree.make("roles").map();
+        for (auto role = roles.begin(); role != roles.end();) {
+            const std::string& handle = role->second.text();
+            if (handle == "none" || names(Scope::kProfile).count(handle) != 0) {
+                ++role;
+                continue;
+            }
+            const Result odd = {0, "", "it is given to profile " + handle + ", which is not there"};
+            module_->unread.push_back({"roles." + role->first, odd, true, true});
+            role = roles.erase(role);
         }
     }
 

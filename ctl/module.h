@@ -16,11 +16,12 @@ namespace ctl {
 struct Unread {
     std::string path;
     Result result;
-    bool is_missing;  // the module says that it has not got this, which is no failure
+    bool is_missing;      // the module says that it has not got this, which is no failure
+    bool is_odd = false;  // it was read, and no document can say it
 };
 
 // What the module has, as a document says it; but profiles stand under their handles, roles are handles, and every
-// profile and LAN is there.
+// profile and LAN is there. A role of a profile that is not there is left out.
 struct Module {
     Value tree;
     std::vector<Unread> unread;

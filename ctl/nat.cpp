@@ -157,7 +157,7 @@ Row routing_behind_row()
 {
     Row row = {Scope::kModule,
                Shape::kUnit,
-               Phase::kService,
+               Phase::kRouting,
                "",
                {{"general.routing_behind", flag(),
                  "networks behind the LANs' devices are routed; holds from the module's next start on", "false"}},

@@ -90,7 +90,7 @@ Fates lan_fates(const Value& document, const Value& present, Reach reach)
         }
     }
     for (const auto& [id, lan] : there.map())
-        if (reach != Reach::kMerge && id != "0" && !wanted.map().count(id)) fates.gone.insert(id);
+        if (reach == Reach::kExact && id != "0" && !wanted.map().count(id)) fates.gone.insert(id);
     return fates;
 }
 
@@ -106,7 +106,7 @@ Fates profile_fates(const Value& document, const Value& present, Reach reach)
         if (!is_absent(profile) && !is_there) fates.made.insert(label);
     }
     for (const auto& [label, profile] : there.map())
-        if (reach != Reach::kMerge && !wanted.map().count(label)) fates.gone.insert(label);
+        if (reach == Reach::kExact && !wanted.map().count(label)) fates.gone.insert(label);
     return fates;
 }
 
@@ -138,9 +138,8 @@ std::map<uint32_t, std::string> labels_by_handle(const Module& module, const std
 // The label of a role's profile; "none" stays.
 std::string label_of(const std::string& handle, const std::map<uint32_t, std::string>& labels)
 {
-    if (handle.empty() || handle.find_first_not_of("0123456789") != std::string::npos) return handle;
     const auto found = labels.find(id_of(handle));
-    return found != labels.end() ? found->second : profile_name(id_of(handle));
+    return found == labels.end() ? handle : found->second;
 }
 
 // The row before it is named, and finished by this one.
@@ -148,6 +147,29 @@ bool follows_named(const Row& row, const Value& instance)
 {
     const Row* const before = &row > rows().data() ? &row - 1 : nullptr;
     return before != nullptr && before->next_follows && is_named(*before, instance);
+}
+
+// The rows that may leave fields of this one changed.
+const std::vector<const Row*>& rows_beside(const Row& row)
+{
+    static const auto by_row = [] {
+        std::map<const Row*, std::vector<const Row*>> all;
+        for (const Row& each : rows())
+            for (const Row* other : rows_of(each.scope))
+                for (const Field& field : each.fields)
+                    if (std::count(other->also_changes.begin(), other->also_changes.end(), field.key) != 0)
+                        all[&each].push_back(other);
+        return all;
+    }();
+    static const std::vector<const Row*> none;
+    const auto found = by_row.find(&row);
+    return found == by_row.end() ? none : found->second;
+}
+
+bool is_beside_named(const Row& row, const Value& instance)
+{
+    const auto& others = rows_beside(row);
+    return std::any_of(others.begin(), others.end(), [&](const Row* other) { return is_named(*other, instance); });
 }
 
 class Planner {
@@ -159,7 +181,10 @@ public:
         present_ = as_document(module, labels, false);
         for (const auto& [handle, label] : labels_by_handle(module, labels))
             plan_.handles[label] = handle;
-        if (reach == Reach::kBack) plan_.problems.clear();
+        if (reach == Reach::kBack) {
+            plan_.problems.clear();
+            leave_out_what_is_away();
+        }
         unread_ = &module.unread;
     }
 
@@ -183,6 +208,7 @@ public:
         mappings(Part::kAdditions);
         removed_profiles(last);
         module_rows(Phase::kService);
+        module_rows(Phase::kRouting);
         module_rows(Phase::kCutting);
         module_rows(Phase::kWriteOnly);
         if (reach_ != Reach::kBack)
@@ -194,10 +220,51 @@ public:
 private:
     enum class Part { kRemovals, kAdditions, kBoth };
 
+    // What others have taken away since it was held, and is not held whole, cannot be put back.
+    void leave_out_what_is_away()
+    {
+        const std::pair<const char*, const char*> scopes[] = {{"lans", "vlan"}, {"profiles", "dial"}};
+        for (const auto& [scope, made_with] : scopes) {
+            for (const std::string& name : names(document_.child(scope))) {
+                const Value& instance = document_.child(scope).child(name);
+                if (is_absent(instance) || instance.has(made_with) || stands(scope, name)) continue;
+                // Others are named only so that they are known.
+                const bool is_held = instance.map().size() > instance.map().count("handle");
+                document_.make(scope).map().erase(name);
+                if (is_held) left_away(std::string(scope) + "." + name);
+            }
+        }
+        for (const std::string& label : names(document_.child("profiles"))) {
+            if (!document_.child("profiles").child(label).has("vlans")) continue;
+            Value::List left;
+            for (const Value& id : document_.child("profiles").child(label).child("vlans").list()) {
+                const Value& lan = document_.child("lans").child(id.text());
+                if (!is_absent(lan) && (lan.has("vlan") || stands("lans", id.text()))) left.push_back(id);
+            }
+            document_.make("profiles").map()[label].make("vlans") = Value(left);
+        }
+        for (const std::string& role : names(document_.child("roles"))) {
+            const std::string label = document_.child("roles").child(role).text();
+            if (label == "none" || document_.child("profiles").map().count(label) != 0) continue;
+            document_.make("roles").map().erase(role);
+            left_away("roles." + role);
+        }
+    }
+
+    bool stands(const char* scope, const std::string& name) const
+    {
+        return present_.child(scope).map().count(name) != 0;
+    }
+
+    void left_away(const std::string& path)
+    {
+        plan_.warnings.push_back({{}, path, "what it was is not there any more, and is left so"});
+    }
+
     // What a document does not say of it stays.
     bool is_laid_over(const Row& row) const
     {
-        return row.shape == Shape::kUnit || (row.shape == Shape::kKeyed && reach_ == Reach::kMerge);
+        return row.shape == Shape::kUnit || (row.shape == Shape::kKeyed && reach_ != Reach::kExact);
     }
 
     // What is wanted, and what is left to change from once LANs and profiles have come and gone: a LAN that is made
@@ -323,7 +390,7 @@ private:
         const std::string path = record_path(row, row.scope == Scope::kProfile ? handle_text(name) : name);
         const std::string of_all = record_path(row, "*");
         const auto found = std::find_if(unread_->begin(), unread_->end(), [&](const Unread& each) {
-            return each.path == path || (row.read_all && each.path == of_all);
+            return !each.is_odd && (each.path == path || (row.read_all && each.path == of_all));
         });
         return found == unread_->end() ? nullptr : &*found;
     }
@@ -528,19 +595,38 @@ private:
                 changes_of(*row, name, instance, base, Part::kBoth, forced);
                 forced = row->next_follows && plan_.steps.size() > before;
             }
+            open_before_removals(first);
             put_pinholes_first(first);
         });
+    }
+
+    static bool is_write_of(const Step& step, const char* key)
+    {
+        return step.kind == Step::Kind::kWrite && step.wanted.map().count(key) != 0;
+    }
+
+    // An entry may be what lets the caller in: where a profile's firewall ends with letting all through, it does so
+    // before entries go.
+    void open_before_removals(size_t first)
+    {
+        const auto begin = plan_.steps.begin() + static_cast<std::ptrdiff_t>(first);
+        const auto opens = std::find_if(begin, plan_.steps.end(),
+                                        [](const Step& step) { return is_write_of(step, "firewall.enabled"); });
+        if (opens == plan_.steps.end()) return;
+        const Value& config = opens->wanted;
+        if (config.child("firewall.enabled").flag() && config.child("firewall.unmatched").text() != "let-through")
+            return;
+        const auto removal = std::find_if(begin, opens, [](const Step& step) {
+            return step.kind == Step::Kind::kRemove && step.row->path == "firewall.entries";
+        });
+        std::rotate(removal, opens, opens + 1);
     }
 
     // A profile's pinholes can be set only while its firewall is on.
     void put_pinholes_first(size_t first)
     {
         const auto begin = plan_.steps.begin() + static_cast<std::ptrdiff_t>(first);
-        const auto is_of = [](const char* key) {
-            return [key](const Step& step) {
-                return step.kind == Step::Kind::kWrite && step.wanted.map().count(key) != 0;
-            };
-        };
+        const auto is_of = [](const char* key) { return [key](const Step& step) { return is_write_of(step, key); }; };
         const auto off = std::find_if(begin, plan_.steps.end(), is_of("firewall.enabled"));
         if (off == plan_.steps.end() || off->wanted.child("firewall.enabled").flag()) return;
         const auto pinholes = std::find_if(off, plan_.steps.end(), is_of("upnp_pinholes"));
@@ -936,7 +1022,7 @@ private:
             }
         }
         for (const std::string& key : names(present))
-            if (reach_ != Reach::kMerge && !wanted.map().count(key)) gone.insert(key);
+            if (reach_ == Reach::kExact && !wanted.map().count(key)) gone.insert(key);
 
         // One that takes what another one has is made anew, once that one has let go of it.
         std::set<std::string> remade;
@@ -967,7 +1053,7 @@ private:
         }
     }
 
-    const Value& document_;
+    Value document_;
     const Reach reach_;
     const bool judges_;
     const std::vector<Unread>* unread_ = nullptr;
@@ -1095,14 +1181,15 @@ Wish wish_for(const Value& document, const Module& lists, Reach reach)
             if (whole_lans.count(id) != 0 || (row.phase == Phase::kAddressing && looks_at_hosts)) return true;
             const Value& lan = document.child("lans").child(std::to_string(id));
             if (row.path == "l2tp.tunnels" && lan.has("l2tp.mode")) return true;
-            return is_named(row, lan) || follows_named(row, lan);
+            return is_named(row, lan) || follows_named(row, lan) || is_beside_named(row, lan);
         }
         if (whole_profiles.count(id) != 0) return true;
         if (row.phase == Phase::kMapping && has_mappings_to_keep) return true;
         if (has_lans && (row.path == "nat.port_mappings" || row.fields[0].key == "nat.dmz")) return true;
         const auto label = names_of_handles.find(id);
         if (label == names_of_handles.end()) return false;
-        return is_named(row, document.child("profiles").child(label->second));
+        const Value& profile = document.child("profiles").child(label->second);
+        return is_named(row, profile) || is_beside_named(row, profile);
     };
     return wish;
 }

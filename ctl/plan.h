@@ -43,7 +43,8 @@ struct Plan {
 enum class Reach {
     kMerge,  // what the document does not name stays
     kExact,  // entries that a section of the document does not name go
-    kBack,   // the same, to where the module was: what stood there is not judged, and calls do not stop it
+    kBack,   // merged, to what was held: what stood there is not judged, calls do not stop it, and what others have
+             // taken away meanwhile stays away
 };
 
 // Where in a document it stands: "lans.10.address"; of several keys the first.
@@ -59,6 +60,11 @@ Plan make_plan(const Value& document, const Module& module, Reach reach, bool ju
 // What the module has, with labels for handles, so that it is a document. Profiles that no label is for are called
 // profile-<handle>. With handles, a profile says its own.
 Value as_document(const Module& module, const std::map<std::string, uint32_t>& labels, bool with_handles);
+
+// What the plan changes, as it was, as a document that brings it back: what the plan makes is absent there, what it
+// takes away stands there whole, and nothing else is named. What is held already from an earlier plan stays as it is
+// held.
+Value held_for(const Plan& plan, const Module& module, Value held = {});
 
 // The labels of a document's profiles that are on the module.
 std::map<std::string, uint32_t> match_profiles(const Value& document, const Module& module, Problems* problems);

@@ -8,6 +8,7 @@
 #include "document.h"
 #include "exit_status.h"
 #include "figures.h"
+#include "json.h"
 #include "session.h"
 #include "tell.h"
 #include "verbs.h"
@@ -314,7 +315,8 @@ int status(bool as_json, bool as_dot)
 {
     const Session session;
     if (!session.problem().empty()) {
-        tell(session.problem());
+        tell_problem(session.problem());
+        if (as_json) std::fputs(json_ending(kNoService).c_str(), stdout);
         return kNoService;
     }
     const Figures figures = read_figures();

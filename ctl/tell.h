@@ -2,15 +2,22 @@
 #ifndef ZR_NEXA_CTL_TELL_H
 #define ZR_NEXA_CTL_TELL_H
 
-#include <cstdio>
 #include <string>
+#include <vector>
+
+#include "document.h"
 
 namespace ctl {
 
-inline void tell(const std::string& message)
-{
-    std::fprintf(stderr, "zr_nexactl: %s\n", message.c_str());
-}
+void tell(const std::string& message);
+
+// Why it is not done; the last object of --json has these too.
+void tell_problem(const std::string& message);
+void tell_problems(const std::string& file, const Problems& problems);
+const std::vector<std::string>& told_problems();
+
+// For a process that nobody sees: from here on messages go to the system's log.
+void tell_the_log();
 
 }  // namespace ctl
 

@@ -67,6 +67,7 @@ Row pinholes_row()
                     {"upnp_pinholes", flag(), "UPnP may open pinholes in the profile's firewall", "false"},
                     NAMED(zr_nexa_media_upnp_pinhole_state_set_v1), NAMED(zr_nexa_media_upnp_pinhole_state_get_v1));
     row.write = write_pinholes;
+    row.also_changes = {"firewall.enabled", "firewall.unmatched"};
     row.functions.insert(row.functions.end(), {"zr_nexa_firewall_config_get_v1", "zr_nexa_firewall_config_set_v1"});
     return row;
 }

@@ -103,10 +103,12 @@ std::string role_of(uint32_t handle)
     return handle == 0 ? kNone : std::to_string(handle);
 }
 
-std::string not_taken_back(const Value&, const Value& present)
+std::string not_taken_back(const Value& wanted, const Value& present)
 {
     for (const auto& [key, role] : present.map())
         if (role.text() == kNone) return key + " cannot be taken from a profile, only given to another";
+    for (const auto& [key, role] : wanted.map())
+        if (present.map().count(key) == 0) return key + " was given to a profile that is not there";
     return {};
 }
 
@@ -154,8 +156,17 @@ Row access_point_row()
         return result;
     };
     row.write = [](uint32_t, const Value& wanted, const Value&) {
-        return CALL(zr_nexa_wan_apwwan_set_v1, wanted.child("roles.access_point").number(),
-                    wanted.child("roles.dns_proxy").number());
+        uint32_t access_point = wanted.child("roles.access_point").number();
+        uint32_t dns_proxy = wanted.child("roles.dns_proxy").number();
+        // One that nobody can say stays what it is.
+        if (wanted.map().size() < 2) {
+            uint32_t had = 0;
+            const bool has_proxy = wanted.map().count("roles.dns_proxy") != 0;
+            Result result =
+                CALL(zr_nexa_wan_apwwan_get_v1, has_proxy ? &access_point : &had, has_proxy ? &had : &dns_proxy);
+            if (!result.good()) return result;
+        }
+        return CALL(zr_nexa_wan_apwwan_set_v1, access_point, dns_proxy);
     };
     row.interrupts = [](const std::string&, const Value&, const Value&) {
         return std::string("traffic of the access point and its DNS may be interrupted");

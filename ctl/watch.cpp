@@ -12,6 +12,7 @@
 #include "exit_status.h"
 #include "explain.h"
 #include "indications.h"
+#include "json.h"
 #include "session.h"
 #include "tell.h"
 #include "verbs.h"
@@ -88,16 +89,19 @@ std::vector<Part> parts_of(const Indication& indication)
 std::string line_of(const Indication& indication, bool json)
 {
     const std::string time = utc(indication.time);
-    std::string line = json ? "{\"time\": \"" + time + "\"" : time;
+    if (json) {
+        JsonMembers members = {{"time", quoted(time)}};
+        for (const Part& part : parts_of(indication))
+            members.emplace_back(part.name, part.is_number ? part.text : quoted(part.text));
+        return json_object(members);
+    }
+    std::string line = time;
     for (const Part& part : parts_of(indication)) {
         const std::string name = part.name;
         const bool is_plain = name == "event" || name == "profile" || name == "state" || name == "interface";
-        if (json)
-            line += ", " + quoted(name) + ": " + (part.is_number ? part.text : quoted(part.text));
-        else
-            line += (is_plain ? " " : " " + name + " ") + part.text;
+        line += (is_plain ? " " : " " + name + " ") + part.text;
     }
-    return line + (json ? "}\n" : "\n");
+    return line + "\n";
 }
 
 // Whether a profile has this state now.
@@ -120,6 +124,13 @@ Result ask(uint32_t state, uint32_t profile, bool* reached)
     return {};
 }
 
+int no_service(const std::string& why, bool json)
+{
+    tell_problem(why);
+    if (json) std::fputs(json_ending(kNoService).c_str(), stdout);
+    return kNoService;
+}
+
 int watch(const Asked& asked)
 {
     Indications indications;
@@ -128,18 +139,12 @@ int watch(const Asked& asked)
         deadline = std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                                                           std::chrono::duration<double>(asked.seconds));
     const Session session(note_indication);
-    if (!session.problem().empty()) {
-        tell(session.problem());
-        return kNoService;
-    }
+    if (!session.problem().empty()) return no_service(session.problem(), asked.json);
     const uint32_t state = asked.until.empty() ? kNoStatus : code_of(kStates, asked.until);
     if (!asked.until.empty()) {
         bool reached = false;
         const Result result = ask(state, asked.profile, &reached);
-        if (!result.good()) {
-            tell(in_words(result));
-            return kNoService;
-        }
+        if (!result.good()) return no_service(in_words(result), asked.json);
         if (reached) return kDone;
     }
     Indication indication;

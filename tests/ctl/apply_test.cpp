@@ -4,6 +4,7 @@
 
 #include "plan_fixture.h"
 #include "random_document.h"
+#include "wan_profile.h"
 
 namespace ctl {
 namespace {
@@ -198,6 +199,23 @@ TEST_P(RandomApplyTest, ASecondDocumentIsLaidOverTheFirst)
     expect_shown_is_taken();
 }
 
+TEST_P(RandomApplyTest, GoingBackFromTheSecondDocumentLeavesTheFirst)
+{
+    const Value first = RandomDocument(2 * GetParam(), true).make();
+    const Value second = RandomDocument(2 * GetParam() + 1, true).make();
+    for (const Reach reach : {Reach::kExact, Reach::kMerge}) {
+        ASSERT_EQ(apply(first, Reach::kExact).left, Lines());
+        const Value before = as_seen_by(first);
+        const Module module = read_for(second, reach);
+        const Plan plan = make_plan(second, module, reach);
+        const Value held = held_for(plan, module);
+        if (!plan.problems.empty()) continue;
+        ASSERT_EQ(apply(second, reach).left, Lines());
+        EXPECT_EQ(go_back(held, {}).left, Lines());
+        EXPECT_EQ(unlike(before, as_seen_by(first)), Lines());
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomApplyTest, testing::Range(0u, 50u));
 
 // ---- refusals ----
@@ -231,44 +249,310 @@ TEST_F(ApplyTest, ToKeepGoingDoesTheRest)
     EXPECT_EQ(lines_of(planned(wanted)), outcome.left);
 }
 
+TEST_F(ApplyTest, AWishToStopIsToldAlsoWhereItEndsACallOrComesTooLate)
+{
+    const Value wanted = document("profiles: {main: {dial: {apn_index: 1}, nat: {type: full-cone}}}\n");
+    Lines told;
+    bool is_wished = false;
+    Progress progress;
+    progress.tells = [&](const std::string& line) { told.push_back(line); };
+    progress.starts = [&](const Step&, size_t, size_t) { is_wished = true; };
+    progress.is_stopped = [&] { return is_wished; };
+    with_faults("SetNatType=fail:3");
+    EXPECT_EQ(apply(wanted, Reach::kMerge, progress).status, 4);
+    EXPECT_EQ(told, Lines({"stopped; undoing what was done"}));
+    with_faults("");
+
+    // Before the step, behind it, and when it has been read back.
+    told.clear();
+    int asked = 0;
+    progress.is_stopped = [&] { return ++asked == 3; };
+    EXPECT_EQ(apply(wanted, Reach::kMerge, progress).status, 0);
+    EXPECT_EQ(told, Lines({"all was done before it could be stopped"}));
+}
+
 TEST_F(ApplyTest, AResultThatSaysNoMoreThanAWordIsLookedAt)
 {
     with_faults("SetNatType=ok:13");
     applied("profiles: {main: {dial: {apn_index: 1}, nat: {type: full-cone}}}\n");
 }
 
-TEST_F(ApplyTest, GoingBackEndsTheCallsOfWhatWasAdded)
+// ---- going back ----
+
+class WayBackTest : public ApplyTest {
+protected:
+    // Brings all back, and reads it from its text before, as from a file.
+    static Lines gone_back(const Value& held, Lines* told = nullptr)
+    {
+        Problems problems;
+        const std::string text = as_yaml(held);
+        const Value again = check_document(read_document(text, &problems), &problems, true);
+        EXPECT_EQ(problem_lines("held", problems), "") << text;
+        EXPECT_EQ(as_yaml(again), text);
+        Progress progress;
+        progress.tells = [told](const std::string& line) {
+            if (told != nullptr) told->push_back(line);
+        };
+        const Outcome outcome = go_back(again, progress);
+        EXPECT_EQ(outcome.status, outcome.left.empty() ? 0 : 5);
+        return outcome.left;
+    }
+    static std::string held_text(const std::string& text, Reach reach = Reach::kMerge)
+    {
+        return as_yaml(held_by(text, reach)).substr(11);
+    }
+};
+
+TEST_F(WayBackTest, EndsTheCallsOfWhatWasAddedAndOfNothingElse)
 {
-    const std::string shown_before = shown();
-    const Value before = as_document(read_all(), {}, true);
-    applied("profiles: {office: {dial: {apn_index: 3}}}\n");
+    applied("profiles: {other: {dial: {apn_index: 2}}}\n");
     ASSERT_EQ(zr_nexa_wan_connect_v4_set_v1(2, 1), 0u);
-    const Outcome outcome = go_back(before, {});
-    EXPECT_EQ(outcome.left, Lines());
-    EXPECT_EQ(shown(), shown_before);
+    const std::string before = shown();
+    const Value held = held_by("profiles: {office: {dial: {apn_index: 3}}}\n");
+    ASSERT_EQ(zr_nexa_wan_connect_v4_set_v1(3, 1), 0u);
+    EXPECT_EQ(gone_back(held), Lines());
+    EXPECT_EQ(shown(), before);
+    bool calling = false;
+    EXPECT_TRUE(read_calling(2, &calling).good());
+    EXPECT_TRUE(calling);
 }
 
-TEST_F(ApplyTest, TheHeldStateIsCompletedWithWhatAnotherDocumentNames)
-{
-    const Value held = document(R"(
-general: {shortcut_engine: true}
-lans: {0: {}, 10: {vlan: {interface: ecm}, dhcp: {enabled: true}}}
-profiles: {a: {handle: 1, dial: {apn_index: 1}, roaming: false}}
-)");
-    const Value now = document(R"(
-general: {shortcut_engine: false, ipv6: false}
-lans: {0: {dhcp: {enabled: false}}, 10: {vlan: {interface: rndis}, dhcp: {enabled: false}}, 20: {vlan: {interface: ecm}}}
+constexpr char kOwn[] = R"(
+general: {packet_statistics: true}
+software_path: [192.168.225.9]
+reservations: {192.168.225.30: {mac: "02:00:00:00:00:01"}}
+lans:
+  0: {dhcp: {enabled: false}, gateway_filters: [{protocol: tcp, ports: 80}]}
+  20: {vlan: {interface: ecm}, address: 10.7.3.1/24, dhcp: {first: 10.7.3.2, last: 10.7.3.60}}
 profiles:
-  b: {handle: 1, dial: {apn_index: 2}, roaming: true, reconnect: true, vlans: [10, 20]}
-  c: {handle: 2, dial: {apn_index: 3}, roaming: true}
-roles: {default: b, access_point: c, dns_proxy: b}
+  main: {dial: {apn_index: 1}, roaming: true}
+  office: {dial: {apn_index: 3}, vlans: [20]}
+roles: {dns_proxy: office}
+)";
+
+constexpr char kOthers[] = R"(
+general: {gateway_url: others.example}
+reservations: {192.168.225.40: {mac: "02:00:00:00:00:02"}}
+lans:
+  0: {dhcp: {lease_seconds: 777}}
+  10: {vlan: {interface: rndis}, address: 10.7.2.1/24, dhcp: {first: 10.7.2.2, last: 10.7.2.60}}
+profiles:
+  main: {dial: {apn_index: 1}, reconnect: true}
+  other: {dial: {apn_index: 2}, vlans: [10]}
+roles: {access_point: other}
+)";
+
+TEST_F(WayBackTest, WhatOthersMadeMeanwhileStays)
+{
+    const Value held = held_by(kOwn);
+    applied(kOthers);
+    ASSERT_EQ(zr_nexa_wan_connect_v4_set_v1(3, 1), 0u);
+    EXPECT_EQ(gone_back(held), Lines());
+    const std::string text = shown();
+    bool calling = false;
+    EXPECT_TRUE(read_calling(3, &calling).good());
+    EXPECT_TRUE(calling);
+    ASSERT_EQ(zr_nexa_wan_connect_v4_set_v1(3, 0), 0u);
+
+    // As if nobody but the others had been there; their profile has the handle that it got behind ours.
+    close();
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directory(folder);
+    with_faults("");
+    applied(kOthers);
+    std::string expected = shown();
+    for (size_t at = 0; (at = expected.find("profile-2", at)) != std::string::npos;)
+        expected.replace(at, 9, "profile-3");
+    EXPECT_EQ(text, expected);
+}
+
+TEST_F(WayBackTest, WhatOthersMadeMeanwhileStaysWhenAnApplyUndoesItself)
+{
+    Progress progress;
+    bool has_come = false;
+    progress.ends = [&](const Step& step, const Result&, const std::string&) {
+        if (has_come || path_of(step) != "profiles.main.roaming") return;
+        has_come = true;
+        applied("general: {gateway_url: others.example}\nprofiles: {other: {dial: {apn_index: 2}}}\n");
+    };
+    with_faults("AddPDNToVLANMapping=fail:3");
+    const Outcome outcome = apply(document(kOwn), Reach::kMerge, progress);
+    ASSERT_TRUE(has_come);
+    EXPECT_EQ(outcome.left, Lines());
+    EXPECT_EQ(outcome.status, 4);
+    EXPECT_EQ(unlike(document("general: {packet_statistics: false, gateway_url: others.example}\nsoftware_path: []\n"
+                              "reservations: {}\nlans: {0: {gateway_filters: [], dhcp: {enabled: true}}}\n"
+                              "profiles: {main: {handle: 1, roaming: false}, other: {dial: {apn_index: 2}}}\n"
+                              "roles: {default: main, access_point: main, dns_proxy: main}\n"),
+                     as_seen_by(document("profiles: {main: {handle: 1}, other: {dial: {apn_index: 2}}}\n"))),
+              Lines());
+}
+
+TEST_F(WayBackTest, OnlyWhatChangesIsHeld)
+{
+    EXPECT_EQ(held_text(kOwn), R"(general:
+  packet_statistics: false
+software_path: []
+reservations:
+  192.168.225.30: {absent: true}
+lans:
+  0:
+    dhcp:
+      enabled: true
+    gateway_filters: []
+  20:
+    absent: true
+profiles:
+  main:
+    handle: 1
+    roaming: false
+  office:
+    absent: true
+    dial: {apn_index: 3}
+roles:
+  dns_proxy: main
 )");
-    EXPECT_EQ(as_yaml(completed(held, now)), as_yaml(document(R"(
-general: {shortcut_engine: true, ipv6: false}
-lans: {0: {dhcp: {enabled: false}}, 10: {vlan: {interface: ecm}, dhcp: {enabled: true}}}
-profiles: {a: {handle: 1, dial: {apn_index: 1}, roaming: false, reconnect: true, vlans: [10]}}
-roles: {default: a, dns_proxy: a}
-)")));
+    EXPECT_EQ(held_text("lans: {20: {dhcp: {lease_seconds: 60}}}\n"), R"(lans:
+  20:
+    address: 10.7.3.1/24
+    dhcp:
+      first: 10.7.3.2
+      last: 10.7.3.60
+      lease_seconds: 43200
+      mtu: 1500
+      dns: mode-1
+)");
+    EXPECT_EQ(held_text("lans: {20: {l2tp: {tunnels: {7: {peer_tunnel: 8, encapsulation: ip, local: 192.0.2.1, peer: "
+                        "192.0.2.2, sessions: [{local: 1, peer: 2}]}}}}}\n"),
+              "lans:\n  20:\n    l2tp:\n      mode: unmanaged\n      tunnels:\n        7: {absent: true}\n");
+    EXPECT_EQ(held_text("profiles: {main: {dial: {apn_index: 1}, upnp_pinholes: true}}\n"),
+              "profiles:\n  main:\n    handle: 1\n    firewall:\n      enabled: false\n      unmatched: drop\n    "
+              "upnp_pinholes: false\n");
+    EXPECT_EQ(held_text("write_only: {alg: {1: true}}\n"), "");
+}
+
+TEST_F(WayBackTest, WhatGoesIsHeldWholeAndAStrangerInItsPlaceStays)
+{
+    applied(kOwn);
+    const std::string before = shown();
+    const std::string without =
+        "lans: {20: {absent: true}}\nprofiles: {main: {handle: 1}, office: {handle: 2, absent: true}}\n"
+        "roles: {dns_proxy: main}\n";
+    EXPECT_EQ(gone_back(held_by(without)), Lines());
+    EXPECT_EQ(shown(), before);
+
+    const Value held = held_by(without);
+    applied("profiles: {stranger: {dial: {apn_index: 9}, autoconnect: true}}\n");
+    ASSERT_EQ(plan_of("profiles: {stranger: {handle: 2, dial: {apn_index: 9}}}\n"), Lines());
+    EXPECT_EQ(gone_back(held), Lines());
+    EXPECT_EQ(plan_of(kOwn), Lines());
+    EXPECT_EQ(plan_of("profiles: {stranger: {handle: 2, dial: {apn_index: 9}, autoconnect: true}}\n"), Lines());
+}
+
+TEST_F(WayBackTest, WhatIsHeldIsTakenThoughItIsAPart)
+{
+    const std::string tunnel =
+        "{peer_tunnel: 8, encapsulation: ip, local: 192.0.2.1, peer: 192.0.2.2, sessions: [{local: 1, peer: 2}]}";
+    applied("lans: {0: {l2tp: {mode: managed, tunnels: {7: " + tunnel + "}}}}\n");
+    std::string before = shown();
+    // The mode that was there, without the tunnel that it is for.
+    EXPECT_EQ(gone_back(held_by("lans: {0: {l2tp: {mode: unmanaged, tunnels: {9: " + tunnel + "}}}}\n")), Lines());
+    EXPECT_EQ(shown(), before);
+    // Two that dial alike, and have no handles yet.
+    EXPECT_EQ(gone_back(held_by("profiles: {a: {handle: 30, dial: {apn_index: 3}}, b: {handle: 31, dial: {apn_index: "
+                                "3}}}\n")),
+              Lines());
+    EXPECT_EQ(shown(), before);
+    // One MAC of two times.
+    applied("reservations: {192.168.225.30: {mac: \"02:00:00:00:00:01\"}}\n");
+    before = shown();
+    Value held = held_by("reservations: {192.168.225.30: {absent: true}}\n");
+    applied("reservations: {192.168.225.31: {mac: \"02:00:00:00:00:01\"}}\n");
+    held = held_by("reservations: {192.168.225.31: {absent: true}}\n", Reach::kMerge, held);
+    EXPECT_EQ(gone_back(held).size(), 1u);
+    EXPECT_EQ(shown(), before);
+}
+
+TEST_F(WayBackTest, TwinsAreNotTakenForEachOther)
+{
+    applied("profiles: {a: {dial: {apn_index: 3}, roaming: true}}\n");
+    const std::string before = shown();
+    const Value added = held_by("profiles: {a: {handle: 2}, b: {handle: 40, dial: {apn_index: 3}}}\n");
+    EXPECT_NE(shown(), before);
+    EXPECT_EQ(gone_back(added), Lines());
+    EXPECT_EQ(shown(), before);
+
+    applied("profiles: {a: {handle: 2}, b: {handle: 40, dial: {apn_index: 3}}}\n");
+    const std::string both = shown();
+    const Value removed = held_by("profiles: {a: {handle: 2, absent: true}}\n");
+    EXPECT_EQ(gone_back(removed), Lines());
+    EXPECT_EQ(shown(), both);
+    // Another profile of the same kind takes its place.
+    const Value replaced = held_by(
+        "profiles: {a: {handle: 2, absent: true}, b: {handle: 3}, c: {handle: 41, dial: "
+        "{apn_index: 3}}}\n");
+    EXPECT_EQ(gone_back(replaced), Lines());
+    EXPECT_EQ(shown().find("roaming: true"), both.find("roaming: true"));
+}
+
+TEST_F(WayBackTest, WhatOthersHaveTakenAwayStaysAway)
+{
+    applied(
+        "lans: {10: {vlan: {interface: ecm}}}\n"
+        "profiles: {main: {dial: {apn_index: 1}, vlans: [10]}, other: {dial: {apn_index: 2}}}\n");
+    const Value held = held_by(R"(
+lans: {10: {dhcp: {enabled: false}}}
+profiles: {main: {dial: {apn_index: 1}, vlans: []}, other: {dial: {apn_index: 2}, roaming: true}}
+roles: {dns_proxy: other}
+)");
+    applied(
+        "roles: {dns_proxy: main}\nprofiles: {main: {handle: 1}, other: {handle: 2, absent: true}}\n"
+        "lans: {10: {absent: true}}\n");
+    const std::string before = shown();
+    Lines told;
+    EXPECT_EQ(gone_back(held, &told), Lines());
+    EXPECT_EQ(told, Lines({"lans.10: what it was is not there any more, and is left so",
+                           "profiles.other: what it was is not there any more, and is left so"}));
+    EXPECT_EQ(shown(), before);
+}
+
+TEST_F(WayBackTest, AnApplyBehindAnotherGoesBackToTheFirstState)
+{
+    applied(kOwn);
+    const std::string before = shown();
+    Value held = held_by(R"(
+general: {packet_statistics: false}
+reservations: {192.168.225.30: {mac: "02:00:00:00:00:03"}, 192.168.225.31: {mac: "02:00:00:00:00:04"}}
+lans:
+  10: {vlan: {interface: rndis}}
+  20: {absent: true}
+profiles:
+  main: {handle: 1, vlans: [10], roaming: false}
+  office: {handle: 2, absent: true}
+  fresh: {dial: {apn_index: 5}}
+roles: {default: fresh, dns_proxy: fresh}
+)");
+    held = held_by(R"(
+general: {packet_statistics: true, gateway_url: second.example}
+reservations: {192.168.225.30: {absent: true}, 192.168.225.31: {absent: true}}
+lans:
+  10: {absent: true}
+  20: {vlan: {interface: ethernet}, l2tp: {tunnels: {7: {peer_tunnel: 8, encapsulation: ip, local: 192.0.2.1, peer: 192.0.2.2, sessions: [{local: 1, peer: 2}]}}}}
+profiles:
+  one: {handle: 1, dial: {apn_index: 6}, reconnect: true}
+  other-office: {dial: {apn_index: 3}, autoconnect: true}
+  fresh: {handle: 3, dial: {apn_index: 7}}
+  fourth: {dial: {apn_index: 1}}
+roles: {default: fourth}
+)",
+                   Reach::kMerge, held);
+    EXPECT_EQ(gone_back(held), Lines());
+    std::string after = shown();
+    const size_t handle = after.find("profile-", after.find("dns_proxy: ")) + 8;  // a new one
+    const std::string office = "profile-" + after.substr(handle, after.find('\n', handle) - handle);
+    for (size_t at = 0; (at = after.find(office, at)) != std::string::npos;)
+        after.replace(at, office.size(), "profile-2");
+    EXPECT_EQ(after, before);
 }
 
 constexpr char kBefore[] = R"(
@@ -358,6 +642,7 @@ protected:
         const Value wanted = document(text);
         const Module module = read_all();
         const Value before = as_document(module, {}, true);
+        const Value held = held_for(make_plan(wanted, module, Reach::kMerge), module);
         const std::string shown_before = shown();
         calls();
         ASSERT_EQ(apply(wanted).status, 0);
@@ -390,7 +675,9 @@ protected:
                 } else if (outcome.status != 5) {
                     EXPECT_EQ(shown(), shown_before) << testing::PrintToString(outcome.left);
                 } else {
-                    expect_left(outcome.left, planned(before, Reach::kBack), wanted);
+                    expect_left(outcome.left, planned(held, Reach::kBack), wanted);
+                    expect_left(outcome.left, make_plan(before, read_for(before, Reach::kExact), Reach::kExact, false),
+                                wanted);
                 }
             }
         }

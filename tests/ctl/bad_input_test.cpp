@@ -13,13 +13,19 @@ protected:
         const std::vector<Words> verbs = {{"validate", file},
                                           {"validate", "--print", file},
                                           {"diff", file},
-                                          {"diff", "--exact", "--json", file},
+                                          {"diff", "--exact", file},
                                           {"apply", file},
                                           {"apply", "--dry-run", file},
                                           {"apply", "--exact", "--confirm-within", "60", file}};
         for (Words verb : verbs) {
             expect_ctl(verb, 2, "", said);
             expect_ctl(verb, 2, "", said, {"MOBILE_AP_FAULTS=IsReady=notready"});
+        }
+        for (const char* verb : {"validate", "diff", "apply"}) {
+            const ToolRun seen = ctl({verb, "--json", file});
+            EXPECT_EQ(seen.status, 2);
+            EXPECT_THAT(seen.out, testing::MatchesRegex("\\{\"status\": 2, \"problems\": \\[\".*\"\\]\\}\n")) << verb;
+            EXPECT_EQ(seen.err, said);
         }
     }
 

@@ -7,11 +7,14 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <regex>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "program.h"
@@ -50,6 +53,28 @@ protected:
         EXPECT_EQ(seen.status, status) << testing::PrintToString(words);
         EXPECT_EQ(seen.out, out) << testing::PrintToString(words);
         EXPECT_EQ(seen.err, err) << testing::PrintToString(words);
+    }
+    // Where a document stands.
+    std::string written(const std::string& name, const std::string& text) const
+    {
+        std::string path = state.path() + "/" + name;
+        std::ofstream(path) << text;
+        return path;
+    }
+    std::string shown() const
+    {
+        const ToolRun seen = ctl({"show"});
+        EXPECT_EQ(seen.status, 0) << seen.err;
+        return seen.out;
+    }
+    // Within 10 seconds.
+    static bool comes(const std::function<bool()>& condition)
+    {
+        for (int i = 0; i < 1000; ++i) {
+            if (condition()) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
     }
     // What the command does, to get a module into a state.
     void command(const Words& words) const

@@ -48,7 +48,15 @@ def run_page(page, folder):
                                          timeout=60)
                     status = ran.returncode
                     commands += 1
-                    page_now += [command] + ran.stdout.decode().splitlines()
+                    page_now.append(command)
+                    # What differs from run to run stays as it was written.
+                    seen = ran.stdout.decode().splitlines()
+                    kept = [each for each in block_lines if same(each) in map(same, seen)]
+                    for line_now in seen:
+                        same_line = next((each for each in kept if same(each) == same(line_now)), None)
+                        if same_line is not None:
+                            kept.remove(same_line)
+                        page_now.append(same_line or line_now)
             else:
                 page_now += block_lines
             page_now.append(line)

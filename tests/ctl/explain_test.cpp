@@ -175,9 +175,9 @@ TEST(ExplainTest, CodesOfAFunctionInWords)
     EXPECT_EQ(in_words(0x1009, "zr_nexa_nat_type_set_v1"),
               "step 1, selecting the profile: the service answered 9, there is no such profile (any more)");
     EXPECT_EQ(in_words(0x4003, "zr_nexa_lan_dhcp_set_v1"),
-              "step 4, activating the LAN, whose configuration is stored: the service answered 3, the service is not "
-              "ready, or its state failed or stayed busy for 10 seconds; standard error says why. Or it is "
-              "away");
+              "step 4, activating the LAN, whose configuration is stored: the service answered 3, the service is "
+              "away; or it is not ready, or its state failed or stayed busy for 10 seconds, and standard error says "
+              "why");
     EXPECT_EQ(in_words(3, "zr_nexa_alg_enable_type_set_v1"), "ALG type, kind of server or IP family not served");
     EXPECT_EQ(in_words(3, "zr_nexa_lan_ippt_set_v1"), "WLAN mode on a LAN other than 0");
     EXPECT_EQ(in_words(13, "zr_nexa_client_init"), "a session is open already");

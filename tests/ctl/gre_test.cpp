@@ -4,6 +4,7 @@
 #include <arpa/inet.h>
 
 #include "area_test.h"
+#include "module.h"
 #include "private_ipacm.h"
 
 namespace ctl {
@@ -223,7 +224,7 @@ TEST_F(GreTest, SettingsAreWrittenAndReadBack)
     EXPECT_EQ(content_of(ipacm::kConfigFile), kOff);
 }
 
-TEST_F(GreTest, WithoutAFileReadingIsNotedAndWritingRefused)
+TEST_F(GreTest, WithoutAFileReadingIsNotedAndOfABrokenOneRefused)
 {
     for (const std::string& content : {std::string(), std::string("<system>")}) {
         if (content.empty())
@@ -232,7 +233,14 @@ TEST_F(GreTest, WithoutAFileReadingIsNotedAndWritingRefused)
             write_file(ipacm::kConfigFile, content);
         Value value;
         const Result result = row("gre.enabled").read(0, &value);
-        EXPECT_EQ(row("gre.enabled").missing_codes, std::vector<uint32_t>{result.code});
+        Module module;
+        Wish wish;
+        wish.row = [](const Row& each) { return each.path.empty() && each.fields[0].key == "gre.enabled"; };
+        wish.scoped = [](const Row&, uint32_t) { return false; };
+        read_settings(wish, &module);
+        ASSERT_EQ(module.unread.size(), 1U);
+        EXPECT_EQ(module.unread[0].path, "gre.enabled");
+        EXPECT_EQ(module.unread[0].is_missing, content.empty());
         EXPECT_EQ(result.words, gre_unreadable());
         EXPECT_NE(result.words, "");
         EXPECT_TRUE(value.is_nothing());

@@ -115,11 +115,11 @@ TEST_F(LanVlanCtlTest, TheRowReadsAllAtOnce)
     EXPECT_FALSE(row("vlan").write);
 }
 
-TEST_F(LanVlanCtlTest, AVlanIsAcceleratedUnlessItSaysOtherwise)
+TEST_F(LanVlanCtlTest, AVlanIsNotAcceleratedUnlessItSaysSo)
 {
     ctl::Value short_one = ctl::Value::Map{{"interface", "ecm"}};
     EXPECT_EQ(problems("vlan", &short_one), "");
-    EXPECT_EQ(in_short(short_one), "{accelerated: true, interface: ecm}");
+    EXPECT_EQ(in_short(short_one), "{accelerated: false, interface: ecm}");
     ctl::Value none = ctl::Value::Map{};
     EXPECT_EQ(problems("vlan", &none), "vlan: interface is missing\n");
     ctl::Value other = ctl::Value::Map{{"interface", "wlan"}};

@@ -42,7 +42,8 @@ long peak()
 }
 
 constexpr long kRoom = 300 * 1024;  // KiB beside the document
-// A tenth of it is needed; a build with sanitizers takes its time.
+// Of the processor: what else runs on the machine does not count. A tenth of it is needed; a build with sanitizers
+// takes its time.
 constexpr double kSeconds = 5;
 
 // The problems of a document, found quickly and in little memory.

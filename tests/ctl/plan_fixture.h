@@ -65,7 +65,16 @@ protected:
         const Plan plan = make_plan(document, module, reach);
         if (!plan.problems.empty()) return {2, lines_of(plan)};
         const ApplyOptions options = {reach, true, keep_going};
-        return carry_out(plan, document, as_document(module, plan.handles, true), options, progress);
+        return carry_out(plan, document, held_for(plan, module), options, progress);
+    }
+    // Applies it; what it has changed, as it was.
+    static Value held_by(const std::string& text, Reach reach = Reach::kMerge, const Value& earlier = {})
+    {
+        const Value wanted = document(text);
+        const Module module = read_for(wanted, reach);
+        const Value held = held_for(make_plan(wanted, module, reach), module, earlier);
+        applied(text, reach);
+        return held;
     }
     static void applied(const std::string& text, Reach reach = Reach::kMerge)
     {

@@ -15,12 +15,15 @@ TEST_F(PlanTest, StepsStandInTheOrderInWhichTheyStandOnEachOther)
 {
     const Lines expected = {
         "general.dhcp_for_new_vlans: true -> false",
-        "lans.10: + {accelerated: true, interface: ethernet}",
+        "lans.10: + {accelerated: false, interface: ethernet}",
         "lans.10.dhcp.enabled: true",
         "lans.10.address: 10.7.2.1/24",
         "lans.0.dhcp.enabled: true -> false",
         "reservations.10.7.2.9: + {enabled: true, mac: 02:00:00:00:00:01, name: \"\"}",
+        "lans.0.passthrough: {device: none} -> {choice: 3, device: adaptive}",
         "lans.0.gateway_filters: + {ports: 80, protocol: tcp}",
+        "lans.0.l2tp.enabled: false -> true",
+        "lans.0.sip_server: {} -> {name: sip.example}",
         "general.gateway_url: mobileap.home -> a.example",
         "profiles.office: + {apn_index: 3, apn_name: \"\", family: ipv4v6, technology: any}",
         "roles.default: main -> office",
@@ -28,10 +31,13 @@ TEST_F(PlanTest, StepsStandInTheOrderInWhichTheyStandOnEachOther)
         "profiles.main.upnp_pinholes: false -> true",
         "profiles.office.nat.type: full-cone",
         "profiles.main.vlans: + 10",
+        "upnp.enabled: false -> true",
         "general.shortcut_engine: true -> false",
         "general.routing_behind: false -> true",
-        "upnp.enabled: false -> true",
         "general.ipv6: true -> false",
+        "hardware_mac_filter.state: disabled -> listed",
+        "hardware_mac_filter.stations: ? -> [02:00:00:00:00:31]",
+        "hardware_mac_filter.interfaces: ? -> [[1, 0, 0, 0, 0]]",
         "write_only.alg.1: true",
     };
     Lines seen = plan_of(R"(
@@ -45,9 +51,43 @@ profiles:
   main: {dial: {apn_index: 1}, vlans: [10], reconnect: true, upnp_pinholes: true}
 lans:
   10: {vlan: {interface: ethernet}, address: 10.7.2.1/24, dhcp: {enabled: true}}
-  0: {dhcp: {enabled: false}, gateway_filters: [{protocol: tcp, ports: 80}]}
+  0: {dhcp: {enabled: false}, gateway_filters: [{protocol: tcp, ports: 80}], passthrough: {device: adaptive, choice: 3},
+      l2tp: {enabled: true}, sip_server: {name: sip.example}}
+hardware_mac_filter: {state: listed, stations: ["02:00:00:00:00:31"], interfaces: [[1, 0, 0, 0, 0]]}
 )");
     EXPECT_EQ(seen, expected);
+}
+
+// An entry may be what lets in the one who asks for it.
+TEST_F(PlanTest, AFirewallIsOpenedBeforeItsEntriesGoAndClosedBehindThoseThatCome)
+{
+    const auto firewall = [](const std::string& text) {
+        return document("profiles: {main: {dial: {apn_index: 1}, firewall: {" + text + "}}}\n");
+    };
+    const auto is_told = [&](const Value& wanted, const Lines& lines) {
+        const Module module = read_for(wanted, Reach::kMerge);
+        const Plan plan = make_plan(wanted, module, Reach::kMerge);
+        EXPECT_EQ(lines_of(plan), lines);
+        const Value held = held_for(plan, module);
+        EXPECT_EQ(apply(wanted).left, Lines());
+        return held;
+    };
+    const std::string entry =
+        "profiles.main.firewall.entries: + {destination_ports: 22, family: ipv4, nat_flag: 0, "
+        "protocol: tcp}";
+    const std::string ssh = "entries: [{family: ipv4, protocol: tcp, destination_ports: 22}]";
+    std::string gone = entry;
+    gone.replace(gone.find('+'), 1, "-");
+    const std::string path = "profiles.main.firewall.";
+
+    const Value off = is_told(firewall("enabled: true, " + ssh), Lines({entry, path + "enabled: false -> true"}));
+    EXPECT_EQ(lines_of(planned(off, Reach::kBack)), Lines({path + "enabled: true -> false", gone}));
+    const Value drops = is_told(firewall("unmatched: let-through, entries: []"),
+                                Lines({path + "unmatched: drop -> let-through", gone}));
+    EXPECT_EQ(lines_of(planned(drops, Reach::kBack)), Lines({entry, path + "unmatched: let-through -> drop"}));
+    is_told(firewall("unmatched: drop, " + ssh), Lines({entry, path + "unmatched: let-through -> drop"}));
+    is_told(firewall("enabled: false, entries: []}, upnp_pinholes: true, nat: {"),
+            Lines({"profiles.main.upnp_pinholes: false -> true", path + "enabled: true -> false", gone}));
 }
 
 TEST_F(PlanTest, WhatTheDocumentDoesNotNameStaysUnlessItIsToBeExact)
@@ -64,14 +104,14 @@ profiles: {main: {dial: {apn_index: 1}}}
 )";
     EXPECT_EQ(plan_of(some), Lines());
     EXPECT_EQ(plan_of(some, Reach::kExact),
-              Lines({"lans.10: - {accelerated: true, interface: ecm}",
+              Lines({"lans.10: - {accelerated: false, interface: ecm}",
                      "reservations.192.168.225.30: - {enabled: true, mac: 02:00:00:00:00:01, name: \"\"}",
                      "profiles.profile-2: - {apn_index: 3, apn_name: \"\", family: ipv4v6, technology: any}"}));
     EXPECT_EQ(plan_of("general: {ipv4: true}\n", Reach::kExact), Lines());
     EXPECT_EQ(plan_of("reservations: {192.168.225.30: {absent: true}, 192.168.225.31: {absent: true}}\n"),
               Lines({"reservations.192.168.225.30: - {enabled: true, mac: 02:00:00:00:00:01, name: \"\"}"}));
     EXPECT_EQ(plan_of("lans: {10: {absent: true}, 11: {absent: true}}\n"),
-              Lines({"lans.10: - {accelerated: true, interface: ecm}"}));
+              Lines({"lans.10: - {accelerated: false, interface: ecm}"}));
     EXPECT_EQ(plan_of("profiles: {gone: {dial: {apn_index: 4}, absent: true}}\n"), Lines());
     EXPECT_EQ(plan_of("profiles: {gone: {dial: {apn_index: 3}, absent: true}}\n"),
               Lines({"profiles.gone: - {apn_index: 3, apn_name: \"\", family: ipv4v6, technology: any}"}));
@@ -192,8 +232,8 @@ TEST_F(PlanTest, AVlanOfAnotherKindIsMadeAnewWithAllThatStoodOnIt)
     const std::string other = "lans: {10: {vlan: {interface: rndis}}}\n";
     const Lines lines = plan_of(other);
     ASSERT_GE(lines.size(), 2u);
-    EXPECT_EQ(lines[0], "lans.10: - {accelerated: true, interface: ethernet}");
-    EXPECT_EQ(lines[1], "lans.10: + {accelerated: true, interface: rndis}");
+    EXPECT_EQ(lines[0], "lans.10: - {accelerated: false, interface: ethernet}");
+    EXPECT_EQ(lines[1], "lans.10: + {accelerated: false, interface: rndis}");
     EXPECT_EQ(lines.back(), "profiles.profile-2.vlans: + 10");
     EXPECT_EQ(said_of(other)[0],
               "VLAN 10 is made anew with its addresses, 2 filters, 1 tunnel and its mapping to "
@@ -202,6 +242,15 @@ TEST_F(PlanTest, AVlanOfAnotherKindIsMadeAnewWithAllThatStoodOnIt)
     std::string expected = before;
     expected.replace(expected.find("ethernet"), 8, "rndis");
     EXPECT_EQ(shown(), expected);
+}
+
+TEST_F(PlanTest, AVlanThatDoesNotSayThatItIsAcceleratedIsNot)
+{
+    applied("lans: {20: {vlan: {interface: ethernet-2}}, 30: {vlan: {interface: ecm, accelerated: true}}}\n");
+    EXPECT_EQ(sql("SELECT id, accelerated FROM vlan ORDER BY id"), "200301");
+    EXPECT_NE(shown().find("  20:\n    vlan: {interface: ethernet-2}\n"), std::string::npos);
+    EXPECT_NE(shown().find("  30:\n    vlan: {interface: ecm, accelerated: true}\n"), std::string::npos);
+    EXPECT_EQ(plan_of(shown().substr(11), Reach::kExact), Lines());
 }
 
 TEST_F(PlanTest, ALanIsActivatedAlsoWhenOnlyItsDhcpSwitchDiffers)
@@ -341,6 +390,35 @@ TEST_F(PlanTest, WhatCannotBeReadIsRefused)
     ASSERT_EQ(lost.size(), 1u);
     EXPECT_EQ(lost[0].rfind("problem: lans.10: lans.10.gateway_filters cannot be read, and would be lost: ", 0), 0u)
         << lost[0];
+}
+
+TEST_F(PlanTest, ARoleOfAProfileThatIsNotThereIsLeftOutAndCanBeGivenToAnother)
+{
+    sql("UPDATE wwan_service SET apdns_profile = 7");
+    const Module module = read_all();
+    std::vector<std::string> notes;
+    for (const Unread& each : module.unread) {
+        EXPECT_TRUE(each.is_missing);
+        if (each.is_odd) notes.push_back(each.path + ": " + each.result.words);
+    }
+    EXPECT_EQ(notes, Lines({"roles.dns_proxy: it is given to profile 7, which is not there"}));
+    const std::string text = shown();
+    EXPECT_NE(text.find("roles:\n  default: profile-1\n  access_point: profile-1\nupnp:"), std::string::npos) << text;
+    EXPECT_EQ(plan_of(text.substr(11), Reach::kExact), Lines());
+
+    const std::string given = "profiles: {main: {dial: {apn_index: 1}}}\nroles: {dns_proxy: main}\n";
+    EXPECT_EQ(plan_of(given), Lines({"roles.dns_proxy: ? -> main"}));
+    EXPECT_EQ(said_of(given), Lines({"traffic of the access point and its DNS may be interrupted",
+                                     "not undone: roles.dns_proxy was given to a profile that is not there"}));
+    applied(given);
+    EXPECT_EQ(sql("SELECT apdns_profile FROM wwan_service"), "1");
+
+    // The service does not take it with the other role, which is not given to nobody for that.
+    sql("UPDATE wwan_service SET apdns_profile = 7");
+    const Outcome outcome =
+        apply(document("profiles: {office: {dial: {apn_index: 3}}}\nroles: {access_point: office}\n"));
+    EXPECT_EQ(outcome.status, 4);
+    EXPECT_EQ(sql("SELECT ap_profile, apdns_profile FROM wwan_service"), "17");
 }
 
 TEST_F(PlanTest, WhatADocumentCannotSayIsRefusedWithoutAModule)

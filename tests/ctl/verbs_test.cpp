@@ -20,11 +20,11 @@ TEST_F(VerbsTest, TheHelpTellsTheVerbsAndTheStatuses)
     EXPECT_NE(seen.out.find("Exit statuses:\n"
                             "  0  done, or the same already\n"
                             "  1  something differs, or a state was not reached in time\n"
-                            "  2  the words or the document are wrong\n"
-                            "  3  no service, or reading was refused\n"
+                            "  2  the words, the document or the state folder are wrong\n"
+                            "  3  no service, or reading was refused, or the result could not be written\n"
                             "  4  a change was refused, and all is as before\n"
                             "  5  refused and not wholly undone, or read back otherwise\n"
-                            "  6  another apply holds the lock\n"),
+                            "  6  another process holds the lock, or a confirmation is pending\n"),
               std::string::npos)
         << seen.out;
     expect_ctl({"--version"}, 0, "zr_nexactl 1.0.0\n");
@@ -58,7 +58,6 @@ TEST_F(VerbsTest, WithoutAServiceTheStatusIs3)
 {
     const std::vector<std::string> away = {"MOBILE_AP_FAULTS=IsReady=notready"};
     for (const Words& words : std::vector<Words>{{"status"},
-                                                 {"status", "--json"},
                                                  {"connect", "1"},
                                                  {"disconnect", "1", "--wait", "1"},
                                                  {"watch", "--for", "0"},
@@ -225,8 +224,8 @@ TEST_F(VerbsTest, ARefusedConnectIsTold)
         "zr_nexactl: zr_nexa_wan_connect_v4_set_v1" + refusal + "zr_nexactl: zr_nexa_wan_connect_v6_set_v1" + refusal);
     expect_ctl({"connect", "1"}, 5, "",
                "zr_nexactl: zr_nexa_wan_connect_v6_set_v1: 0x2003, step 2, connecting: the service answered 3, the "
-               "service is not ready, or its state failed or stayed busy for 10 seconds; standard error says why. Or "
-               "it is away\n",
+               "service is away; or it is not ready, or its state failed or stayed busy for 10 seconds, and standard "
+               "error says why\n",
                {"MOBILE_AP_FAULTS=ConnectBackHaul#2=fail:3"});
 }
 
@@ -240,6 +239,90 @@ TEST_F(VerbsTest, AProfileOfOneFamilyIsAskedForThatOne)
         "is out of range, or does not go with what is there: a profile in use cannot be deleted\n");
     expect_ctl({"connect", "2", "--wait", "10"}, 0, "");
     expect_ctl({"disconnect", "2", "--wait", "10"}, 0, "");
+}
+
+// ---- the verbs about documents ----
+
+TEST_F(VerbsTest, AResultThatCannotBeWrittenIsTold)
+{
+    const std::string document = written("one.yaml", "version: 1\ngeneral: {shortcut_engine: false}\n");
+    ToolOptions options = ctl_options();
+    options.before_exec = [] { dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO); };
+    for (const Words& words : std::vector<Words>{{"show"},
+                                                 {"diff", document},
+                                                 {"validate", "--print", document},
+                                                 {"apply", "--dry-run", document},
+                                                 {"pending"},
+                                                 {"schema"},
+                                                 {"status"}}) {
+        const ToolRun seen = run_tool(words, options);
+        EXPECT_EQ(seen.status, 3) << words[0];
+        EXPECT_NE(seen.err.find("zr_nexactl: the result cannot be written"), std::string::npos) << words[0] << seen.err;
+    }
+    // It is done, and that nobody reads it undoes nothing.
+    EXPECT_EQ(run_tool({"apply", document}, options).status, 0);
+}
+
+TEST_F(VerbsTest, WithJsonEveryWayOutIsAnObject)
+{
+    const std::string document = written("one.yaml", "version: 1\ngeneral: {shortcut_engine: false}\n");
+    expect_ctl({"diff", "--json", document}, 1,
+               "{\"plan\": [\"general.shortcut_engine: true -> false\"]}\n{\"status\": 1, \"problems\": []}\n");
+    expect_ctl({"apply", "--dry-run", "--json", document}, 0,
+               "{\"plan\": [\"general.shortcut_engine: true -> false\"]}\n{\"status\": 0, \"problems\": []}\n");
+    expect_ctl({"validate", "--json", document}, 0, "{\"status\": 0, \"problems\": []}\n");
+    expect_ctl({"validate", "--json", "--print", document}, 0,
+               "{\"version\": 1, \"general\": {\"shortcut_engine\": false}}\n");
+    expect_ctl({"show", "--json", "lan"}, 2,
+               "{\"status\": 2, \"problems\": [\"lan: no such key; did you mean lans?\"]}\n",
+               "zr_nexactl: lan: no such key; did you mean lans?\n");
+    for (const Words& words :
+         std::vector<Words>{{"show"}, {"diff", document}, {"apply", document}, {"status"}, {"watch", "--for", "0"}}) {
+        Words all = words;
+        all.push_back("--json");
+        expect_ctl(all, 3, "{\"status\": 3, \"problems\": [\"no session: the service is not ready\"]}\n",
+                   kNoServiceText, {"MOBILE_AP_FAULTS=IsReady=notready"});
+    }
+    expect_ctl({"apply", "--json", "--state", "/dev/null", document}, 2,
+               "{\"status\": 2, \"problems\": [\"/dev/null: not a folder\"]}\n",
+               "zr_nexactl: /dev/null: not a folder\n");
+}
+
+TEST_F(VerbsTest, WhatShowLeavesOutBearsTheLabelThatItPrints)
+{
+    const ToolRun seen = ctl({"show", "profiles"}, {"MOBILE_AP_FAULTS=GetNatType=fail:3"});
+    EXPECT_EQ(seen.status, 3);
+    EXPECT_NE(seen.out.find("\n  profile-1:\n"), std::string::npos);
+    EXPECT_EQ(seen.err.find("zr_nexactl: profiles.profile-1.nat.type is left out: "), 0u) << seen.err;
+}
+
+TEST_F(VerbsTest, AWarningSaysThatItIsOne)
+{
+    const std::string document =
+        written("far.yaml", "version: 1\nreservations: {10.0.0.9: {mac: \"02:00:00:00:00:09\"}}\n");
+    EXPECT_EQ(ctl({"apply", document}).status, 2);  // where it would be a change
+    change_state("INSERT INTO dhcp_reservation VALUES (1, '10.0.0.9', '02:00:00:00:00:09', '', 1)");
+    const std::string warning = document + ":2:16: warning: reservations.10.0.0.9: outside of every LAN";
+    expect_ctl({"diff", document}, 0, "", warning + "\n");
+    expect_ctl({"diff", "--json", document}, 0,
+               "{\"warning\": \"" + warning + "\"}\n{\"status\": 0, \"problems\": []}\n", warning + "\n");
+}
+
+TEST_F(VerbsTest, WhatCannotBeUndoneBearsItsPath)
+{
+    const std::string document = written("sip.yaml", R"(version: 1
+hardware_mac_filter: {state: enabled, stations: ["02:00:00:00:00:01"], interfaces: [[1, 2, 3, 4, 5]]}
+lans: {0: {sip_server: {address: 192.168.225.9}}}
+)");
+    EXPECT_EQ(ctl({"diff", document}).err,
+              "zr_nexactl: lans.0.sip_server: not undone: a SIP server can be replaced, not taken away\n"
+              "zr_nexactl: stations may lose the connection\n"
+              "zr_nexactl: hardware_mac_filter.state: not undone: it takes no state without stations and interfaces\n");
+    const ToolRun seen = ctl({"diff", "--json", document});
+    EXPECT_EQ(seen.out.find("{\"plan\": [\"lans.0.sip_server: {} -> {address: 192.168.225.9}\"], "
+                            "\"not_undone\": \"a SIP server can be replaced, not taken away\"}\n"),
+              0u)
+        << seen.out;
 }
 
 }  // namespace

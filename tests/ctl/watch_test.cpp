@@ -190,8 +190,8 @@ TEST_F(WatchTest, AStateThatCannotBeReadIsStatus3)
 {
     expect_ctl({"watch", "--until", "v4-connected", "--for", "10"}, 3, "",
                "zr_nexactl: zr_nexa_wan_status_get_v1: 0x2003, step 2, reading the states: the service answered 3, the "
-               "service is not ready, or its state failed or stayed busy for 10 seconds; standard error says why. Or "
-               "it is away\n",
+               "service is away; or it is not ready, or its state failed or stayed busy for 10 seconds, and standard "
+               "error says why\n",
                {"MOBILE_AP_FAULTS=GetWWANStatus=fail:3"});
 }
 

@@ -1,0 +1,207 @@
+// What a plan changes, as it was: the state to go back to.
+//
+// Nothing else stands in it, so that going back leaves alone what others have made meanwhile.
+#include <algorithm>
+
+#include "plan.h"
+#include "tree.h"
+
+namespace ctl {
+namespace {
+
+Value gone()
+{
+    return Value::Map{{"absent", Value(true)}};
+}
+
+class Holding {
+public:
+    Holding(const Plan& plan, const Module& module, Value held)
+        : plan_(plan), present_(as_document(module, plan.handles, true)), held_(std::move(held))
+    {
+        Problems unused;
+        for (const auto& [label, handle] : match_profiles(held_, module, &unused))
+            names_[handle] = label;
+    }
+
+    Value all()
+    {
+        held_.map();
+        for (const Step& step : plan_.steps)
+            if (!step.row->write_only) hold(step);
+        return held_;
+    }
+
+private:
+    void hold(const Step& step)
+    {
+        const Row& row = *step.row;
+        const bool comes_or_goes = step.kind == Step::Kind::kAdd || step.kind == Step::Kind::kRemove;
+        if (row.path == "vlan" && comes_or_goes) return lan(step.name);
+        if (row.path == "dial" && comes_or_goes)
+            return step.kind == Step::Kind::kAdd ? added_profile(step) : removed_profile(step.name);
+        const Value& was = instance_of(present_, row.scope, step.name);
+        const std::string name = row.scope == Scope::kProfile ? held_name(step.name) : step.name;
+        if (row.scope != Scope::kModule) {
+            // What is made now goes with all that is in it, unless it is held from before.
+            const Value& there = instance_of(held_, row.scope, name);
+            if (there.is_nothing() && was.is_nothing()) return;
+            if (there.has("absent")) {
+                if (row.path == "dial") known_by_handle(step.name, name);
+                return;
+            }
+        }
+        if (row.shape == Shape::kKeyed) {
+            const Value entry = record_of(row, was).child(step.key);
+            put(row, name, Value::Map{{step.key, entry.is_nothing() ? gone() : entry}});
+        } else if (row.phase == Phase::kRoles) {
+            roles(step, record_of(row, was));
+        } else if (!step.lines.empty()) {
+            put(row, name, record_of(row, was));
+        }
+        for (const Row* other : rows_of(row.scope)) {
+            const Value all = record_of(*other, was);
+            Value record;
+            for (const auto& [key, value] : all.map())
+                if (std::count(row.also_changes.begin(), row.also_changes.end(), key) != 0) record.map()[key] = value;
+            put(*other, name, record);
+        }
+    }
+
+    // What is held already stays as it is; so do the entries under keys and the values of a unit.
+    void put(const Row& row, const std::string& name, Value record)
+    {
+        if (record.is_nothing()) return;
+        Value& there = make_instance(&held_, row.scope, name);
+        const Value said = record_of(row, there);
+        if (row.shape == Shape::kUnit || row.shape == Shape::kKeyed) {
+            for (const auto& [key, value] : said.map())
+                record.map()[key] = value;
+        } else if (!said.is_nothing()) {
+            return;
+        }
+        put_record(row, record, &there);
+    }
+
+    void lan(const std::string& id)
+    {
+        const Value& was = present_.child("lans").child(id);
+        const Value& there = held_.child("lans").child(id);
+        if (there.has("absent")) return;
+        if (was.is_nothing()) {
+            if (there.is_nothing()) held_.make("lans").map()[id] = gone();
+            return;
+        }
+        for (const Row* row : rows_of(Scope::kLan))
+            put(*row, id, record_of(*row, was));
+        for (const auto& [label, profile] : present_.child("profiles").map()) {
+            const Value::List& ids = profile.child("vlans").list();
+            if (std::find(ids.begin(), ids.end(), Value(id)) == ids.end()) continue;
+            const std::string name = held_name(label);
+            if (held_.child("profiles").child(name).has("absent")) continue;
+            for (const Row* row : rows_of(Scope::kProfile))
+                if (row->phase == Phase::kMapping) put(*row, name, record_of(*row, profile));
+        }
+    }
+
+    // ---- profiles ----
+
+    // What the held state calls a profile. One that is there is known by its handle.
+    std::string held_name(const std::string& label)
+    {
+        const auto made = made_.find(label);
+        if (made != made_.end()) return made->second;
+        const uint32_t handle = plan_.handles.at(label);
+        const auto known = names_.find(handle);
+        if (known != names_.end()) return known->second;
+        const std::string name = free_name(label);
+        names_[handle] = name;
+        held_.make("profiles").map()[name] = Value::Map{{"handle", handle}};
+        return name;
+    }
+
+    std::string free_name(const std::string& label) const
+    {
+        const Value::Map& taken = held_.child("profiles").map();
+        std::string name = label;
+        for (int i = 1; taken.count(name) != 0; ++i)
+            name = "other-" + std::to_string(i);
+        return name;
+    }
+
+    void known_by_handle(const std::string& label, const std::string& name)
+    {
+        held_.make("profiles").map()[name].map()["handle"] = plan_.handles.at(label);
+    }
+
+    // Others that dial alike are named too, so that none is taken for another.
+    void name_twins(const Value& dial)
+    {
+        for (const auto& [label, profile] : present_.child("profiles").map())
+            if (profile.child("dial") == dial) held_name(label);
+    }
+
+    // Nobody knows its handle yet: it is known by what it dials with.
+    void added_profile(const Step& step)
+    {
+        name_twins(step.wanted);
+        for (const auto& [label, profile] : held_.child("profiles").map()) {
+            // One that was there at first, and comes back.
+            const bool is_there = std::any_of(names_.begin(), names_.end(),
+                                              [own = &label](const auto& each) { return each.second == *own; });
+            if (is_there || profile.has("absent") || profile.child("dial") != step.wanted) continue;
+            made_[step.name] = label;
+            return;
+        }
+        const std::string name = free_name(step.name);
+        made_[step.name] = name;
+        held_.make("profiles").map()[name] = gone();
+        held_.make("profiles").map()[name].map()["dial"] = step.wanted;
+    }
+
+    // The one that takes its place has another handle, and its own may become a stranger's.
+    void removed_profile(const std::string& label)
+    {
+        const Value was = present_.child("profiles").child(label);
+        const std::string name = held_name(label);
+        if (held_.child("profiles").child(name).has("absent")) return;
+        for (const Row* row : rows_of(Scope::kProfile))
+            put(*row, name, record_of(*row, was));
+        const Value dial = held_.child("profiles").child(name).child("dial");
+        name_twins(dial);
+        const Value::Map& there = present_.child("profiles").map();
+        const bool has_twin =
+            std::any_of(there.begin(), there.end(),
+                        [&](const auto& each) { return each.first != label && each.second.child("dial") == dial; }) ||
+            std::any_of(plan_.steps.begin(), plan_.steps.end(), [&dial](const Step& step) {
+                return step.row->path == "dial" && step.kind == Step::Kind::kAdd && step.wanted == dial;
+            });
+        if (!has_twin) held_.make("profiles").map()[name].erase("handle");
+    }
+
+    // Only those that change: the others are written as they are then.
+    void roles(const Step& step, const Value& was)
+    {
+        Value changed;
+        for (const auto& [role, label] : was.map()) {
+            if (step.wanted.child(role) == step.present.child(role)) continue;
+            changed.map()[role] = plan_.handles.count(label.text()) != 0 ? Value(held_name(label.text())) : label;
+        }
+        put(*step.row, "", changed);
+    }
+
+    const Plan& plan_;
+    const Value present_;
+    Value held_;
+    std::map<uint32_t, std::string> names_;    // of the held state, by the handles of now
+    std::map<std::string, std::string> made_;  // the same of those that the plan makes, by its labels
+};
+
+}  // namespace
+
+Value held_for(const Plan& plan, const Module& module, Value held)
+{
+    return Holding(plan, module, std::move(held)).all();
+}
+
+}  // namespace ctl
