@@ -178,11 +178,11 @@ private:
     {
         switch (node.kind) {
             case Kind::kField:
-                out_ += space() + flow(node.field->type, value);
+                out_ += " " + flow(node.field->type, value);
                 end_line();
                 break;
             case Kind::kWhole:
-                out_ += space() + record(node.row->fields, value);
+                out_ += " " + record(node.row->fields, value);
                 end_line();
                 break;
             case Kind::kList:
@@ -198,7 +198,7 @@ private:
             case Kind::kGroup:
                 open(value.map().empty());
                 group(node, value, depth + 1);
-                close(value.map().empty());
+                close();
                 break;
         }
     }
@@ -212,18 +212,18 @@ private:
             open(!has_keys);
             if (each.has("absent")) {
                 start_key("absent", depth + 1);
-                out_ += space() + "true";
+                out_ += " true";
                 end_line();
             }
             if (each.has("handle")) {
                 start_key("handle", depth + 1);
-                out_ += space() + each.child("handle").text();
+                out_ += " " + each.child("handle").text();
                 end_line();
             }
             group(node, each, depth + 1);
-            close(!has_keys);
+            close();
         }
-        close(value.map().empty());
+        close();
     }
 
     void keyed(const Node& node, const Value& value, size_t depth)
@@ -231,11 +231,11 @@ private:
         open(value.map().empty());
         for (const auto& [key, each] : value.map()) {
             start_key(key, depth);
-            out_ += space() + (each.has("absent") ? std::string(json_ ? "{\"absent\": true}" : "{absent: true}")
-                                                  : record(node.row->fields, each));
+            out_ += " " + (each.has("absent") ? std::string(json_ ? "{\"absent\": true}" : "{absent: true}")
+                                              : record(node.row->fields, each));
             end_line();
         }
-        close(value.map().empty());
+        close();
     }
 
     void entries(const Row& row, const Value& value, size_t depth)
@@ -245,7 +245,7 @@ private:
             std::string text;
             for (const Value& each : value.list())
                 text += (text.empty() ? "" : ", ") + entry(row, each);
-            out_ += space() + "[" + text + "]";
+            out_ += " [" + text + "]";
             end_line();
             return;
         }
@@ -303,11 +303,6 @@ private:
         out_ += key_text(key) + ":";
     }
 
-    std::string space() const
-    {
-        return " ";
-    }
-
     void open(bool is_empty)
     {
         if (json_)
@@ -317,7 +312,7 @@ private:
         is_first_ = true;
     }
 
-    void close(bool)
+    void close()
     {
         if (json_) out_ += "}";
         is_first_ = false;
