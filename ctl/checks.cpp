@@ -12,6 +12,12 @@
 namespace ctl {
 namespace {
 
+// A key of nothing is one too.
+std::string below(const std::string& path, const std::string& key)
+{
+    return path.empty() ? key : path + "." + key;
+}
+
 class Checker {
 public:
     Checker(Problems* problems, bool is_held) : problems_(problems), is_held_(is_held) {}
@@ -64,13 +70,13 @@ private:
             if (std::find(more.begin(), more.end(), key) != more.end()) continue;
             const Node* const child = node.child(key);
             if (child != nullptr) {
-                member(*child, join_path(path, key), &each);
+                member(*child, below(path, key), &each);
                 continue;
             }
             std::vector<std::string> known = more;
             for (const Node& other : node.children)
                 known.push_back(other.key);
-            complain(each, join_path(path, key), no_such_key(key, known));
+            complain(each, below(path, key), no_such_key(key, known));
         }
     }
 
@@ -160,7 +166,7 @@ private:
         Value::Map normal;
         size_t count = 0;
         for (auto& [key, each] : value->map()) {
-            const std::string place = join_path(path, key);
+            const std::string place = below(path, key);
             const std::string name = normal_key(row.key, place, key, each);
             if (!is_absent(place, &each)) {
                 record(row, place, &each);
@@ -180,7 +186,7 @@ private:
         const bool are_lans = node.kind == Node::Kind::kLans;
         size_t count = 0;
         for (auto& [key, each] : value->map()) {
-            const std::string place = join_path(path, key);
+            const std::string place = below(path, key);
             normal_key(key_type, place, key, each);
             if (!are_lans && key == "none") complain(each, place, "none is no label");
             if (is_absent(place, &each, are_lans ? more : std::vector<std::string>{"handle", "dial"})) {
@@ -190,7 +196,7 @@ private:
             }
             if (are_lans && key == "0")
                 for (const char* const other : {"vlan", "passthrough_nat"})
-                    if (each.has(other)) complain(each.child(other), join_path(place, other), "not of the default LAN");
+                    if (each.has(other)) complain(each.child(other), below(place, other), "not of the default LAN");
             std::vector<std::string> known = more;
             known.emplace_back("absent");
             if (each.has("handle") && !more.empty())
