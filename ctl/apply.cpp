@@ -115,7 +115,7 @@ private:
         if (!step.is_new || row.shape != Shape::kUnit)
             return row.write(id, with_handles(step, step.wanted), step.present);
         Value present;
-        const Result result = read_record(row, id, &present);
+        Result result = read_record(row, id, &present);
         if (!result.good()) return result;
         Value wanted = present;
         for (const auto& [key, value] : step.wanted.map())

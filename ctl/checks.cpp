@@ -12,6 +12,7 @@
 namespace ctl {
 namespace {
 
+// A key of nothing is one too.
 std::string below(const std::string& path, const std::string& key)
 {
     return path.empty() ? key : path + "." + key;

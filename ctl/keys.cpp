@@ -39,7 +39,7 @@ Row module_flag(Phase phase, Field field, uint32_t (*set)(uint32_t), const char*
     Row row = {Scope::kModule, Shape::kUnit, phase, "", {field}, {set_name, get_name}};
     row.read = [get, get_name, key = field.key](uint32_t, Value* out) {
         uint8_t byte = kNoFlag;
-        const Result result = {get(&byte), get_name};
+        Result result = {get(&byte), get_name};
         if (result.good()) out->map()[key] = flag_of(byte);
         return result;
     };
@@ -55,7 +55,7 @@ Row scoped_flag(Scope scope, Phase phase, Field field, uint32_t (*set)(uint32_t,
     Row row = {scope, Shape::kUnit, phase, "", {field}, {set_name, get_name}};
     row.read = [get, get_name, key = field.key](uint32_t id, Value* out) {
         uint8_t byte = kNoFlag;
-        const Result result = {get(id, &byte), get_name};
+        Result result = {get(id, &byte), get_name};
         if (result.good()) out->map()[key] = flag_of(byte);
         return result;
     };

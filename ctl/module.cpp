@@ -53,7 +53,7 @@ private:
     void each(const Row& row)
     {
         for (const auto& [name, instance] : names(row.scope)) {
-            const uint32_t id = instance_id(name);
+            const uint32_t id = Value(name).number();
             if (wishes(row, id)) one(row, id, name, &make_instance(&module_->tree, row.scope, name));
         }
     }
@@ -62,7 +62,7 @@ private:
     {
         const auto& known = names(row.scope);
         const bool is_wished = std::any_of(known.begin(), known.end(),
-                                           [&](const auto& each) { return wishes(row, instance_id(each.first)); });
+                                           [&](const auto& each) { return wishes(row, Value(each.first).number()); });
         if (!is_wished) return;
         std::map<uint32_t, Value> records;
         const Result result = row.read_all(&records);
@@ -71,10 +71,10 @@ private:
             return;
         }
         for (const auto& [name, instance] : known) {
-            Value& record = records[instance_id(name)];
+            Value& record = records[Value(name).number()];
             if (record.is_nothing()) record.list();
             record.list() = sorted(record.list());
-            if (wishes(row, instance_id(name)))
+            if (wishes(row, Value(name).number()))
                 put_record(row, record, &make_instance(&module_->tree, row.scope, name));
         }
     }
@@ -107,11 +107,6 @@ private:
             module_->unread.push_back({record_path(row, name), result, is_missing(row, result)});
     }
 
-    static uint32_t instance_id(const std::string& name)
-    {
-        return Value(name).number();
-    }
-
     const Wish& wish_;
     Module* module_;
 };
@@ -138,14 +133,14 @@ void read_settings(const Wish& wish, Module* module)
 Result read_record(const Row& row, uint32_t id, Value* record)
 {
     if (!row.read_all) {
-        const Result result = row.read(id, record);
+        Result result = row.read(id, record);
         // An empty list or group is one that was read.
         if (result.good() && row.shape == Shape::kList) record->list();
         if (result.good() && row.shape == Shape::kKeyed) record->map();
         return result;
     }
     std::map<uint32_t, Value> records;
-    const Result result = row.read_all(&records);
+    Result result = row.read_all(&records);
     if (result.good()) *record = records[id].is_nothing() ? Value(Value::List()) : records[id];
     return result;
 }

@@ -66,6 +66,9 @@ Value as_document(const Module& module, const std::map<std::string, uint32_t>& l
 // held.
 Value held_for(const Plan& plan, const Module& module, Value held = {});
 
+// The labels of all profiles that are there: the document's, or the name that show gives one.
+std::map<uint32_t, std::string> labels_by_handle(const Module& module, const std::map<std::string, uint32_t>& labels);
+
 // The labels of a document's profiles that are on the module.
 std::map<std::string, uint32_t> match_profiles(const Value& document, const Module& module, Problems* problems);
 

@@ -105,7 +105,10 @@ std::string ipv6_pattern()
     for (size_t most = 1; most <= 7; ++most) {
         pattern += "|" + before + times(1, most);
         pattern += most == 7 ? ":" : "(" + behind + times(1, 7 - most) + "|:)";
-        if (most <= 5) pattern += "|" + before + times(1, most) + behind + times(0, 5 - most) + ":" + ipv4_pattern();
+        if (most > 5) continue;
+        pattern += "|" + before + times(1, most);
+        pattern += behind + times(0, 5 - most);
+        pattern += ":" + ipv4_pattern();
     }
     return "(" + pattern + ")";
 }

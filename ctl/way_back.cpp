@@ -114,7 +114,7 @@ private:
         const uint32_t handle = plan_.handles.at(label);
         const auto known = names_.find(handle);
         if (known != names_.end()) return known->second;
-        const std::string name = free_name(label);
+        std::string name = free_name(label);
         names_[handle] = name;
         held_.make("profiles").map()[name] = Value::Map{{"handle", handle}};
         return name;

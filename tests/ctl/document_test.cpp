@@ -241,7 +241,7 @@ lans:
         70: {absent: true}
     sip_server: {}
   9:
-    vlan: {interface: ethernet-2, accelerated: false}
+    vlan: {interface: ethernet-2, accelerated: true}
   10:
     absent: true
   20: {}
