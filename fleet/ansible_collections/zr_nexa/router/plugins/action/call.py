@@ -25,8 +25,8 @@ class ActionModule(ActionBase):
         })
         program = ctl.Program(self, args)
         status = program.run(["status", "--json"])
-        profile = self._profile(status.document(), args["profile"])
-        if status.document() is None:
+        profile = self._profile(status.document("profiles"), args["profile"])
+        if status.document("profiles") is None:
             return dict(result, **ctl.failure(status))
         if profile is None:
             return dict(result, failed=True, msg="there is no profile %s on this module" % args["profile"])
@@ -42,7 +42,7 @@ class ActionModule(ActionBase):
             words += ["--family", args["family"]]
         answer = program.run(words)
         after = program.run(["status", "--json"])
-        profile = self._profile(after.document(), args["profile"])
+        profile = self._profile(after.document("profiles"), args["profile"])
         result["calls"] = self._states(profile, args["family"]) if profile else {}
         if answer.status != ctl.DONE:
             result.update(ctl.failure(answer))

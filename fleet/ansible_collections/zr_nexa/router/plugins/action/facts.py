@@ -25,11 +25,11 @@ class ActionModule(ActionBase):
         program = ctl.Program(self, args)
         facts = {}
         warnings = []
-        for what, verb in (("status", "status"), ("config", "show")):
+        for what, verb, key in (("status", "status", "profiles"), ("config", "show", "version")):
             if what not in args["gather"]:
                 continue
             answer = program.run([verb, "--json"])
-            document = answer.document()
+            document = answer.document(key)
             if document is None:
                 return dict(result, **ctl.failure(answer))
             facts[what] = document

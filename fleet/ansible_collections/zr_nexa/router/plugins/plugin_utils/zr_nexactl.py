@@ -43,12 +43,13 @@ class Answer(object):
                 except ValueError:
                     pass
 
-    def document(self):
-        """The one object that show, status and validate print."""
+    def document(self, key="version"):
+        """The one object that show, status and validate print, which has this key; nothing when they could not."""
         try:
-            return json.loads(self.out)
+            document = json.loads(self.out)
         except ValueError:
             return None
+        return document if key in document else None
 
     def plan(self):
         """The lines of what differs, in their order."""
