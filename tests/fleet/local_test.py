@@ -1,0 +1,266 @@
+"""A hundred modules over the local connection."""
+
+import json
+import os
+import signal
+import unittest
+
+from fleet import CHANGES, DOCUMENT, Fleet, Run, end, wait_for
+
+COUNT = int(os.environ.get("ZR_NEXA_FLEET_MODULES", "100"))
+NAMES = {"module-%03d" % i for i in range(COUNT)}
+BROUGHT = "Bring the module to the baseline"
+
+GATHER = """
+- name: Gather
+  hosts: modules
+  gather_facts: false
+  environment: "{{ module_environment }}"
+  tasks:
+    - name: Gather
+      zr_nexa.router.config:
+        state: gathered
+        executable: "{{ baseline_executable }}"
+        state_dir: "{{ baseline_state_dir }}"
+"""
+
+
+class FleetTest(unittest.TestCase):
+    """Every test has modules of its own."""
+
+    count = COUNT
+
+    def setUp(self):
+        self.fleet = Fleet(self.count)
+        self.addCleanup(self.fleet.close)
+
+    def changing_calls(self):
+        return {module.name: module.changing_calls() for module in self.fleet.modules if module.changing_calls()}
+
+    def shown(self):
+        return {module.name: module.shown() for module in self.fleet.modules}
+
+    def forget_logs(self):
+        for module in self.fleet.modules:
+            module.forget_log()
+
+
+class AllAlike(FleetTest):
+    def test_all_are_changed_once_and_check_mode_says_so_before(self):
+        fresh = self.fleet.module(0).shown()
+
+        foreseen = self.fleet.play("--check", "--diff")
+        self.assertEqual(foreseen.status, 0, foreseen.text)
+        self.assertEqual(foreseen.hosts("changed"), NAMES)
+        self.assertEqual(self.changing_calls(), {})
+        self.assertEqual(self.fleet.module(COUNT - 1).shown(), fresh)
+
+        first = self.fleet.play()
+        self.assertEqual(first.status, 0, first.text)
+        self.assertEqual(first.hosts("changed"), NAMES)
+        self.assertEqual(set(self.changing_calls()), NAMES)
+        for name in NAMES:
+            said = foreseen.results(BROUGHT)[name]
+            done = first.results(BROUGHT)[name]
+            self.assertEqual(set(done["changes"]), CHANGES)
+            self.assertEqual(said["changes"], done["changes"])
+            self.assertEqual(said["before"], done["before"])
+            self.assertNotEqual(done["before"], done["after"])
+            self.assertEqual(done["after"]["upnp"]["notify_seconds"], 600)
+            self.assertIn("upnp.notify_seconds: 1800 -> 600\n", said["diff"]["prepared"])
+
+        self.forget_logs()
+        for words in (["--check"], []):
+            second = self.fleet.play(*words)
+            self.assertEqual(second.status, 0, second.text)
+            self.assertEqual(second.hosts("changed"), set())
+            self.assertEqual(second.hosts("ok"), NAMES)
+            self.assertEqual(self.changing_calls(), {})
+
+
+class OneFails(FleetTest):
+    FAULTY = 42 if COUNT > 60 else 1
+
+    def setUp(self):
+        super().setUp()
+        self.faulty = self.fleet.module(self.FAULTY)
+        self.fleet.variables[self.faulty.name] = {"more_environment": {"MOBILE_AP_FAULTS": "SetNatType=fail:48"}}
+        self.before = self.faulty.shown()
+
+    def test_only_that_one_and_it_is_as_before(self):
+        run = self.fleet.play()
+        self.assertEqual(run.hosts("failures"), {self.faulty.name}, run.text)
+        self.assertEqual(run.hosts("changed"), NAMES - {self.faulty.name})
+        self.assertEqual(self.faulty.shown(), self.before)
+        message = run.results(BROUGHT)[self.faulty.name]["msg"]
+        for part in ("a change was refused, and all is as before", "profiles.office.nat.type",
+                     "zr_nexa_nat_type_set_v1", "the service answered 48"):
+            self.assertIn(part, message)
+        others = {module.run("diff", self.written(DOCUMENT)).stdout for module in self.fleet.modules
+                  if module is not self.faulty}
+        self.assertEqual(others, {""})
+
+    def written(self, document):
+        path = self.fleet.control / "document.yaml"
+        path.write_text(json.dumps(document))
+        return str(path)
+
+    def test_a_rolling_change_stops_behind_the_batch(self):
+        fresh = self.before
+        run = self.fleet.play(batches=[1, self.FAULTY + 8, "100%"])
+        last = self.FAULTY + 9
+        self.assertNotEqual(run.status, 0)
+        self.assertEqual(run.hosts("failures"), {self.faulty.name})
+        reached = {"module-%03d" % i for i in range(min(last, COUNT))}
+        self.assertEqual(run.hosts("changed"), reached - {self.faulty.name})
+        self.assertEqual(set(self.changing_calls()), reached)
+        for module in self.fleet.modules[last:]:
+            self.assertEqual(module.shown(), fresh)
+
+
+class Stopped(FleetTest):
+    count = min(COUNT, 20)
+
+    def setUp(self):
+        super().setUp()
+        for module in self.fleet.modules:
+            module.environment["MOBILE_AP_FAULTS"] = "SetLANConfig=delay:300"
+
+    def all_old_or_new(self, fresh):
+        wait_for(lambda: not any(module.processes() for module in self.fleet.modules))
+        old = [module.name for module in self.fleet.modules if module.shown() == fresh]
+        done = self.fleet.play("--check", playbook=self.fleet.book(GATHER))
+        self.assertEqual({result["pending"] for result in done.results("Gather").values()}, {""})
+        for module in self.fleet.modules:
+            if module.name not in old:
+                path = self.fleet.control / "document.json"
+                path.write_text(json.dumps(DOCUMENT))
+                self.assertEqual(module.run("diff", str(path)).stdout, "", module.name)
+        return len(old)
+
+    def test_interrupted_at_the_controller(self):
+        fresh = self.fleet.module(0).shown()
+        for to_group in (False, True):
+            with self.subTest(to_group=to_group):
+                run = self.fleet.start(baseline_confirm_within=None)
+                wait_for(lambda: sum(bool(module.changing_calls()) for module in self.fleet.modules) >= 5)
+                (os.killpg if to_group else os.kill)(run.pid, signal.SIGINT)
+                run.communicate()
+                self.assertNotEqual(run.returncode, 0)
+                old = self.all_old_or_new(fresh)
+                self.assertGreater(old, 0)
+        again = self.fleet.play()
+        self.assertEqual(again.status, 0, again.text)
+        self.assertEqual(self.all_old_or_new(fresh), 0)
+
+
+class Killed(FleetTest):
+    count = 2
+
+    def test_what_is_pending_is_gathered_and_a_run_again_completes(self):
+        victim = self.fleet.module(1)
+        victim.environment["MOBILE_AP_FAULTS"] = "SetLANConfig#2=delay:20000"
+        run = self.fleet.start(baseline_confirm_within=None)
+        wait_for(lambda: "SetLANConfig" in victim.changing_calls())
+        for process in victim.processes():
+            end(process)
+        out, err = run.communicate()
+        said = Run(run.returncode, out, err)
+        self.assertEqual(said.hosts("failures") | said.hosts("unreachable"), {victim.name}, said.text)
+
+        del victim.environment["MOBILE_AP_FAULTS"]
+        gathered = self.fleet.play(playbook=self.fleet.book(GATHER)).results("Gather")
+        self.assertEqual(gathered["module-000"]["pending"], "")
+        self.assertIn("was cut off", gathered[victim.name]["pending"])
+
+        again = self.fleet.play(baseline_confirm_within=None)
+        self.assertEqual(again.status, 0, again.text)
+        self.assertEqual(again.hosts("changed"), {victim.name})
+        self.assertEqual(self.fleet.play().hosts("changed"), set())
+
+
+class Words(FleetTest):
+    """Each module of the collection, on one module of the host platform."""
+
+    count = 1
+
+    def tasks(self, *tasks, words=()):
+        text = """
+- name: Words
+  hosts: modules
+  gather_facts: false
+  environment: "{{ module_environment }}"
+  module_defaults:
+    group/zr_nexa.router.router:
+      executable: "{{ baseline_executable }}"
+  tasks:
+"""
+        for number, task in enumerate(tasks):
+            text += "    - name: Task %d\n      %s\n" % (number, task.strip().replace("\n", "\n      "))
+        run = self.fleet.play(*words, playbook=self.fleet.book(text))
+        return [run.results("Task %d" % number).get("module-000", {}) for number in range(len(tasks))], run
+
+    def test_replaced_takes_away_what_is_not_named(self):
+        with_lan = "zr_nexa.router.config:\n  config: {version: 1, lans: {10: {vlan: {interface: ethernet}}}}"
+        without = "zr_nexa.router.config:\n  config: {version: 1, lans: {0: {}}}\n  state: %s"
+        results, run = self.tasks(with_lan, without % "merged", without % "replaced")
+        self.assertEqual([result.get("changes") for result in results], [["lans.10"], [], ["lans.10"]], run.text)
+        self.assertNotIn("10", results[2]["after"]["lans"])
+
+    def test_a_file_is_sent_as_it_is(self):
+        path = self.fleet.control / "document.yaml"
+        path.write_text("version: 1\nreservations:\n  192.168.225.40: {mac: 01:02:03:04:05:06, name: no}\n")
+        results, run = self.tasks("zr_nexa.router.config:\n  src: %s" % path)
+        entry = results[0]["after"]["reservations"]["192.168.225.40"]
+        self.assertEqual((entry["mac"], entry["name"]), ("01:02:03:04:05:06", "no"), run.text)
+
+    def test_rendered_asks_no_module(self):
+        rendered = "zr_nexa.router.config:\n  state: rendered\n  config: {version: 1, upnp: {%s: yes}}"
+        results, run = self.tasks(rendered % "enabled", rendered % "enabeld")
+        self.assertEqual(results[0]["rendered"], {"version": 1, "upnp": {"enabled": True}}, run.text)
+        self.assertIn("upnp.enabeld: no such key; did you mean enabled?", results[1]["msg"])
+        self.assertFalse(self.fleet.module(0).log.exists())
+
+    def test_another_version_of_the_document(self):
+        results, _run = self.tasks("zr_nexa.router.config:\n  config: {version: 2}")
+        self.assertIn("does not take this version of the document", results[0]["msg"])
+
+    def test_no_program_there(self):
+        results, _run = self.tasks("zr_nexa.router.config:\n  state: gathered\n  executable: /nowhere/zr_nexactl")
+        self.assertIn("/nowhere/zr_nexactl cannot be run on this module", results[0]["msg"])
+
+    def test_no_service(self):
+        self.fleet.module(0).environment["MOBILE_AP_FAULTS"] = "IsReady=notready"
+        results, _run = self.tasks("zr_nexa.router.config:\n  state: gathered")
+        self.assertIn("the module's service does not answer", results[0]["msg"])
+
+    def test_calls(self):
+        call = "zr_nexa.router.call:\n  profile: profile-1\n  wait: 20\n  state: %s"
+        results, run = self.tasks(call % "connected", call % "connected", call % "disconnected",
+                                  "zr_nexa.router.call:\n  profile: 7")
+        self.assertEqual([result.get("changed") for result in results[:3]], [True, False, True], run.text)
+        self.assertEqual(results[0]["calls"], {"ipv4": "connected", "ipv6": "connected"})
+        self.assertEqual(results[3]["msg"], "there is no profile 7 on this module")
+
+    def test_calls_in_check_mode_change_nothing(self):
+        results, run = self.tasks("zr_nexa.router.call:\n  profile: 1", words=["--check"])
+        self.assertTrue(results[0]["changed"], run.text)
+        self.assertEqual(self.fleet.module(0).changing_calls(), [])
+
+    def test_facts_and_restore(self):
+        change = "zr_nexa.router.config:\n  config: {version: 1, upnp: {notify_seconds: 600}}"
+        facts = "zr_nexa.router.facts:"
+        results, run = self.tasks(change, facts, "zr_nexa.router.restore:", facts)
+        before = results[1]["ansible_facts"]["zr_nexa"]
+        self.assertEqual(before["config"]["upnp"]["notify_seconds"], 600, run.text)
+        self.assertEqual(before["status"]["profiles"][0]["handle"], 1)
+        self.assertEqual(results[3]["ansible_facts"]["zr_nexa"]["config"]["upnp"]["notify_seconds"], 1800)
+
+    def test_restore_in_check_mode_changes_nothing(self):
+        results, _run = self.tasks("zr_nexa.router.restore:", words=["--check"])
+        self.assertTrue(results[0]["changed"])
+        self.assertEqual(self.fleet.module(0).changing_calls(), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
