@@ -315,7 +315,10 @@ TEST_F(ConfirmTest, TheFileOfGreIsPutBackByteForByte)
         const std::string gre = written("gre.yaml",
                                         "version: 1\ngeneral: {ipv6: false}\n"
                                         "gre: {enabled: true, servers: [10.0.0.1], masks: [255.0.0.0]}\n");
-        const ToolRun refused = ctl({"apply", gre}, {"MOBILE_AP_FAULTS=DisableIPV6=fail:3"});
+        const std::string more = written("more.yaml",
+                                         "version: 1\ngre: {enabled: true, servers: [10.0.0.1], masks: [255.0.0.0]}\n"
+                                         "write_only: {alg: {1: true}}\n");
+        const ToolRun refused = ctl({"apply", more}, {"MOBILE_AP_FAULTS=EnableAlg=fail:3"});
         EXPECT_EQ(refused.status, 4) << refused.err;
         EXPECT_THAT(refused.out, testing::StartsWith("gre.enabled: false -> true\n"));
         EXPECT_EQ(content(), kept);
