@@ -33,6 +33,7 @@ protected:
     {
         ToolOptions options{state.path()};
         options.program = ZR_NEXA_CTL;
+        options.pauses = true;  // it has none, so nothing is preloaded, which the shell of GRE would inherit
         options.variables = variables;
         options.variables.push_back("ZR_NEXACTL_STATE=" + held_folder());
         return options;

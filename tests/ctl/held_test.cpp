@@ -104,8 +104,12 @@ protected:
 
     void end_watchdog() const
     {
-        const std::vector<std::string> watching = watchdogs();
-        ASSERT_EQ(watching.size(), 1u);
+        std::vector<std::string> watching;
+        ASSERT_TRUE(comes([&] { return (watching = watchdogs()).size() == 1; }));
+        // It has told the apply that it runs.
+        std::error_code gone;
+        ASSERT_TRUE(
+            comes([&] { return std::filesystem::read_symlink(watching[0] + "/fd/1", gone).string() == "/dev/null"; }));
         EXPECT_EQ(kill(std::stoi(watching[0].substr(std::strlen("/proc/"))), SIGKILL), 0);
         EXPECT_TRUE(comes([&] { return watchdogs().empty(); }));
     }
@@ -271,7 +275,6 @@ TEST_F(HeldTest, AnApplyThatHasJustSetItsClockAnewIsNotTakenBack)
     if (kEmulated) GTEST_SKIP() << "an emulated program cannot be traced";
     StartedTool tool({"apply", one_, "--confirm-within", "2"},
                      ctl_options({"MOBILE_AP_FAULTS=SetDataPathOptStatus=delay:2300"}));
-    ASSERT_TRUE(comes([&] { return watchdogs().size() == 1; }));
     end_watchdog();
     StartedTool watch({"watchdog", "--state", held_folder()}, traced());
     run_up_to(watch.pid(), is_lock, 2);  // behind its own lock
