@@ -80,6 +80,7 @@ expect_lines "$work/configured" "${configured[@]}"
 
 built test -R '^keys_page_test$'
 grep -q '^100% tests passed, 0 tests failed out of 1$' "$work/test.log" || fail "test printed $(cat "$work/test.log")"
+configured+=("--preset host -DZR_NEXA_BUILD_CTL=ON -DZR_NEXA_BUILD_MAN=ON")
 expect_nothing_done
 
 built run General SFE get
