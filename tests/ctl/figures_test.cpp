@@ -25,7 +25,8 @@ protected:
         command({"WAN", "MPDNMapping", "add", "2", "10"});
         happens({"device", "join", "02:00:00:00:00:07", "192.168.225.21", "lap\"top"});
         happens({"device", "join", "02:00:00:00:00:08", "192.168.11.21", "back\\slash"});
-        happens({"device", "join", "02:00:00:00:00:09", "10.9.9.9", ""});
+        happens({"device", "join", "02:00:00:00:00:09", "10.9.9.9", "nameless"});
+        change_state("UPDATE connected_device SET host_name = '' WHERE host_name = 'nameless'");
         happens({"sip", "add", "--bridge", "10", "--address", "192.0.2.60"});
         happens({"sip", "add", "--bridge", "10", "--family", "6", "--fqdn", "sip.example"});
     }
