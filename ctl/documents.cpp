@@ -200,13 +200,13 @@ void tell_beforehand(const Plan& plan, const std::string& file, bool json)
 {
     tell_warnings(file, plan.warnings, json);
     std::set<std::string> told;
-    const auto tell_once = [&told](const std::string& start, const std::string& text) {
-        if (!text.empty() && told.insert(start + text).second) tell(start + text);
+    const auto tell_once = [&told](const std::string& line) {
+        if (told.insert(line).second) tell(line);
     };
     for (const Step& step : plan.steps) {
-        tell_once("", step.interrupts);
-        tell_once(path_of(step) + ": not undone: ", step.not_undone);
-        tell_once(path_of(step) + ": ", note_of(step));
+        if (!step.interrupts.empty()) tell_once(step.interrupts);
+        if (!step.not_undone.empty()) tell_once(path_of(step) + ": not undone: " + step.not_undone);
+        if (!note_of(step).empty()) tell_once(path_of(step) + ": " + note_of(step));
     }
 }
 
@@ -305,15 +305,15 @@ Progress progress_of(const Options& options, Way* way)
         // The platform gives a step up when a signal comes.
         const std::string refused = stop_wished != 0 && !undoes ? "stopped" : "refused";
         const std::string before = undoes ? "undo: " : "";
-        if (json) {
-            print(json_object(members_of(step, result, note, undoes, refused)));
-        } else if (result.good()) {
+        if (json) print(json_object(members_of(step, result, note, undoes, refused)));
+        if (result.good()) {
             for (const std::string& line : step.lines)
-                print(before + line + "\n");
-        }
-        for (const std::string& line : lines_of(step)) {
-            std::string text = refused + ": ";
-            if (!result.good()) tell_problem(text.append(before).append(line).append(": ").append(in_words(result)));
+                if (!json) print(before + line + "\n");
+        } else {
+            const std::string start = refused + ": " + before;
+            const std::string end = ": " + in_words(result);
+            for (const std::string& line : lines_of(step))
+                tell_problem(std::string(start).append(line).append(end));
         }
         if (!note.empty() && !json) tell(before + lines_of(step)[0] + ": " + note);
         std::fflush(stdout);

@@ -56,15 +56,11 @@ const Scalar& scalar_or_empty(const Scalar* held)
 
 }  // namespace
 
-bool NaturalOrder::stands_before(std::string_view a, std::string_view b)
+bool NaturalOrder::stands_before(std::string_view a, std::string_view b, size_t differ)
 {
-    // Most keys are words: they differ in a letter, or are the same.
-    size_t i = 0;
-    while (i < a.size() && i < b.size() && a[i] == b[i])
-        ++i;
+    size_t i = differ;
     if (i < a.size() && i < b.size() && !is_digit(a[i]) && !is_digit(b[i]))
         return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]);
-    if (i == a.size() && i == b.size()) return false;
 
     size_t begin = i;  // of the number
     while (begin > 0 && is_digit(a[begin - 1]))
@@ -134,8 +130,8 @@ const Value& Value::child(std::string_view key) const
 {
     static const Value nothing;
     const Map& children = map();
-    const auto found = children.find(key);
-    return found != children.end() ? found->second : nothing;
+    const auto found = children.lower_bound(key);
+    return found != children.end() && found->first == key ? found->second : nothing;
 }
 
 const Value& Value::at(std::string_view path) const

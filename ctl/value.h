@@ -29,13 +29,19 @@ struct NaturalOrder {
     using is_transparent = void;
     bool operator()(std::string_view a, std::string_view b) const
     {
-        // Most keys are words that differ in their first letter.
-        const bool are_words = !a.empty() && !b.empty() && a[0] > '9' && b[0] > '9';
-        return are_words && a[0] != b[0] ? a[0] < b[0] : stands_before(a, b);
+        const size_t shorter = a.size() < b.size() ? a.size() : b.size();
+        size_t i = 0;
+        while (i < shorter && a[i] == b[i])
+            ++i;
+        if (i == a.size() && i == b.size()) return false;
+        // Most keys are words, which differ in a letter.
+        if (i < shorter && a[i] > '9' && b[i] > '9') return a[i] < b[i];
+        return stands_before(a, b, i);
     }
 
 private:
-    static bool stands_before(std::string_view a, std::string_view b);
+    // differ: the first place where they do.
+    static bool stands_before(std::string_view a, std::string_view b, size_t differ);
 };
 
 struct Scalar {
