@@ -13,7 +13,6 @@ using testing::MatchesRegex;
 using testing::StartsWith;
 
 constexpr char kOneChange[] = "version: 1\ngeneral: {shortcut_engine: false}\n";
-constexpr char kOneLine[] = "general.shortcut_engine: true -> false\n";
 
 class ProgramTest : public SetUpModuleTest {
 protected:
