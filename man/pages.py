@@ -68,7 +68,7 @@ def command_page():
                 text.append(literal(usage))
             rows.append((bold(f"{category} {name}"), "\n".join(text)))
         lines.append(tagged(rows))
-    body = Blocks(docs("commands.md"), ("zr_nexa", 1)).sections
+    body = Blocks(docs("commands.md"), ("zr_nexa", 1), leave_out=["OTHER PAGES"]).sections
     synopsis = ".Nm\n.Op Ar Category Op Ar Setting Op Ar option Op Ar parameter ..."
     write("zr_nexa", 1, "configures the mobile access point of a cellular data module",
           [("SYNOPSIS", synopsis), body[0], ("SETTINGS", "\n".join(lines)), *body[1:],

@@ -111,6 +111,14 @@ def check_lines():
             fail(f"{page} tells of a macro that is nothing to callers")
 
 
+def check_left_out():
+    """What is for readers of docs/ alone."""
+    parts = [("zr_nexa.1", "OTHER PAGES"), ("mobile_ap.7", "ADDING A METHOD")]
+    for page, part in parts + ([("zr_nexactl.1", "EXIT STATUSES")] if HAS_CTL else []):
+        if part in printed(page):
+            fail(f"{page} has the part {part}")
+
+
 def check_functions():
     functions = re.findall(r"\bzr_nexa_\w+(?=;)", read(SOURCE, "client_api/zr_nexa_client_api.map"))
     if len(functions) < 100:
@@ -212,6 +220,7 @@ def check_age():
 check_form()
 check_references()
 check_lines()
+check_left_out()
 check_functions()
 check_settings()
 check_variables()
