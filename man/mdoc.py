@@ -20,6 +20,12 @@ PAGES = {
     "mobile_ap_ctl.md": ("mobile_ap_ctl", 1),
     "host_platform.md": ("mobile_ap", 7),
 }
+# Of an area the manual has the functions.
+PAGES |= {
+    area + ".md": ("zr_nexa_" + area, 3)
+    for area in ("alg", "firewall", "general", "gre", "indications", "lan_addressing", "lan_passthrough", "lan_services",
+                 "lan_vlan", "nat", "upnp", "vpn_passthrough", "wan_connection", "wan_mpdn_mapping", "wan_profile")
+}
 
 SPECIAL = {"\\": "\\e", "`": "\\(ga", "~": "\\(ti", "^": "\\(ha"}
 
@@ -60,7 +66,8 @@ def filled(text):
 
 
 class Inline:
-    """The text of a paragraph; page is the one that it stands in, (name, section)."""
+    """The text of a paragraph; page is the one that it stands in, (name, section). Without macros, as in the narrow columns
+    of a table, it refers to no other page."""
 
     def __init__(self, children, page, macros=True):
         self.out, self.target, self.macros = "", None, macros
@@ -80,16 +87,10 @@ class Inline:
                 self.target = PAGES.get(os.path.basename(child.attrs["href"].split("#")[0]))
                 if self.target == page:
                     self.target = None
-            elif child.type == "link_close" and self.target:
-                self.reference(*self.target)
+            elif child.type == "link_close" and self.target and self.macros:
+                self.out += f" \x01{len(self.references)}\x02"
+                self.references.append(self.target)
                 self.target = None
-
-    def reference(self, name, section):
-        if self.macros:
-            self.out += f" \x01{len(self.references)}\x02"
-            self.references.append((name, section))
-        else:
-            self.out += f", {bold(name)}({section})"
 
     def text(self):
         """Lines; a reference to another page stands on one of its own."""

@@ -14,6 +14,7 @@ import os
 import re
 import subprocess
 import sys
+import textwrap
 import xml.etree.ElementTree as ElementTree
 
 import mdoc
@@ -67,7 +68,7 @@ def command_page():
                 text.append(literal(usage))
             rows.append((bold(f"{category} {name}"), "\n".join(text)))
         lines.append(tagged(rows))
-    body = Blocks(docs("commands.md"), ("zr_nexa", 1)).sections
+    body = Blocks(docs("commands.md"), ("zr_nexa", 1), leave_out=["OTHER PAGES"]).sections
     synopsis = ".Nm\n.Op Ar Category Op Ar Setting Op Ar option Op Ar parameter ..."
     write("zr_nexa", 1, "configures the mobile access point of a cellular data module",
           [("SYNOPSIS", synopsis), body[0], ("SETTINGS", "\n".join(lines)), *body[1:],
@@ -93,6 +94,8 @@ def word_told(word):
     tag = bold(word.name) if word.is_option else f"\\fI{escape(word.name)}\\fP"
     if word.is_option and word.takes:
         tag += f" \\fI{escape(word.takes)}\\fP"
+    elif word.is_option and word.choices:
+        tag += f" \\fI{escape('|'.join(word.choices))}\\fP"
     text = word.about
     if word.choices and not all(choice in text for choice in word.choices):
         text += ": one of " + ", ".join(word.choices)
@@ -102,7 +105,9 @@ def word_told(word):
 def commands_told(told):
     lines = []
     for each in told.commands():
-        lines += [f".Ss {words(' '.join(each.verb))}", filled(escape(each.about)) + "."]
+        # Of a command that stands below another one, that one says the half.
+        about = each.about if not each.about_above else f"{each.about_above}: {each.about[0].lower()}{each.about[1:]}"
+        lines += [f".Ss {words(' '.join(each.verb))}", filled(escape(about)) + "."]
         if rows := [word_told(word) for word in each.positionals + each.options]:
             lines.append(tagged(rows))
     return "\n".join(lines)
@@ -145,19 +150,22 @@ def text_of(element):
 
 
 def paragraphs(description):
-    """A description's paragraphs and lists, without what is told of parameters and results."""
+    """A description's paragraphs, lists and code, without what is told of parameters and results."""
     out = []
     for para in description.findall("para") if description is not None else []:
         lists = {"orderedlist": "-enum", "itemizedlist": "-bullet"}
+        apart = (*lists, "verbatim", "parameterlist")
         text = " ".join((escape(para.text or "") + "".join(
             text_of(child) + escape(child.tail or "") for child in para
-            if child.tag not in (*lists, "parameterlist"))).split())
+            if child.tag not in apart)).split())
         if text:
-            out.append((".Pp\n" if out and not out[-1].startswith(".Bl") else "") + filled(text))
+            out.append((".Pp\n" if out else "") + filled(text))
         for child in para:
             if child.tag in lists:
                 items = "\n".join(f".It\n{filled(text_of(item))}" for item in child.findall("listitem"))
                 out.append(f".Bl {lists[child.tag]}\n{items}\n.El")
+            elif child.tag == "verbatim":
+                out.append(literal(textwrap.dedent(child.text)))
     return "\n".join(out)
 
 
@@ -220,7 +228,9 @@ class Header:
 
     def constants_told(self):
         lines = []
-        for section in self.sections:
+        # What stands under no heading comes before what does.
+        order = {"define": 0, "user-defined": 1}
+        for section in sorted(self.sections, key=lambda each: order.get(each.get("kind"), 2)):
             rows, heading = [], section.find("header")
             for member in section.findall("memberdef"):
                 name, value = member.find("name").text, text_of(member.find("initializer"))
@@ -228,12 +238,11 @@ class Header:
                     values = [(f"Dv {each.find('name').text} {text_of(each.find('initializer'))}",
                                description_of(each) or "\\&") for each in member.findall("enumvalue")]
                     lines += [f".Pp\n{description_of(member)}", tagged(values)]
-                elif member.get("kind") == "define" and not name.endswith("_H"):
-                    rows.append((f"Dv {name} {value if '__' not in value else ''}".rstrip(),
-                                 description_of(member) or "\\&"))
+                elif member.get("kind") == "define" and value and "__" not in value:
+                    rows.append((f"Dv {name} {value}", description_of(member) or "\\&"))
                 elif member.get("kind") == "typedef":
-                    declared = member.find("definition").text + (member.find("argsstring").text or "")
-                    lines += [literal(declared + ";"),
+                    kind, arguments = text_of(member.find("type")), text_of(member.find("argsstring"))
+                    lines += [literal(f"typedef {kind}{'' if kind.endswith('*') else ' '}{name}{arguments};"),
                               description_of(member)]
             if rows:
                 lines += [".Pp\n" + filled(escape(heading.text)) + ":" if heading is not None else "", tagged(rows)]

@@ -44,8 +44,8 @@ class Word:
 class Help:
     """What PROGRAM WORD... --help prints: its words, and those of the commands below."""
 
-    def __init__(self, command, verb=()):
-        self.verb = verb
+    def __init__(self, command, verb=(), about_above=""):
+        self.verb, self.about_above = verb, about_above
         self.text = printed(command, *verb, "--help")
         self.about = self.text.split("\n")[0]
         rows = {"Positionals": [], "Options": [], "Subcommands": []}
@@ -66,7 +66,7 @@ class Help:
         # A verb that hands its words on tells of them below.
         if handed_on := re.search(rf"^\S+ {' '.join(verb)} ([A-Z]+) [A-Z]+ \.\.\.: (.*)$", self.text, flags=re.M):
             self.positionals.append(Word(f"{handed_on[1]} ...", handed_on[2]))
-        self.below = [Help(command, (*verb, name)) for name, _ in rows["Subcommands"]]
+        self.below = [Help(command, (*verb, name), self.about if verb else "") for name, _ in rows["Subcommands"]]
 
     def commands(self):
         """The commands that can be given, each once."""

@@ -88,4 +88,9 @@ grep -q '^CMD OK' "$work/run.log" || fail "run printed $(cat "$work/run.log")"
 expect_nothing_done
 built ctl show
 expect_nothing_done
+
+# As after run alone, where libyaml was there before: what was built is installed.
+rm "$work/clone/build/host/bin/zr_nexactl"
+quietly install cmake --install "$work/clone/build/host" --prefix "$work/root"
+[ -x "$work/root/bin/zr_nexa" ] || fail "the command is not installed"
 finish

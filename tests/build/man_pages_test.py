@@ -77,6 +77,48 @@ def check_form():
             fail(f"{page} is not there as HTML")
 
 
+def check_references():
+    for page in all_pages():
+        text = read(PAGES, page)
+        for name, section in re.findall(r"^\.(?:Pq )?Xr (\S+) (\d)", text, flags=re.M):
+            if f"man{section}/{name}.{section}" not in all_pages() and (HAS_CTL or not name.startswith("zr_nexactl")):
+                fail(f"{page} refers to {name}({section}), which there is not")
+    # A page of docs/ that tells of an area's functions is that area's manual page.
+    if "\n.Pq Xr zr_nexa_lan_services 3" not in read(PAGES, "man1/mobile_ap_ctl.1"):
+        fail("mobile_ap_ctl.1 does not refer to zr_nexa_lan_services(3)")
+
+
+def check_lines():
+    """Lines that are easily lost or joined on the way."""
+    wanted = {
+        "zr_nexa_indications.3": [
+            "typedef void(*zr_nexa_ind_cb_t)(uint32_t event_id, uint32_t length, const void *data,...);",
+            "note(va_arg(values, uint32_t)); // ZR_NEXA_IND_V6_DISCONNECT_FAILED_VALUE",
+        ],
+        "mobile_ap_ctl.1": ["EXIT STATUS", "Devices on the LAN: leave the LAN."],
+        "zr_nexa.1": ["the service refused. What it means: not done, or not all of it (what is not one change)."
+                      " For example: zr_nexa LAN DHCP get 20."],
+    }
+    if HAS_CTL:
+        wanted["zr_nexactl.1"] = ["--family 4|6|46", "Set counts back to zero: the LAN's packet counts."]
+    for page, lines in wanted.items():
+        seen = [" ".join(line.split()) for line in lines_of(page)]
+        for line in lines:
+            if not any(each.endswith(line) for each in seen):
+                fail(f"{page} does not have the line: {line}")
+    for page in all_pages():
+        if re.search(r"^\.It Dv (ZR_NEXA_C_BEGIN|\w+_DEFINED)", read(PAGES, page), flags=re.M):
+            fail(f"{page} tells of a macro that is nothing to callers")
+
+
+def check_left_out():
+    """What is for readers of docs/ alone."""
+    parts = [("zr_nexa.1", "OTHER PAGES"), ("mobile_ap.7", "ADDING A METHOD")]
+    for page, part in parts + ([("zr_nexactl.1", "EXIT STATUSES")] if HAS_CTL else []):
+        if part in printed(page):
+            fail(f"{page} has the part {part}")
+
+
 def check_functions():
     functions = re.findall(r"\bzr_nexa_\w+(?=;)", read(SOURCE, "client_api/zr_nexa_client_api.map"))
     if len(functions) < 100:
@@ -176,6 +218,9 @@ def check_age():
 
 
 check_form()
+check_references()
+check_lines()
+check_left_out()
 check_functions()
 check_settings()
 check_variables()

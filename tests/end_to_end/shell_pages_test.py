@@ -103,7 +103,7 @@ def check_what_is_printed_last():
     module = Module()
     table = rows(page("docs/commands.md"), "| printed last |")
     expect("cases of docs/commands.md", 15, len(table))
-    for said, example, _, _ in table:
+    for said, _, _, example in table:
         command = code(example)
         status, output = module.run(command)
         form, last = printed_last(output)
@@ -160,7 +160,7 @@ def check_scripting(shell):
 
     # The function is right in every case of the command's page.
     module = fresh()
-    for said, example_cell, _, means in rows(page("docs/commands.md"), "| printed last |"):
+    for said, _, means, example_cell in rows(page("docs/commands.md"), "| printed last |"):
         command = code(example_cell).replace("zr_nexa", "nexa", 1)
         if said == "nothing":  # of the command's own output, which nexa reads
             command = "zr_nexa() { command zr_nexa \"$@\" >/dev/full; }; nexa General SFE disable"

@@ -98,7 +98,7 @@ typedef struct zr_nexa_ind_status_report_t {
  *         if (event.status == ZR_NEXA_IND_V6_DISCONNECTING_FAILED) {
  *             va_list values;
  *             va_start(values, data);
- *             note(va_arg(values, uint32_t)); (ZR_NEXA_IND_V6_DISCONNECT_FAILED_VALUE)
+ *             note(va_arg(values, uint32_t)); // ZR_NEXA_IND_V6_DISCONNECT_FAILED_VALUE
  *             va_end(values);
  *         }
  *     }
