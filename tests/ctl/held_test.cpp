@@ -10,7 +10,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "ctl_test.h"
+#include "program_fixture.h"
 
 namespace {
 
@@ -39,7 +39,7 @@ bool is_lock(const __ptrace_syscall_info& info)
     return info.entry.nr == SYS_fcntl && info.entry.args[1] == F_SETLK;
 }
 
-class HeldTest : public CtlTest {
+class HeldTest : public ProgramTest {
 protected:
     HeldTest()
     {
@@ -265,7 +265,7 @@ TEST_F(HeldTest, AnotherOneWatchesWhereTheFirstWasEnded)
     EXPECT_EQ(ctl({"apply", one_, "--confirm-within", "600"}).status, 0);
     end_watchdog();
     EXPECT_EQ(ctl({"apply", other_, "--confirm-within", "1"}).status, 0);
-    EXPECT_TRUE(comes([&] { return access((held_folder() + "/held.yaml").c_str(), F_OK) != 0; }));
+    EXPECT_TRUE(comes([&] { return !is_held(); }));
     EXPECT_EQ(shown(), factory_);
 }
 
@@ -392,7 +392,7 @@ TEST_F(HeldTest, AFolderThatOthersMayWriteIntoIsRefused)
 TEST_F(HeldTest, AHeldStateThatCannotBeReadSaysWhatToDo)
 {
     EXPECT_EQ(ctl({"confirm"}).status, 1);  // makes the folder
-    const std::string file = held_folder() + "/held.yaml";
+    const std::string file = held_file();
     std::ofstream(file) << "held: {boot: \"\", until_ms: 0, seconds: 0}\nversion: 1\nfoo: bar\n";
     const std::string told = "zr_nexactl: the state to go back to cannot be read; to keep things as they are, remove " +
                              file + "\n" + file + ":3:1: foo: no such key\n";
@@ -426,10 +426,9 @@ TEST_F(HeldTest, AFullDiskIsToldBeforeTheFirstChange)
     const bool ran = in_private_mounts([&] {
         ASSERT_EQ(mount("none", held_folder().c_str(), "tmpfs", 0, "size=4k,mode=700"), 0);
         std::ofstream(held_folder() + "/filler") << std::string(4096, ' ');
-        expect_ctl({"apply", one_}, 4, "",
-                   "zr_nexactl: " + held_folder() + "/held.yaml.new: No space left on device\n");
-        EXPECT_FALSE(std::filesystem::exists(held_folder() + "/held.yaml"));
-        EXPECT_FALSE(std::filesystem::exists(held_folder() + "/held.yaml.new"));
+        expect_ctl({"apply", one_}, 4, "", "zr_nexactl: " + held_file() + ".new: No space left on device\n");
+        EXPECT_FALSE(is_held());
+        EXPECT_FALSE(std::filesystem::exists(held_file() + ".new"));
         EXPECT_EQ(shown(), factory_);
     });
     if (!ran) GTEST_SKIP() << "mounts of one's own are not allowed here";
