@@ -332,8 +332,7 @@ std::string pending_problem(const Held& held)
 
 bool changes_gre(const Plan& plan)
 {
-    return std::any_of(plan.steps.begin(), plan.steps.end(),
-                       [](const Step& step) { return step.wanted.map().count("gre.enabled") != 0; });
+    return std::any_of(plan.steps.begin(), plan.steps.end(), [](const Step& step) { return step.row->needs_copy; });
 }
 
 // A state that waits to be confirmed keeps the apply from being done, unless it is a follow-up.

@@ -85,15 +85,6 @@ private:
     int fd_;
 };
 
-void write_all(int fd, const std::string& text, const std::string& path)
-{
-    for (size_t done = 0; done < text.size();) {
-        const ssize_t size = write(fd, text.data() + done, text.size() - done);
-        if (size < 0 && errno != EINTR) fail(path);
-        if (size > 0) done += static_cast<size_t>(size);
-    }
-}
-
 void sync_folder(const std::string& folder)
 {
     const Descriptor fd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -306,7 +297,7 @@ void write_held(const std::string& folder, const Held& held)
     try {
         const Descriptor fd(open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
         if (fd.get() < 0) fail(fresh);
-        write_all(fd.get(), bytes, fresh);
+        if (!write_all(fd.get(), bytes)) fail(fresh);
         if (fsync(fd.get()) != 0) fail(fresh);
         if (rename(fresh.c_str(), path.c_str()) != 0) fail(path);
     } catch (const std::runtime_error&) {
@@ -360,7 +351,7 @@ void leave_the_caller()
 
 void answer_as_watchdog()
 {
-    write_all(STDOUT_FILENO, kReady, "the answer");
+    if (!write_all(STDOUT_FILENO, kReady)) fail("the answer");
     dup2(STDIN_FILENO, STDOUT_FILENO);
     dup2(STDIN_FILENO, STDERR_FILENO);
     tell_the_log();

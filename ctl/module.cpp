@@ -21,7 +21,7 @@ public:
     void read()
     {
         for (const Row& row : rows()) {
-            if (row.write_only || is_scope_row(row)) continue;
+            if (row.write_only || row.is_scope) continue;  // VLANs and dials are read with the lists
             if (row.scope == Scope::kModule) {
                 if (!wish_.row || wish_.row(row)) one(row, 0, "", &module_->tree);
             } else if (row.read_all) {
@@ -34,12 +34,6 @@ public:
     }
 
 private:
-    // VLANs and dials are read with the lists.
-    static bool is_scope_row(const Row& row)
-    {
-        return row.path == "vlan" || row.path == "dial";
-    }
-
     const Value::Map& names(Scope scope) const
     {
         return module_->tree.child(scope == Scope::kLan ? "lans" : "profiles").map();

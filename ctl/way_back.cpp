@@ -37,8 +37,8 @@ private:
     {
         const Row& row = *step.row;
         const bool comes_or_goes = step.kind == Step::Kind::kAdd || step.kind == Step::Kind::kRemove;
-        if (row.path == "vlan" && comes_or_goes) return lan(step.name);
-        if (row.path == "dial" && comes_or_goes)
+        if (row.is_scope && comes_or_goes && row.scope == Scope::kLan) return lan(step.name);
+        if (row.is_scope && comes_or_goes)
             return step.kind == Step::Kind::kAdd ? added_profile(step) : removed_profile(step.name);
         const Value& was = instance_of(present_, row.scope, step.name);
         const std::string name = row.scope == Scope::kProfile ? held_name(step.name) : step.name;
@@ -47,7 +47,7 @@ private:
             const Value& there = instance_of(held_, row.scope, name);
             if (there.is_nothing() && was.is_nothing()) return;
             if (there.has("absent")) {
-                if (row.path == "dial") known_by_handle(step.name, name);
+                if (&row == &row_of("dial")) known_by_handle(step.name, name);
                 return;
             }
         }
@@ -174,7 +174,7 @@ private:
             std::any_of(there.begin(), there.end(),
                         [&](const auto& each) { return each.first != label && each.second.child("dial") == dial; }) ||
             std::any_of(plan_.steps.begin(), plan_.steps.end(), [&dial](const Step& step) {
-                return step.row->path == "dial" && step.kind == Step::Kind::kAdd && step.wanted == dial;
+                return step.row == &row_of("dial") && step.kind == Step::Kind::kAdd && step.wanted == dial;
             });
         if (!has_twin) held_.make("profiles").map()[name].erase("handle");
     }

@@ -17,15 +17,9 @@
 
 namespace ctl {
 
-// The row that stands at this path, or has this field.
 inline const Row& row(const std::string& key)
 {
-    for (const Row& each : rows()) {
-        if (!each.path.empty() && each.path == key) return each;
-        for (const Field& field : each.fields)
-            if (each.path.empty() && field.key == key) return each;
-    }
-    throw std::out_of_range("no row " + key);
+    return row_of(key);
 }
 
 inline const Field& field(const std::string& key)

@@ -95,8 +95,9 @@ protected:
         std::vector<std::string> found;
         for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
             std::ifstream file(entry.path() / "cmdline");
-            const std::string words((std::istreambuf_iterator<char>(file)), {});
-            if (words.find(std::string("watchdog\0--state\0", 17) + held_folder()) != std::string::npos)
+            std::ostringstream words;
+            words << file.rdbuf();  // nothing of a process that ends meanwhile
+            if (words.str().find(std::string("watchdog\0--state\0", 17) + held_folder()) != std::string::npos)
                 found.push_back(entry.path());
         }
         return found;
