@@ -152,6 +152,8 @@ public:
         if (reach == Reach::kBack) {
             plan_.problems.clear();
             leave_out_what_is_away();
+        } else {
+            find_role_profiles();
         }
         unread_ = &module.unread;
     }
@@ -216,6 +218,22 @@ private:
             if (label == "none" || document_.child("profiles").map().count(label) != 0) continue;
             document_.make("roles").map().erase(role);
             left_away("roles." + role);
+        }
+    }
+
+    // A role's profile that the document does not have bears the name that show gives one.
+    void find_role_profiles()
+    {
+        for (const std::string& role : names(document_.child("roles"))) {
+            const Value label = document_.child("roles").child(role);
+            const uint32_t handle = profile_handle(label.text());
+            if (handle == 0 || document_.child("profiles").map().count(label.text()) != 0) continue;
+            const auto found = std::find_if(plan_.handles.begin(), plan_.handles.end(),
+                                            [handle](const auto& each) { return each.second == handle; });
+            if (found == plan_.handles.end())
+                problem(label, "roles." + role, "there is no profile " + std::to_string(handle) + " on the module");
+            else
+                document_.make("roles").map()[role] = found->first;
         }
     }
 
