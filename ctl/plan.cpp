@@ -204,6 +204,9 @@ private:
                 if (is_held) left_away(std::string(scope) + "." + name);
             }
         }
+        for (const std::string& id : names(document_.child("lans")))
+            if (document_.child("lans").child(id).at("l2tp.mode").text() == "managed" && !has_tunnels_then(id))
+                document_.make("lans").map()[id].erase("l2tp.mode");
         for (const std::string& label : names(document_.child("profiles"))) {
             if (!document_.child("profiles").child(label).has("vlans")) continue;
             Value::List left;
@@ -219,6 +222,14 @@ private:
             document_.make("roles").map().erase(role);
             left_away("roles." + role);
         }
+    }
+
+    bool has_tunnels_then(const std::string& id) const
+    {
+        const Value& wanted = document_.child("lans").child(id).at("l2tp.tunnels");
+        const Value all = laid_over(wanted, present_.child("lans").child(id).at("l2tp.tunnels"));
+        return std::any_of(all.map().begin(), all.map().end(),
+                           [](const auto& each) { return !is_absent(each.second); });
     }
 
     // A role's profile that the document does not have bears the name that show gives one.
