@@ -268,6 +268,8 @@ private:
             if (label.text() == "none") continue;  // as a module may have it
             const Value& profiles = tree.child("profiles");
             const Value& profile = profiles.child(label.text());
+            // One that the document does not have may be named as show names it.
+            if (profile.is_nothing() && profile_handle(label.text()) != 0) continue;
             if (profile.is_nothing())
                 complain(label, "roles." + role,
                          "no profile \"" + label.text() + "\"; " +

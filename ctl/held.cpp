@@ -26,6 +26,7 @@ namespace ctl {
 namespace {
 
 constexpr const char* kHeldName = "/held.yaml";
+constexpr const char* kUnnamed = "unnamed";  // a line of its own, too
 constexpr const char* kReady = "ready\n";
 constexpr int kReadyMs = 10000;
 constexpr size_t kLeftMax = 20;  // lines
@@ -130,7 +131,9 @@ Held held_of(const std::string& bytes, const std::string& path, std::string* why
     Problems problems;
     Value document = read_document(bytes, &problems);
     Held held = held_with_head(document.child("held"));
-    document.map().erase("held");
+    held.unnamed = check_document(document.child(kUnnamed), &problems, true);
+    for (const char* const key : {"held", kUnnamed})
+        document.map().erase(key);
     held.document = check_document(std::move(document), &problems, true);
     *why = problem_lines(path, problems);
     if (!why->empty()) why->pop_back();  // its last line's end
@@ -289,7 +292,8 @@ void write_held(const std::string& folder, const Held& held)
 {
     const std::string path = folder + kHeldName;
     const std::string fresh = path + ".new";
-    const std::string bytes = head_of(held) + as_yaml(held.document);
+    const std::string unnamed = held.unnamed.is_nothing() ? "" : std::string(kUnnamed) + ": " + as_json(held.unnamed);
+    const std::string bytes = head_of(held) + unnamed + as_yaml(held.document);
     std::string why;
     held_of(bytes, path, &why);
     if (!why.empty()) throw std::runtime_error("what the module has cannot be held to go back to\n" + why);

@@ -144,6 +144,13 @@ std::string profile_name(uint32_t handle)
     return "profile-" + std::to_string(handle);
 }
 
+uint32_t profile_handle(const std::string& name)
+{
+    for (uint32_t handle = 1; handle <= kProfilesMax; ++handle)
+        if (name == profile_name(handle)) return handle;
+    return 0;
+}
+
 std::string join_path(const std::string& above, const std::string& key)
 {
     return above.empty() ? key : key.empty() ? above : above + "." + key;

@@ -147,6 +147,8 @@ public:
         if (reach == Reach::kBack) {
             plan_.problems.clear();
             leave_out_what_is_away();
+        } else {
+            find_role_profiles();
         }
         unread_ = &module.unread;
     }
@@ -197,6 +199,9 @@ private:
                 if (is_held) left_away(std::string(scope) + "." + name);
             }
         }
+        for (const std::string& id : names(document_.child("lans")))
+            if (document_.child("lans").child(id).at("l2tp.mode").text() == "managed" && !has_tunnels_then(id))
+                document_.make("lans").map()[id].erase("l2tp.mode");
         for (const std::string& label : names(document_.child("profiles"))) {
             if (!document_.child("profiles").child(label).has("vlans")) continue;
             Value::List left;
@@ -211,6 +216,30 @@ private:
             if (label == "none" || document_.child("profiles").map().count(label) != 0) continue;
             document_.make("roles").map().erase(role);
             left_away("roles." + role);
+        }
+    }
+
+    bool has_tunnels_then(const std::string& id) const
+    {
+        const Value& wanted = document_.child("lans").child(id).at("l2tp.tunnels");
+        const Value all = laid_over(wanted, present_.child("lans").child(id).at("l2tp.tunnels"));
+        return std::any_of(all.map().begin(), all.map().end(),
+                           [](const auto& each) { return !is_absent(each.second); });
+    }
+
+    // A role's profile that the document does not have bears the name that show gives one.
+    void find_role_profiles()
+    {
+        for (const std::string& role : names(document_.child("roles"))) {
+            const Value label = document_.child("roles").child(role);
+            const uint32_t handle = profile_handle(label.text());
+            if (handle == 0 || document_.child("profiles").map().count(label.text()) != 0) continue;
+            const auto found = std::find_if(plan_.handles.begin(), plan_.handles.end(),
+                                            [handle](const auto& each) { return each.second == handle; });
+            if (found == plan_.handles.end())
+                problem(label, "roles." + role, "there is no profile " + std::to_string(handle) + " on the module");
+            else
+                document_.make("roles").map()[role] = found->first;
         }
     }
 

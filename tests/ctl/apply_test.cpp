@@ -494,6 +494,17 @@ roles: {dns_proxy: other}
     EXPECT_EQ(shown(), before);
 }
 
+TEST_F(WayBackTest, TheModeOfTunnelsThatOthersHaveTakenAwayIsNoneToGoBackTo)
+{
+    applied(
+        "lans: {0: {l2tp: {mode: managed, tunnels: {7: {peer_tunnel: 8, encapsulation: ip, local: 192.0.2.1, peer: "
+        "192.0.2.2, sessions: [{local: 1, peer: 2}]}}}}}\n");
+    const Value held = held_by("lans: {0: {l2tp: {mtu: 1400}}}\n");
+    applied("lans: {0: {l2tp: {tunnels: {7: {absent: true}}}}}\n");
+    EXPECT_EQ(gone_back(held), Lines());
+    EXPECT_EQ(plan_of("lans: {0: {l2tp: {mtu: 0, tunnels: {}}}}\n", Reach::kExact), Lines());
+}
+
 TEST_F(WayBackTest, AnApplyBehindAnotherGoesBackToTheFirstState)
 {
     applied(kOwn);

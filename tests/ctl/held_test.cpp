@@ -60,6 +60,15 @@ protected:
         tool.wait();
     }
 
+    // Kills an apply in a call of the platform's, which it is seen to have begun: this is shown before it.
+    void cut_off_in(const std::string& method, const std::string& document, const std::string& shown_then) const
+    {
+        StartedTool tool({"apply", document}, ctl_options({"MOBILE_AP_FAULTS=" + method + "=delay:60000"}));
+        ASSERT_TRUE(comes([&] { return shown().find(shown_then) != std::string::npos; }));
+        EXPECT_TRUE(tool.send(SIGKILL));
+        tool.wait();
+    }
+
     // A program that is traced from its start stops at each call of the system.
     ToolOptions traced(const std::vector<std::string>& variables = {}) const
     {
@@ -166,6 +175,77 @@ TEST_F(HeldTest, WhatWasCutOffIsKeptAsItIsByConfirm)
     expect_ctl({"confirm"}, 0, "");
     expect_ctl({"pending"}, 0, "nothing is pending\n");
     EXPECT_THAT(shown(), HasSubstr("packet_statistics: true"));
+}
+
+constexpr char kTunnel[] = R"(version: 1
+lans:
+  10:
+    vlan: {interface: ethernet}
+    address: 10.7.2.1/24
+    dhcp: {first: 10.7.2.2, last: 10.7.2.60}
+    gateway_filters: [{protocol: tcp, ports: 80}]
+    l2tp: {enabled: true, mtu: 1400, mode: managed, tunnels: {
+      7: {peer_tunnel: 8, encapsulation: ip, local: 192.0.2.1, peer: 192.0.2.2, sessions: [{local: 1, peer: 2}]}}}
+profiles: {main: {handle: 1, vlans: [10]}}
+)";
+
+TEST_F(HeldTest, WhatWasChangedBesideIsPutBackByTheNextApply)
+{
+    ASSERT_EQ(ctl({"apply", written("tunnel.yaml", kTunnel)}).status, 0);
+    const std::string mtu =
+        written("mtu.yaml", "version: 1\ngeneral: {shortcut_engine: false}\nlans: {10: {l2tp: {mtu: 1300}}}\n");
+    cut_off_in("SetL2TPConfig", mtu, "mtu: 1300");
+    expect_ctl({"apply", mtu}, 0, "general.shortcut_engine: true -> false\nlans.10.l2tp.mode: unmanaged -> managed\n",
+               kCutOff + "zr_nexactl: what was before the apply that was cut off is held no longer\n");
+    // Also where nothing else differs.
+    const std::string other = written("other_mtu.yaml", "version: 1\nlans: {10: {l2tp: {mtu: 1200}}}\n");
+    cut_off_in("SetL2TPConfig", other, "mtu: 1200");
+    expect_ctl({"apply", other, "--json"}, 0,
+               "{\"step\": [\"lans.10.l2tp.mode: unmanaged -> managed\"], \"outcome\": \"done\"}\n"
+               "{\"status\": 0, \"left\": [], \"problems\": []}\n",
+               kCutOff + "zr_nexactl: what was before the apply that was cut off is held no longer\n");
+    expect_ctl({"pending"}, 0, "nothing is pending\n");
+}
+
+TEST_F(HeldTest, WhatStoodOnALanThatWasMadeAnewIsPutBackByTheNextApply)
+{
+    ASSERT_EQ(ctl({"apply", written("tunnel.yaml", kTunnel)}).status, 0);
+    const std::string before = shown();
+    const std::string anew = written("anew.yaml", "version: 1\nlans: {10: {vlan: {interface: ecm}}}\n");
+    cut_off_in("CreateVLANConfig", anew, "vlans: []");
+    EXPECT_EQ(ctl({"apply", anew}).status, 0);
+    std::string after = before;
+    after.replace(after.find("{interface: ethernet}"), 21, "{interface: ecm}");
+    EXPECT_EQ(shown(), after);
+    expect_ctl({"pending"}, 0, "nothing is pending\n");
+
+    // A document that says nothing of it has the LAN back as it was, an own value stays.
+    const std::string back = written("back.yaml", "version: 1\nlans: {10: {vlan: {interface: ethernet}}}\n");
+    cut_off_in("CreateVLANConfig", back, "vlans: []");
+    EXPECT_EQ(ctl({"apply", one_}).status, 0);
+    after.replace(after.find("shortcut_engine: true"), 21, "shortcut_engine: false");
+    EXPECT_EQ(shown(), after);
+    cut_off_in("CreateVLANConfig", back, "vlans: []");
+    const std::string own = written("own.yaml",
+                                    "version: 1\nlans: {10: {vlan: {interface: ethernet}, gateway_filters: []}}\n"
+                                    "profiles: {main: {handle: 1, vlans: []}}\n");
+    EXPECT_EQ(ctl({"apply", own}).status, 0);
+    EXPECT_THAT(shown(), AllOf(HasSubstr("10.7.2.1/24"), Not(HasSubstr("ports: 80")), HasSubstr("vlans: []")));
+}
+
+TEST_F(HeldTest, WhatCannotBePutBackByTheNextApplyIsToldAndStaysHeld)
+{
+    ASSERT_EQ(ctl({"apply", written("tunnel.yaml", kTunnel)}).status, 0);
+    const std::string before = shown();
+    const std::string anew = written("anew.yaml", "version: 1\nlans: {10: {vlan: {interface: ecm}}}\n");
+    cut_off_in("CreateVLANConfig", anew, "vlans: []");
+    const ToolRun seen = ctl({"apply", anew}, {"MOBILE_AP_FAULTS=SetIPPassthroughSoftwarePathFilters=fail:3"});
+    EXPECT_EQ(seen.status, 5);
+    EXPECT_THAT(seen.err, HasSubstr("is not as it should be: lans.10.gateway_filters: + {ports: 80, protocol: tcp}\n"));
+    EXPECT_EQ(ctl({"pending"}).status, 1);
+    expect_ctl({"apply", anew}, 0, "lans.10.gateway_filters: + {ports: 80, protocol: tcp}\n",
+               "zr_nexactl: an apply has not come to its end; its state is kept as the one to go back to\n"
+               "zr_nexactl: what was before the apply that was cut off is held no longer\n");
 }
 
 // ---- an apply that ends with status 5 ----

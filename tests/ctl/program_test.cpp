@@ -165,8 +165,22 @@ TEST_F(WholeProgramTest, ASectionIsShownByItself)
         EXPECT_THAT(seen.out, StartsWith("version: 1\n" + std::string(section) + ":"));
         EXPECT_EQ(piped({"diff", "-", "--exact"}, seen.out).status, 0) << section;
     }
-    // Roles name profiles.
+    // Roles name profiles, which need not be in the document.
     EXPECT_EQ(piped({"diff", "-", "--exact"}, ctl({"show", "profiles", "roles"}).out).status, 0);
+    EXPECT_EQ(piped({"diff", "-", "--exact"}, ctl({"show", "roles"}).out).status, 0);
+}
+
+TEST_F(ProgramTest, ARoleMayNameAProfileAsItIsShown)
+{
+    const ToolRun other = piped({"diff", "-"}, "version: 1\nroles: {dns_proxy: profile-1}\n");
+    EXPECT_EQ(other.out, "roles.dns_proxy: profile-2 -> profile-1\n");
+    EXPECT_EQ(other.status, 1);
+    // Also where the document calls it otherwise.
+    const std::string labelled = "version: 1\nprofiles: {main: {handle: 1}}\nroles: {default: profile-1, ";
+    EXPECT_EQ(piped({"diff", "-"}, labelled + "access_point: main}\n").status, 0);
+    const ToolRun away = piped({"apply", "-"}, labelled + "access_point: profile-9}\n");
+    EXPECT_EQ(away.err, "-:3:29: roles.access_point: there is no profile 9 on the module\n");
+    EXPECT_EQ(away.status, 2);
 }
 
 TEST_F(WholeProgramTest, AReadThatIsRefusedIsNotedAndStatus3)
