@@ -170,7 +170,7 @@ TEST_F(WholeProgramTest, ASectionIsShownByItself)
     EXPECT_EQ(piped({"diff", "-", "--exact"}, ctl({"show", "roles"}).out).status, 0);
 }
 
-TEST_F(ProgramTest, ARoleMayNameAProfileAsItIsShown)
+TEST_F(WholeProgramTest, ARoleMayNameAProfileAsItIsShown)
 {
     const ToolRun other = piped({"diff", "-"}, "version: 1\nroles: {dns_proxy: profile-1}\n");
     EXPECT_EQ(other.out, "roles.dns_proxy: profile-2 -> profile-1\n");
