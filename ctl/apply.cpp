@@ -62,8 +62,8 @@ private:
     {
         const Row& row = *step.row;
         const uint32_t id = id_of(step);
-        const bool is_vlan = row.path == "vlan";
-        const bool is_dial = row.path == "dial";
+        const bool is_vlan = row.is_scope && row.scope == Scope::kLan;
+        const bool is_dial = row.is_scope && row.scope == Scope::kProfile;
         switch (step.kind) {
             case Step::Kind::kAdd:
                 if (is_vlan) return add_vlan(id, step.wanted);
@@ -126,7 +126,7 @@ private:
     bool is_as_wanted(const Step& step) const
     {
         const Row& row = *step.row;
-        if (row.write_only || row.path == "vlan" || row.path == "dial") return false;
+        if (row.write_only || row.is_scope) return false;
         Value there;
         if (!read_record(row, id_of(step), &there).good()) return false;
         const auto count = [&there](const Value& entry) {

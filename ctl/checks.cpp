@@ -95,7 +95,7 @@ private:
             case Node::Kind::kKeyed:
                 return keyed(*node.row, path, value);
             case Node::Kind::kLans:
-                return scopes(node, path, value, number(0, 4094), {});
+                return scopes(node, path, value, number(0, kVlanIdMax), {});
             case Node::Kind::kProfiles:
                 return scopes(node, path, value, text(1, 100), {"handle"});
         }
@@ -200,7 +200,7 @@ private:
             std::vector<std::string> known = more;
             known.emplace_back("absent");
             if (each.has("handle") && !more.empty())
-                normalize(number(1, 50), place + ".handle", &each.make("handle"), complainer());
+                normalize(number(1, kProfilesMax), place + ".handle", &each.make("handle"), complainer());
             group(node, place, &each, known);
         }
         const size_t most = are_lans ? kVlansMax : kProfilesMax;
@@ -268,6 +268,8 @@ private:
             if (label.text() == "none") continue;  // as a module may have it
             const Value& profiles = tree.child("profiles");
             const Value& profile = profiles.child(label.text());
+            // One that the document does not have may be named as show names it.
+            if (profile.is_nothing() && profile_handle(label.text()) != 0) continue;
             if (profile.is_nothing())
                 complain(label, "roles." + role,
                          "no profile \"" + label.text() + "\"; " +
@@ -296,16 +298,10 @@ private:
 
 // ---- what no network could use ----
 
-struct Net {
+struct LanNet {
     std::string id;
     const Value* lan;
-    uint32_t address;
-    uint32_t mask;
-
-    bool holds(uint32_t other) const
-    {
-        return (other & mask) == (address & mask);
-    }
+    Net net;
 };
 
 class Plausibility {
@@ -347,7 +343,7 @@ private:
         const Value& address = lan.child("address");
         if (address.is_nothing()) return;
 
-        Net net = {id, &lan, 0, 0};
+        Net net;
         split_net(address.text(), &net.address, &net.mask);
         if (address.text().find('.', address.text().find('/')) != std::string::npos)
             tell(address, net_path, {net_path}, "the netmask has holes");
@@ -364,18 +360,19 @@ private:
             if (!net.holds(low)) tell(first, first_path, {net_path, first_path}, "outside of " + address.text());
             if (!net.holds(high)) tell(last, last_path, {net_path, last_path}, "outside of " + address.text());
         }
-        for (const Net& other : nets_) {
-            if (((net.address ^ other.address) & net.mask & other.mask) != 0) continue;
+        for (const LanNet& other : nets_) {
+            if (!net.meets(other.net)) continue;
             tell(address, net_path, {net_path, "lans." + other.id + ".address"},
                  "overlaps LAN " + other.id + ", " + other.lan->child("address").text());
         }
-        nets_.push_back(net);
+        nets_.push_back({id, &lan, net});
     }
 
     bool is_in_a_lan(const std::string& host) const
     {
         const uint32_t address = ipv4_of(host);
-        return std::any_of(nets_.begin(), nets_.end(), [address](const Net& net) { return net.holds(address); });
+        return std::any_of(nets_.begin(), nets_.end(),
+                           [address](const LanNet& each) { return each.net.holds(address); });
     }
 
     void check_hosts()
@@ -412,7 +409,7 @@ private:
     const std::function<bool(const std::string&)>& is_changed_;
     Problems* problems_;
     Problems* warnings_;
-    std::vector<Net> nets_;
+    std::vector<LanNet> nets_;
 };
 
 }  // namespace

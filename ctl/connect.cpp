@@ -9,15 +9,15 @@
 #include "exit_status.h"
 #include "explain.h"
 #include "indications.h"
+#include "module.h"
 #include "session.h"
 #include "tell.h"
 #include "verbs.h"
+#include "wan_profile.h"
 
 namespace ctl {
 namespace {
 
-constexpr double kMostSeconds = 1e9;
-constexpr uint32_t kNoStatus = 0x80000001;  // what a failed attempt leaves alone
 constexpr std::chrono::seconds kPatience(1);
 constexpr uint32_t kNoEffect = 26;  // the service's word: it is so already
 
@@ -114,7 +114,7 @@ int wait(const Asked& asked, std::vector<Call> calls, Indications* indications)
         if (waited == Waited::kTimeIsOver && std::chrono::steady_clock::now() < deadline) continue;
         if (waited != Waited::kIndication) {
             for (const Call& call : calls)
-                tell("profile-" + std::to_string(asked.profile) + ": " + call.name + " is not " +
+                tell(profile_name(asked.profile) + ": " + call.name + " is not " +
                      (asked.connect ? "connected" : "disconnected") +
                      (waited == Waited::kTimeIsOver ? " in time" : " yet"));
             return kDiffers;
@@ -122,7 +122,7 @@ int wait(const Asked& asked, std::vector<Call> calls, Indications* indications)
         if (indication.event == ZR_NEXA_IND_STATUS_REPORT || indication.call.wwan_handle != asked.profile) continue;
         for (const Call& call : calls) {
             if (indication.call.status != failed(call, asked.connect)) continue;
-            tell("profile-" + std::to_string(asked.profile) + ": " + call.name +
+            tell(profile_name(asked.profile) + ": " + call.name +
                  (asked.connect ? " could not be connected" : " could not be disconnected") + ", end type " +
                  std::to_string(indication.call.call_end_type) + ", code " +
                  std::to_string(indication.call.call_end_code));

@@ -340,6 +340,16 @@ std::string read_file(const std::string& file, std::string* bytes)
     }
 }
 
+bool write_all(int fd, const std::string& bytes)
+{
+    for (size_t done = 0; done < bytes.size();) {
+        const ssize_t size = write(fd, bytes.data() + done, bytes.size() - done);
+        if (size < 0 && errno != EINTR) return false;
+        if (size > 0) done += static_cast<size_t>(size);
+    }
+    return true;
+}
+
 Value read_document(const std::string& bytes, Problems* problems)
 {
     try {

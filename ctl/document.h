@@ -35,6 +35,9 @@ constexpr size_t kKeyMax = 1024;
 // The bytes of a file, or of standard input for "-". Returns why it cannot be read; empty: it was.
 std::string read_file(const std::string& file, std::string* bytes);
 
+// Writes all of it; if false is returned, errno says why.
+bool write_all(int fd, const std::string& bytes);
+
 // Reads one. Scalars keep the document's spelling; aliases, anchors, tags and directives other than %YAML are not
 // taken, and no key stands twice.
 Value read_document(const std::string& bytes, Problems* problems);

@@ -332,8 +332,7 @@ std::string pending_problem(const Held& held)
 
 bool changes_gre(const Plan& plan)
 {
-    return std::any_of(plan.steps.begin(), plan.steps.end(),
-                       [](const Step& step) { return step.wanted.map().count("gre.enabled") != 0; });
+    return std::any_of(plan.steps.begin(), plan.steps.end(), [](const Step& step) { return step.row->needs_copy; });
 }
 
 // A state that waits to be confirmed keeps the apply from being done, unless it is a follow-up.
@@ -410,12 +409,42 @@ void settle(Held held, const std::optional<Held>& earlier, const std::string& fo
         return forget_held(folder);
     }
     set_clock(&held, options.confirm_within);
-    if (outcome.status != kDone) held.left = outcome.left;
+    if (outcome.status == kDone)
+        held.unnamed = {};
+    else
+        held.left = outcome.left;
     write_held(folder, held);
     if (confirms)
         tell("\"zr_nexactl confirm\" within " + std::to_string(options.confirm_within) + " s, or all is undone");
     else
         tell((was_cut_off ? kCutOffHeld : "what was before is still held: ") + std::string(kWaysOn));
+}
+
+// What an apply that was cut off may have left changed though no document names it, as it was. A LAN that is away comes
+// back.
+Value to_put_back(const Value& unnamed, const Held& held)
+{
+    Value document = unnamed;
+    const Value there = read_lists().tree.child("lans");
+    for (const auto& [id, lan] : unnamed.child("lans").map()) {
+        const Value& vlan = held.document.child("lans").child(id).child("vlan");
+        if (there.map().count(id) == 0 && !vlan.is_nothing()) document.make("lans").map()[id].make("vlan") = vlan;
+    }
+    return document;
+}
+
+bool is_as_it_was(const Value& unnamed, const Held& held)
+{
+    const Value document = to_put_back(unnamed, held);
+    return make_plan(document, read_for(document, Reach::kBack), Reach::kBack).steps.empty();
+}
+
+void put_back_unnamed(const Value& unnamed, const Held& held, Progress progress, Outcome* outcome)
+{
+    progress.goes_back = nullptr;  // the way leads on
+    const Outcome rest = go_back(to_put_back(unnamed, held), progress);
+    outcome->left = rest.left;
+    outcome->status = rest.status;
 }
 
 int apply(const Options& options, Ending* ending)
@@ -454,7 +483,9 @@ int apply(const Options& options, Ending* ending)
     tell_beforehand(plan, options.file, options.json);
     if (options.json) print_plan(plan, true);
     const bool confirms = options.confirm_within > 0;
-    if (plan.steps.empty() && !(earlier && confirms)) {
+    const Value unnamed = earlier ? unnamed_in(earlier->unnamed, plan, document, reach) : Value();
+    const bool is_rest_there = unnamed.is_nothing() || is_as_it_was(unnamed, *earlier);
+    if (plan.steps.empty() && !(earlier && confirms) && is_rest_there) {
         if (!options.json) tell("nothing differs");
         if (was_cut_off) tell(kCutOffHeld + std::string(kWaysOn));
         ending->left.emplace();
@@ -465,7 +496,10 @@ int apply(const Options& options, Ending* ending)
     go_on_alone();
     const Value now = held_for(plan, module);
     const bool copies_gre = changes_gre(plan) && (!earlier || !earlier->has_gre);
-    Held held = {earlier ? held_for(plan, module, earlier->document) : now, boot_name()};
+    Held held;
+    held.document = earlier ? held_for(plan, module, earlier->document) : now;
+    held.boot = boot_name();
+    held.unnamed = unnamed_in(may_be_left(now), plan, document, reach, unnamed);
     held.has_gre = copies_gre || (earlier && earlier->has_gre);
     set_clock(&held, options.confirm_within);
     if (!is_prepared(held, earlier, folder, copies_gre)) return kRefused;
@@ -479,8 +513,9 @@ int apply(const Options& options, Ending* ending)
         if (!problem.empty()) tell_problem(problem);
     };
     Way way;
-    const Outcome outcome =
-        carry_out(plan, document, was_cut_off ? held.document : now, how, progress_of(options, &way));
+    const Progress progress = progress_of(options, &way);
+    Outcome outcome = carry_out(plan, document, was_cut_off ? held.document : now, how, progress);
+    if (outcome.status == kDone && !unnamed.is_nothing()) put_back_unnamed(unnamed, *earlier, progress, &outcome);
     if (stop_wished != 0 && !way.goes_back && way.has_begun) tell("the wish to stop came when all was done");
     for (const std::string& line : outcome.left)
         tell_problem("is not as it should be: " + line);

@@ -7,12 +7,12 @@
 #include "exit_status.h"
 #include "explain.h"
 #include "tell.h"
+#include "wan_profile.h"
 
 namespace ctl {
 namespace {
 
-constexpr uint32_t kNoStatus = 0x80000001;  // what a failed attempt leaves alone
-constexpr uint8_t kNoTechnology = 0xff;     // the same
+constexpr uint8_t kNoTechnology = 0xff;  // what a failed attempt leaves there
 
 const Words kV4States = {{ZR_NEXA_WAN_V4_CONNECTING, "connecting"},
                          {ZR_NEXA_WAN_V4_CONNECTED, "connected"},

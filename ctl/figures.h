@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "keys.h"
+#include "module.h"
 
 namespace ctl {
 
@@ -34,7 +34,7 @@ struct ProfileFigures {
 
     std::string name() const
     {
-        return "profile-" + std::to_string(handle);
+        return profile_name(handle);
     }
 };
 

@@ -13,9 +13,9 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <fstream>
 #include <pugixml.hpp>
-#include <sstream>
+
+#include "document.h"
 
 namespace ctl {
 namespace {
@@ -68,14 +68,10 @@ std::string copy_in(const std::string& folder)
     return folder + "/IPACM_cfg.xml";
 }
 
-std::string read_file(const std::string& file, std::string* content)
+std::string read_whole(const std::string& file, std::string* content)
 {
-    std::ifstream stream(file, std::ios::binary);
-    std::stringstream all;
-    all << stream.rdbuf();
-    if (!stream) return file + ": " + why();
-    *content = all.str();
-    return "";
+    const std::string problem = read_file(file, content);
+    return problem.empty() ? "" : file + ": " + problem;
 }
 
 // From the start of the file, which ends behind it then. It is cut last: a full disk leaves more of it so.
@@ -83,15 +79,8 @@ std::string write_over(const std::string& file, const std::string& content, mode
 {
     const int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, mode);
     if (fd < 0) return file + ": " + why();
-    size_t done = 0;
-    while (done < content.size()) {
-        const ssize_t written = write(fd, content.data() + done, content.size() - done);
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) break;
-        done += static_cast<size_t>(written);
-    }
     const bool is_whole =
-        done == content.size() && ftruncate(fd, static_cast<off_t>(content.size())) == 0 && fsync(fd) == 0;
+        write_all(fd, content) && ftruncate(fd, static_cast<off_t>(content.size())) == 0 && fsync(fd) == 0;
     std::string problem = is_whole ? "" : file + ": " + why();
     close(fd);
     return problem;
@@ -217,7 +206,7 @@ std::string keep_gre_copy(const std::string& folder, const GreFiles& files)
     const std::string copy = copy_in(folder);
     std::string content;
     std::string problem = gre_unreadable(files);  // half a file is nothing to go back to
-    if (problem.empty()) problem = read_file(files.config, &content);
+    if (problem.empty()) problem = read_whole(files.config, &content);
     if (problem.empty()) problem = write_over(copy + ".new", content, 0600);
     if (problem.empty() && rename((copy + ".new").c_str(), copy.c_str()) != 0) problem = copy + ": " + why();
     return problem;
@@ -227,7 +216,7 @@ std::string restore_gre_copy(const std::string& folder, const GreFiles& files)
 {
     std::string copy;
     std::string present;
-    std::string problem = read_file(copy_in(folder), &copy);
+    std::string problem = read_whole(copy_in(folder), &copy);
     if (!problem.empty()) return problem;
     if (read_file(files.config, &present).empty() && present == copy) return "";
     return write_over(files.config, copy, 0644);
@@ -280,6 +269,7 @@ std::vector<Row> gre_rows()
     row.write = write_gre;
     row.check = check_gre;
     row.missing_codes = {kNoFile};
+    row.needs_copy = true;
     return {row};
 }
 

@@ -26,6 +26,7 @@ namespace ctl {
 namespace {
 
 constexpr const char* kHeldName = "/held.yaml";
+constexpr const char* kUnnamed = "unnamed";  // a line of its own, too
 constexpr const char* kReady = "ready\n";
 constexpr int kReadyMs = 10000;
 constexpr size_t kLeftMax = 20;  // lines
@@ -85,15 +86,6 @@ private:
     int fd_;
 };
 
-void write_all(int fd, const std::string& text, const std::string& path)
-{
-    for (size_t done = 0; done < text.size();) {
-        const ssize_t size = write(fd, text.data() + done, text.size() - done);
-        if (size < 0 && errno != EINTR) fail(path);
-        if (size > 0) done += static_cast<size_t>(size);
-    }
-}
-
 void sync_folder(const std::string& folder)
 {
     const Descriptor fd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -139,7 +131,9 @@ Held held_of(const std::string& bytes, const std::string& path, std::string* why
     Problems problems;
     Value document = read_document(bytes, &problems);
     Held held = held_with_head(document.child("held"));
-    document.map().erase("held");
+    held.unnamed = check_document(document.child(kUnnamed), &problems, true);
+    for (const char* const key : {"held", kUnnamed})
+        document.map().erase(key);
     held.document = check_document(std::move(document), &problems, true);
     *why = problem_lines(path, problems);
     if (!why->empty()) why->pop_back();  // its last line's end
@@ -298,7 +292,8 @@ void write_held(const std::string& folder, const Held& held)
 {
     const std::string path = folder + kHeldName;
     const std::string fresh = path + ".new";
-    const std::string bytes = head_of(held) + as_yaml(held.document);
+    const std::string unnamed = held.unnamed.is_nothing() ? "" : std::string(kUnnamed) + ": " + as_json(held.unnamed);
+    const std::string bytes = head_of(held) + unnamed + as_yaml(held.document);
     std::string why;
     held_of(bytes, path, &why);
     if (!why.empty()) throw std::runtime_error("what the module has cannot be held to go back to\n" + why);
@@ -306,7 +301,7 @@ void write_held(const std::string& folder, const Held& held)
     try {
         const Descriptor fd(open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
         if (fd.get() < 0) fail(fresh);
-        write_all(fd.get(), bytes, fresh);
+        if (!write_all(fd.get(), bytes)) fail(fresh);
         if (fsync(fd.get()) != 0) fail(fresh);
         if (rename(fresh.c_str(), path.c_str()) != 0) fail(path);
     } catch (const std::runtime_error&) {
@@ -360,7 +355,7 @@ void leave_the_caller()
 
 void answer_as_watchdog()
 {
-    write_all(STDOUT_FILENO, kReady, "the answer");
+    if (!write_all(STDOUT_FILENO, kReady)) fail("the answer");
     dup2(STDIN_FILENO, STDOUT_FILENO);
     dup2(STDIN_FILENO, STDERR_FILENO);
     tell_the_log();

@@ -50,6 +50,7 @@ std::string lock_holder(const std::string& folder);
 
 struct Held {
     Value document;        // with handles
+    Value unnamed;         // of it, what no apply was to change, and one that was cut off may have left changed
     std::string boot;      // of the machine's run in which it was written
     int64_t until_ms = 0;  // of the clock since that boot; 0: none is running
     int64_t seconds =

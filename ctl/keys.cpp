@@ -1,6 +1,7 @@
 #include "keys.h"
 
 #include <iterator>
+#include <stdexcept>
 
 namespace ctl {
 namespace {
@@ -31,6 +32,16 @@ const std::vector<Row>& rows()
 {
     static const std::vector<Row> all = all_rows();
     return all;
+}
+
+const Row& row_of(const std::string& key)
+{
+    for (const Row& row : rows()) {
+        if (!row.path.empty() && row.path == key) return row;
+        for (const Field& field : row.fields)
+            if (row.path.empty() && field.key == key) return row;
+    }
+    throw std::logic_error("no row " + key);
 }
 
 Row module_flag(Phase phase, Field field, uint32_t (*set)(uint32_t), const char* set_name, uint32_t (*get)(uint8_t*),

@@ -102,6 +102,9 @@ struct Row {
     std::vector<uint32_t> done_codes = {};     // results that say: done all the same
     std::vector<uint32_t> missing_codes = {};  // results of reading that say: this module does not have it
     bool write_only = false;
+    bool is_scope = false;       // a LAN or profile comes and goes with it
+    bool is_judged = false;      // beside addressing and entries under keys: the checks of a whole result look at it
+    bool needs_copy = false;     // of the module's file, before it is changed
     bool once = false;           // of a list: no two entries may be the same
     std::string note = {};       // what else is to be known of every change, for people
     std::string done_note = {};  // what a result of done_codes means, for people
@@ -109,6 +112,9 @@ struct Row {
 
 // The rows of all areas, in the order in which they stand in a document.
 const std::vector<Row>& rows();
+
+// The one that stands at this path, or has this field. A key that none has is an error of the program: it throws.
+const Row& row_of(const std::string& key);
 
 // One function an area, in its source.
 std::vector<Row> general_rows();

@@ -65,6 +65,7 @@ std::vector<Row> lan_vlan_rows()
                 or_else({"accelerated", flag(), "the VLAN's traffic takes the hardware path"}, "false")},
                {"zr_nexa_lan_vlan_add_v1", "zr_nexa_lan_vlan_get_v1", "zr_nexa_lan_vlan_del_v1"}};
     row.about = "the VLAN that the LAN belongs to; not of LAN 0";
+    row.is_scope = true;
     row.read_all = read_vlans;
     return {row};
 }

@@ -21,7 +21,7 @@ public:
     void read()
     {
         for (const Row& row : rows()) {
-            if (row.write_only || is_scope_row(row)) continue;
+            if (row.write_only || row.is_scope) continue;  // VLANs and dials are read with the lists
             if (row.scope == Scope::kModule) {
                 if (!wish_.row || wish_.row(row)) one(row, 0, "", &module_->tree);
             } else if (row.read_all) {
@@ -34,12 +34,6 @@ public:
     }
 
 private:
-    // VLANs and dials are read with the lists.
-    static bool is_scope_row(const Row& row)
-    {
-        return row.path == "vlan" || row.path == "dial";
-    }
-
     const Value::Map& names(Scope scope) const
     {
         return module_->tree.child(scope == Scope::kLan ? "lans" : "profiles").map();
@@ -148,6 +142,13 @@ Result read_record(const Row& row, uint32_t id, Value* record)
 std::string profile_name(uint32_t handle)
 {
     return "profile-" + std::to_string(handle);
+}
+
+uint32_t profile_handle(const std::string& name)
+{
+    for (uint32_t handle = 1; handle <= kProfilesMax; ++handle)
+        if (name == profile_name(handle)) return handle;
+    return 0;
 }
 
 std::string join_path(const std::string& above, const std::string& key)

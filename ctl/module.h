@@ -50,6 +50,8 @@ struct Refusal {
 
 // "profile-2"
 std::string profile_name(uint32_t handle);
+// The handle that such a name says; 0 for another one.
+uint32_t profile_handle(const std::string& name);
 
 // The path of a record, for people: "lans.10.dhcp.enabled", "profiles.office.nat.port_mappings".
 std::string record_path(const Row& row, const std::string& instance);

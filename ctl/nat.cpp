@@ -67,6 +67,7 @@ Row dmz_row()
         return CALL(zr_nexa_nat_ipv4dmz_set_v1, handle, device != "none" ? 1 : 0, ipv4_of(device));
     };
     row.interrupts = interrupted;
+    row.is_judged = true;
     return row;
 }
 
@@ -141,6 +142,7 @@ Row mappings_row()
         return change_mapping(NAMED(zr_nexa_nat_ipv4portmapping_del_v1), handle, rule);
     };
     row.most = ZR_NEXA_NAT_IPV4PORTMAPPINGS_MAX;
+    row.is_judged = true;
     row.check = check_mapping;
     row.interrupts = interrupted;
     row.not_undone = [](const Value& wanted, const Value& present) {
@@ -174,6 +176,7 @@ Row routing_behind_row()
     row.write = [](uint32_t, const Value& wanted, const Value&) {
         return CALL(zr_nexa_nat_routingbh_set_v1, wanted.child("general.routing_behind").flag() ? 1 : 0);
     };
+    row.is_judged = true;
     row.note = "holds from the module's next start on";
     return row;
 }

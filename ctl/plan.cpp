@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <list>
+#include <optional>
 #include <set>
 
 #include "checks.h"
@@ -14,12 +15,6 @@ namespace ctl {
 namespace {
 
 constexpr const char* kRoleKeys[] = {"default", "access_point", "dns_proxy"};
-
-const Row& row_of(const char* path)
-{
-    const auto found = std::find_if(rows().begin(), rows().end(), [path](const Row& row) { return row.path == path; });
-    return *found;
-}
 
 const Row& vlan_row()
 {
@@ -152,6 +147,8 @@ public:
         if (reach == Reach::kBack) {
             plan_.problems.clear();
             leave_out_what_is_away();
+        } else {
+            find_role_profiles();
         }
         unread_ = &module.unread;
     }
@@ -202,6 +199,9 @@ private:
                 if (is_held) left_away(std::string(scope) + "." + name);
             }
         }
+        for (const std::string& id : names(document_.child("lans")))
+            if (document_.child("lans").child(id).at("l2tp.mode").text() == "managed" && !has_tunnels_then(id))
+                document_.make("lans").map()[id].erase("l2tp.mode");
         for (const std::string& label : names(document_.child("profiles"))) {
             if (!document_.child("profiles").child(label).has("vlans")) continue;
             Value::List left;
@@ -216,6 +216,30 @@ private:
             if (label == "none" || document_.child("profiles").map().count(label) != 0) continue;
             document_.make("roles").map().erase(role);
             left_away("roles." + role);
+        }
+    }
+
+    bool has_tunnels_then(const std::string& id) const
+    {
+        const Value& wanted = document_.child("lans").child(id).at("l2tp.tunnels");
+        const Value all = laid_over(wanted, present_.child("lans").child(id).at("l2tp.tunnels"));
+        return std::any_of(all.map().begin(), all.map().end(),
+                           [](const auto& each) { return !is_absent(each.second); });
+    }
+
+    // A role's profile that the document does not have bears the name that show gives one.
+    void find_role_profiles()
+    {
+        for (const std::string& role : names(document_.child("roles"))) {
+            const Value label = document_.child("roles").child(role);
+            const uint32_t handle = profile_handle(label.text());
+            if (handle == 0 || document_.child("profiles").map().count(label.text()) != 0) continue;
+            const auto found = std::find_if(plan_.handles.begin(), plan_.handles.end(),
+                                            [handle](const auto& each) { return each.second == handle; });
+            if (found == plan_.handles.end())
+                problem(label, "roles." + role, "there is no profile " + std::to_string(handle) + " on the module");
+            else
+                document_.make("roles").map()[role] = found->first;
         }
     }
 
@@ -408,9 +432,7 @@ private:
     // What the checks of the result look at.
     static bool is_judged(const Row& row)
     {
-        const std::string& key = row.fields[0].key;
-        return row.shape == Shape::kKeyed || row.phase == Phase::kAddressing || row.path == "nat.port_mappings" ||
-               key == "nat.dmz" || key == "general.routing_behind";
+        return row.shape == Shape::kKeyed || row.phase == Phase::kAddressing || row.is_judged;
     }
 
     // As it will be, to the checks of what no module takes and no network could use.
@@ -517,7 +539,7 @@ private:
     // A whole LAN or profile, with all that is in it.
     static bool goes(const Step& step)
     {
-        return step.kind == Step::Kind::kRemove && (step.row == &vlan_row() || step.row == &dial_row());
+        return step.kind == Step::Kind::kRemove && step.row->is_scope;
     }
 
     // A call that is not there is not interrupted.
@@ -570,7 +592,7 @@ private:
 
     static bool is_write_of(const Step& step, const char* key)
     {
-        return step.kind == Step::Kind::kWrite && step.wanted.map().count(key) != 0;
+        return step.kind == Step::Kind::kWrite && step.row == &row_of(key) && step.wanted.map().count(key) != 0;
     }
 
     // An entry may be what lets the caller in: where a profile's firewall ends with letting all through, it does so
@@ -585,7 +607,7 @@ private:
         if (config.child("firewall.enabled").flag() && config.child("firewall.unmatched").text() != "let-through")
             return;
         const auto removal = std::find_if(begin, opens, [](const Step& step) {
-            return step.kind == Step::Kind::kRemove && step.row->path == "firewall.entries";
+            return step.kind == Step::Kind::kRemove && step.row == &row_of("firewall.entries");
         });
         std::rotate(removal, opens, opens + 1);
     }
@@ -682,31 +704,25 @@ private:
 
     // ---- addressing: nets get free before they are taken ----
 
-    struct Net {
-        uint32_t address = 0;
-        uint32_t mask = 0;
-        bool is_known = false;
-
-        bool meets(const Net& other) const
-        {
-            return is_known && other.is_known && ((address ^ other.address) & mask & other.mask) == 0;
-        }
-    };
-
-    static Net net_of(const Value& lan)
+    // Nothing where it is not known.
+    static std::optional<Net> net_of(const Value& lan)
     {
         Net net;
-        net.is_known = lan.has("address");
-        if (net.is_known) split_net(lan.child("address").text(), &net.address, &net.mask);
+        if (!lan.has("address")) return {};
+        split_net(lan.child("address").text(), &net.address, &net.mask);
         return net;
+    }
+    static bool do_meet(const std::optional<Net>& one, const std::optional<Net>& other)
+    {
+        return one && other && one->meets(*other);
     }
 
     void addressing()
     {
         struct Move {
             std::string id;
-            Net from;
-            Net to;
+            std::optional<Net> from;
+            std::optional<Net> to;
         };
         std::list<Move> moves;
         each_instance(wanted_, Scope::kLan, [&](const std::string& id, const Value& lan) {
@@ -716,7 +732,7 @@ private:
         while (!moves.empty()) {
             const auto is_free = [&moves](const Move& move) {
                 return std::none_of(moves.begin(), moves.end(), [&move](const Move& other) {
-                    return move.to.meets(other.from) && other.to.is_known && &other != &move;
+                    return do_meet(move.to, other.from) && other.to && &other != &move;
                 });
             };
             auto next = std::find_if(moves.begin(), moves.end(), is_free);
@@ -752,12 +768,12 @@ private:
             bool taken = false;
             for (const Value* tree : {&base_, &wanted_}) {
                 each_instance(*tree, Scope::kLan,
-                              [&](const std::string&, const Value& lan) { taken |= net.meets(net_of(lan)); });
+                              [&](const std::string&, const Value& lan) { taken |= do_meet(net, net_of(lan)); });
             }
             return taken;
         };
         for (uint32_t third = 0; third < 256; ++third) {
-            const Net net = {(10u << 24) | (254u << 16) | (third << 8) | 1, 0xffffff00, true};
+            const Net net = {(10u << 24) | (254u << 16) | (third << 8) | 1, 0xffffff00};
             if (is_taken(net)) continue;
             Value& lan = base_.make("lans").map()[id];
             const Value before = lan;
@@ -1038,7 +1054,7 @@ private:
 
 std::string path_of(const Step& step)
 {
-    if (step.row->shape == Shape::kUnit || step.row == &vlan_row() || step.row == &dial_row())
+    if (step.row->shape == Shape::kUnit || step.row->is_scope)
         return step.lines.empty() ? record_path(*step.row, step.name)
                                   : step.lines[0].substr(0, step.lines[0].find(": "));
     return step.key.empty() ? record_path(*step.row, step.name)
@@ -1070,21 +1086,20 @@ Wish wish_for(const Value& document, const Module& lists, Reach reach)
     const bool loses_profiles = !whole_profiles.empty();
     wish.row = [&document, has_lans, loses_profiles](const Row& row) {
         if (row.phase == Phase::kRoles && loses_profiles) return true;
-        if (has_lans && (row.phase == Phase::kReservations || row.fields[0].key == "general.routing_behind"))
-            return true;
-        return is_named(row, document) || (row.fields[0].key == "general.routing_behind" && document.has("profiles"));
+        if (has_lans && (row.phase == Phase::kReservations || row.is_judged)) return true;
+        return is_named(row, document) || (row.is_judged && document.has("profiles"));
     };
     wish.scoped = [&document, whole_lans, whole_profiles, names_of_handles, looks_at_hosts, has_lans,
                    has_mappings_to_keep](const Row& row, uint32_t id) {
         if (row.scope == Scope::kLan) {
             if (whole_lans.count(id) != 0 || (row.phase == Phase::kAddressing && looks_at_hosts)) return true;
             const Value& lan = document.child("lans").child(std::to_string(id));
-            if (row.path == "l2tp.tunnels" && lan.has("l2tp.mode")) return true;
+            if (lan.has("l2tp.mode") && &row == &row_of("l2tp.tunnels")) return true;
             return is_named(row, lan) || follows_named(row, lan) || is_beside_named(row, lan);
         }
         if (whole_profiles.count(id) != 0) return true;
         if (row.phase == Phase::kMapping && has_mappings_to_keep) return true;
-        if (has_lans && (row.path == "nat.port_mappings" || row.fields[0].key == "nat.dmz")) return true;
+        if (has_lans && row.is_judged) return true;
         const auto label = names_of_handles.find(id);
         if (label == names_of_handles.end()) return false;
         const Value& profile = document.child("profiles").child(label->second);

@@ -66,6 +66,13 @@ Value as_document(const Module& module, const std::map<std::string, uint32_t>& l
 // held.
 Value held_for(const Plan& plan, const Module& module, Value held = {});
 
+// What of a held state may be left changed by steps that are cut off though no document names it: what stands on a LAN
+// that is made anew, and what a function changes beside.
+Value may_be_left(const Value& held);
+
+// What of it the plan's document does not name, with what is kept already. Profiles are known by their handles.
+Value unnamed_in(const Value& left, const Plan& plan, const Value& document, Reach reach, Value kept = {});
+
 // The labels of all profiles that are there: the document's, or the name that show gives one.
 std::map<uint32_t, std::string> labels_by_handle(const Module& module, const std::map<std::string, uint32_t>& labels);
 

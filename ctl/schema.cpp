@@ -10,6 +10,7 @@
 #include "lan_vlan.h"
 #include "tree.h"
 #include "verbs.h"
+#include "wan_profile.h"
 
 namespace ctl {
 namespace {
@@ -302,7 +303,7 @@ Members lans()
 Members profiles(const Node& node)
 {
     Members properties = children_of(node);
-    Members handle = value(number(1, 50));
+    Members handle = value(number(1, kProfilesMax));
     handle.insert(handle.begin(), {"description", quoted("The handle of the profile on this module, 1 to 50: picks one "
                                                          "of several that dial alike, or one whose dial changes.")});
     properties.insert(properties.begin(), {"handle", object(handle)});

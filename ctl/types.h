@@ -103,6 +103,20 @@ std::string network_ipv4_text(uint32_t network_order);
 uint32_t network_ipv4_of(const std::string& text);
 std::string net_text(uint32_t address, uint32_t mask);  // both host byte order
 void split_net(const std::string& text, uint32_t* address, uint32_t* mask);
+// A LAN's address and its net, host byte order.
+struct Net {
+    uint32_t address = 0;
+    uint32_t mask = 0;
+
+    bool holds(uint32_t other) const
+    {
+        return ((address ^ other) & mask) == 0;
+    }
+    bool meets(const Net& other) const
+    {
+        return ((address ^ other.address) & mask & other.mask) == 0;
+    }
+};
 std::string ipv6_text(const uint8_t* bytes);
 void ipv6_of(const std::string& text, uint8_t* bytes);
 bool is_ipv6(const std::string& text);

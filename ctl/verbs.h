@@ -15,6 +15,8 @@ namespace ctl {
 
 using Work = std::function<int()>;
 
+constexpr double kMostSeconds = 1e9;  // that a verb waits
+
 void add_show(CLI::App& app, Work* chosen);
 void add_diff_and_apply(CLI::App& app, Work* chosen);
 void add_confirmation(CLI::App& app, Work* chosen);  // confirm, pending, rollback

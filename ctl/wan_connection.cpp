@@ -7,8 +7,6 @@
 namespace ctl {
 namespace {
 
-constexpr uint32_t kNoState = 0x80000001;  // what a failed attempt leaves as it was
-
 Row mode(Field field, uint32_t (*set)(uint32_t, uint32_t), const char* set_name, uint32_t (*get)(uint32_t, uint8_t*),
          const char* get_name)
 {
@@ -19,12 +17,12 @@ Row mode(Field field, uint32_t (*set)(uint32_t, uint32_t), const char* set_name,
 
 Result read_calling(uint32_t handle, bool* calling)
 {
-    uint32_t ipv4 = kNoState;
-    uint32_t ipv6 = kNoState;
+    uint32_t ipv4 = kNoStatus;
+    uint32_t ipv6 = kNoStatus;
     Result result = CALL(zr_nexa_wan_status_get_v1, handle, &ipv4, &ipv6);
     if (result.good())
-        *calling = (ipv4 != kNoState && ipv4 != ZR_NEXA_WAN_V4_DISCONNECTED) ||
-                   (ipv6 != kNoState && ipv6 != ZR_NEXA_WAN_V6_DISCONNECTED);
+        *calling = (ipv4 != kNoStatus && ipv4 != ZR_NEXA_WAN_V4_DISCONNECTED) ||
+                   (ipv6 != kNoStatus && ipv6 != ZR_NEXA_WAN_V6_DISCONNECTED);
     return result;
 }
 

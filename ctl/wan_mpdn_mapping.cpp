@@ -2,11 +2,10 @@
 #include <zr_nexa/wan_mpdn_mapping.h>
 
 #include "keys.h"
+#include "lan_vlan.h"
 
 namespace ctl {
 namespace {
-
-constexpr uint32_t kVlanMax = 4094;
 
 Result read_mappings(std::map<uint32_t, Value>* out)
 {
@@ -26,7 +25,7 @@ std::vector<Row> wan_mpdn_mapping_rows()
                Shape::kList,
                Phase::kMapping,
                "vlans",
-               {{"", number(1, kVlanMax), "a VLAN whose traffic goes out through the profile"}},
+               {{"", number(1, kVlanIdMax), "a VLAN whose traffic goes out through the profile"}},
                {"zr_nexa_wan_mpdnmapping_add_v1", "zr_nexa_wan_mpdnmapping_get_v1", "zr_nexa_wan_mpdnmapping_del_v1"}};
     row.about = "VLANs whose traffic goes out through the profile";
     row.read_all = read_mappings;
@@ -36,7 +35,7 @@ std::vector<Row> wan_mpdn_mapping_rows()
     row.remove = [](uint32_t handle, const std::string&, const Value& vlan) {
         return CALL(zr_nexa_wan_mpdnmapping_del_v1, handle, static_cast<uint16_t>(vlan.number()));
     };
-    row.most = kVlanMax;
+    row.most = kVlanIdMax;
     row.interrupts = [](const std::string& name, const Value& wanted, const Value& present) {
         return "traffic between VLAN " + (wanted.is_nothing() ? present : wanted).text() + " and " + name +
                (wanted.is_nothing() ? " ends" : " begins");

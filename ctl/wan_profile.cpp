@@ -72,6 +72,7 @@ Row dial_row()
                {"zr_nexa_wan_wwanconfig_add_v2", "zr_nexa_wan_wwanconfig_set_v1", "zr_nexa_wan_wwanconfig_set_v2",
                 "zr_nexa_wan_wwanconfig_get_v2", "zr_nexa_wan_wwanconfig_del_v1"}};
     row.about = "what the profile dials with";
+    row.is_scope = true;
     row.read_all = [](std::map<uint32_t, Value>* out) {
         Value profiles;
         uint32_t default_handle = 0;

@@ -24,6 +24,9 @@ Result change_dial(uint32_t handle, const Value& wanted, const Value& present);
 // Refused for a profile that has a role or a call.
 Result remove_profile(uint32_t handle);
 
+// What a failed attempt to read a call's state leaves there.
+constexpr uint32_t kNoStatus = 0x80000001;
+
 // Whether a profile has a call, or is about to have one or to end it, in either family.
 Result read_calling(uint32_t handle, bool* calling);
 

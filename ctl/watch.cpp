@@ -13,15 +13,14 @@
 #include "explain.h"
 #include "indications.h"
 #include "json.h"
+#include "module.h"
 #include "session.h"
 #include "tell.h"
 #include "verbs.h"
+#include "wan_profile.h"
 
 namespace ctl {
 namespace {
-
-constexpr double kMostSeconds = 1e9;
-constexpr uint32_t kNoStatus = 0x80000001;  // what a failed attempt leaves alone
 
 const Words kEvents = {{ZR_NEXA_IND_BRING_UP, "bring-up"},
                        {ZR_NEXA_IND_TEAR_DOWN, "tear-down"},
@@ -68,8 +67,7 @@ std::vector<Part> parts_of(const Indication& indication)
         return parts;
     }
     const zr_nexa_ind_call_event_t& call = indication.call;
-    if (call.wwan_handle != ZR_NEXA_IND_NO_PROFILE)
-        parts.push_back({"profile", "profile-" + std::to_string(call.wwan_handle)});
+    if (call.wwan_handle != ZR_NEXA_IND_NO_PROFILE) parts.push_back({"profile", profile_name(call.wwan_handle)});
     const std::string state = word_of(kStates, call.status);
     parts.push_back({"state", state.empty() ? std::to_string(call.status) : state});
     if (call.iface_name[0] != '\0') parts.push_back({"interface", escaped(call.iface_name, sizeof call.iface_name)});

@@ -14,6 +14,26 @@ Value gone()
     return Value::Map{{"absent", Value(true)}};
 }
 
+// What is held already stays as it is; so do the entries under keys and the values of a unit.
+void put_unless_held(const Row& row, const std::string& name, Value record, Value* held)
+{
+    if (record.is_nothing()) return;
+    Value& there = make_instance(held, row.scope, name);
+    const Value said = record_of(row, there);
+    if (row.shape == Shape::kUnit || row.shape == Shape::kKeyed) {
+        for (const auto& [key, value] : said.map())
+            record.map()[key] = value;
+    } else if (!said.is_nothing()) {
+        return;
+    }
+    put_record(row, record, &there);
+}
+
+bool changes_beside(const Row& row, const std::string& key)
+{
+    return std::count(row.also_changes.begin(), row.also_changes.end(), key) != 0;
+}
+
 class Holding {
 public:
     Holding(const Plan& plan, const Module& module, Value held)
@@ -37,8 +57,8 @@ private:
     {
         const Row& row = *step.row;
         const bool comes_or_goes = step.kind == Step::Kind::kAdd || step.kind == Step::Kind::kRemove;
-        if (row.path == "vlan" && comes_or_goes) return lan(step.name);
-        if (row.path == "dial" && comes_or_goes)
+        if (row.is_scope && comes_or_goes && row.scope == Scope::kLan) return lan(step.name);
+        if (row.is_scope && comes_or_goes)
             return step.kind == Step::Kind::kAdd ? added_profile(step) : removed_profile(step.name);
         const Value& was = instance_of(present_, row.scope, step.name);
         const std::string name = row.scope == Scope::kProfile ? held_name(step.name) : step.name;
@@ -47,7 +67,7 @@ private:
             const Value& there = instance_of(held_, row.scope, name);
             if (there.is_nothing() && was.is_nothing()) return;
             if (there.has("absent")) {
-                if (row.path == "dial") known_by_handle(step.name, name);
+                if (&row == &row_of("dial")) known_by_handle(step.name, name);
                 return;
             }
         }
@@ -63,24 +83,14 @@ private:
             const Value all = record_of(*other, was);
             Value record;
             for (const auto& [key, value] : all.map())
-                if (std::count(row.also_changes.begin(), row.also_changes.end(), key) != 0) record.map()[key] = value;
+                if (changes_beside(row, key)) record.map()[key] = value;
             put(*other, name, record);
         }
     }
 
-    // What is held already stays as it is; so do the entries under keys and the values of a unit.
-    void put(const Row& row, const std::string& name, Value record)
+    void put(const Row& row, const std::string& name, const Value& record)
     {
-        if (record.is_nothing()) return;
-        Value& there = make_instance(&held_, row.scope, name);
-        const Value said = record_of(row, there);
-        if (row.shape == Shape::kUnit || row.shape == Shape::kKeyed) {
-            for (const auto& [key, value] : said.map())
-                record.map()[key] = value;
-        } else if (!said.is_nothing()) {
-            return;
-        }
-        put_record(row, record, &there);
+        put_unless_held(row, name, record, &held_);
     }
 
     void lan(const std::string& id)
@@ -174,7 +184,7 @@ private:
             std::any_of(there.begin(), there.end(),
                         [&](const auto& each) { return each.first != label && each.second.child("dial") == dial; }) ||
             std::any_of(plan_.steps.begin(), plan_.steps.end(), [&dial](const Step& step) {
-                return step.row->path == "dial" && step.kind == Step::Kind::kAdd && step.wanted == dial;
+                return step.row == &row_of("dial") && step.kind == Step::Kind::kAdd && step.wanted == dial;
             });
         if (!has_twin) held_.make("profiles").map()[name].erase("handle");
     }
@@ -197,7 +207,81 @@ private:
     std::map<std::string, std::string> made_;  // the same of those that the plan makes, by its labels
 };
 
+// What a document says nothing of.
+Value unnamed(const Row& row, Value record, const Value& said, Reach reach)
+{
+    const bool is_by_key = row.shape == Shape::kUnit || (row.shape == Shape::kKeyed && reach != Reach::kExact);
+    const Value named = record_of(row, said);
+    if (named.is_nothing() || record.is_nothing()) return record;
+    if (!is_by_key) return {};
+    for (const auto& [key, value] : named.map())
+        record.map().erase(key);
+    return record.map().empty() ? Value() : record;
+}
+
+bool may_change_beside(Scope scope, const std::string& key)
+{
+    const auto& all = rows_of(scope);
+    return std::any_of(all.begin(), all.end(), [&key](const Row* row) { return changes_beside(*row, key); });
+}
+
+// All that stands on a LAN that is made anew, and of the others what may change beside; nothing of what they are made
+// with.
+Value may_be_left(const Row& row, const Value& was)
+{
+    if (row.phase == Phase::kLans || row.phase == Phase::kProfiles) return {};
+    const Value record = record_of(row, was);
+    if (was.has("vlan") || row.phase == Phase::kMapping) return record;
+    Value beside;
+    for (const auto& [key, value] : record.map())
+        if (row.shape == Shape::kUnit && may_change_beside(row.scope, key)) beside.map()[key] = value;
+    return beside;
+}
+
 }  // namespace
+
+Value may_be_left(const Value& held)
+{
+    Value left;
+    for (const Scope scope : {Scope::kLan, Scope::kProfile}) {
+        each_instance(held, scope, [&](const std::string& name, const Value& was) {
+            for (const Row* row : rows_of(scope)) {
+                const Value record = may_be_left(*row, was);
+                if (!record.is_nothing()) put_record(*row, record, &make_instance(&left, scope, name));
+            }
+            if (was.has("handle") && !instance_of(left, scope, name).is_nothing())
+                make_instance(&left, scope, name).map()["handle"] = was.child("handle");
+        });
+    }
+    return left;
+}
+
+Value unnamed_in(const Value& left, const Plan& plan, const Value& document, Reach reach, Value kept)
+{
+    for (const Scope scope : {Scope::kLan, Scope::kProfile}) {
+        const bool is_profile = scope == Scope::kProfile;
+        each_instance(left, scope, [&](const std::string& left_name, const Value& was) {
+            std::string name = left_name;
+            std::string label = left_name;
+            if (is_profile) {
+                const auto known = std::find_if(plan.handles.begin(), plan.handles.end(), [&was](const auto& each) {
+                    return each.second == was.child("handle").number();
+                });
+                if (known == plan.handles.end()) return;
+                label = known->first;
+                name = profile_name(known->second);
+            }
+            const Value& said = instance_of(document, scope, label);
+            const bool is_whole = reach == Reach::kExact && document.has(is_profile ? "profiles" : "lans");
+            if (said.has("absent") || (is_whole && said.is_nothing() && name != "0")) return;
+            for (const Row* row : rows_of(scope))
+                put_unless_held(*row, name, unnamed(*row, record_of(*row, was), said, reach), &kept);
+            if (is_profile && !instance_of(kept, scope, name).is_nothing())
+                make_instance(&kept, scope, name).map()["handle"] = was.child("handle");
+        });
+    }
+    return kept;
+}
 
 Value held_for(const Plan& plan, const Module& module, Value held)
 {

@@ -3,6 +3,7 @@
 #include <zr_nexa/wan_connection.h>
 
 #include "plan_fixture.h"
+#include "platform_calls.h"
 #include "random_document.h"
 #include "wan_profile.h"
 
@@ -17,13 +18,13 @@ protected:
         HostTest::SetUp();
         setenv("MOBILE_AP_LOG", ("file:" + log()).c_str(), 1);
         setenv("MOBILE_AP_LOG_LEVEL", "debug", 1);
-        with_faults("");
-        std::filesystem::resize_file(log(), 0);
+        open();
+        forget_calls();
     }
     void TearDown() override
     {
         PlanTest::TearDown();
-        std::filesystem::resize_file(log(), 0);
+        forget_calls();
     }
 
     // Of the process: it is opened once.
@@ -36,33 +37,9 @@ protected:
         return path;
     }
 
-    // The names of the platform's calls since the last time.
-    static Lines calls()
+    static void forget_calls()
     {
-        Lines names;
-        std::ifstream file(log());
-        const std::string mark = "[MOBILE_AP]";
-        for (std::string line; std::getline(file, line);) {
-            const size_t begin = line.find(mark);
-            if (begin == std::string::npos) continue;
-            const size_t name = begin + mark.size();
-            names.push_back(line.substr(name, line.find('(', name) - name));
-        }
-        file.close();
         std::filesystem::resize_file(log(), 0);
-        return names;
-    }
-    // Those that do not only look and choose.
-    static Lines changing_calls()
-    {
-        Lines changing;
-        for (const std::string& call : calls()) {
-            const bool is_looking = call.rfind("Get", 0) == 0 || call.rfind("ZR_Get", 0) == 0 ||
-                                    call.rfind("Select", 0) == 0 || call == "IsReady" ||
-                                    call == "SetWWANProfileHandlePreference";
-            if (!is_looking) changing.push_back(call);
-        }
-        return changing;
     }
 
     // The module as a document, with that document's labels.
@@ -157,7 +134,7 @@ protected:
         Lines done;
         Progress progress;
         progress.ends = [&](const Step& step, const Result& result, const std::string&) {
-            EXPECT_TRUE(result.good()) << path_of(step) << " " << answer_of(result);
+            EXPECT_TRUE(result.good()) << path_of(step) << " " << told(result);
             done.insert(done.end(), step.lines.begin(), step.lines.end());
         };
         const Outcome outcome = apply(document, reach, progress);
@@ -166,9 +143,10 @@ protected:
         EXPECT_EQ(done, plan);
         EXPECT_EQ(unlike(expected, as_seen_by(document)), Lines());
         EXPECT_EQ(lines_of(planned(document, reach)), Lines());
-        EXPECT_EQ(changing_calls().empty(), plan.empty());
+        EXPECT_EQ(changing_calls(log()).empty(), plan.empty());
+        forget_calls();
         EXPECT_EQ(apply(document, reach).status, 0);
-        EXPECT_EQ(changing_calls(), Lines());
+        EXPECT_EQ(changing_calls(log()), Lines());
     }
 
     // What is shown is a document of the module that it came from, also when it is read from its text.
@@ -226,13 +204,13 @@ TEST_F(ApplyTest, WhatCannotBeTakenBackIsToldAndNothingElse)
     const Value wanted = document(
         "general: {shortcut_engine: false}\nlans: {0: {sip_server: {name: a}}}\nwrite_only: {alg: {1: true, 2: "
         "true}}\n");
-    with_faults("EnableAlg#2=fail:3");
+    open("EnableAlg#2=fail:3");
     const Outcome outcome = apply(wanted);
     EXPECT_EQ(outcome.status, 5);
     EXPECT_EQ(outcome.left, Lines({"lans.0.sip_server: not undone: a SIP server can be replaced, not taken away",
                                    "write_only.alg.1: not undone: the switch of ALG 1 cannot be read"}));
     EXPECT_TRUE(outcome.is_back);
-    with_faults("");
+    open();
     EXPECT_EQ(plan_of("lans: {0: {sip_server: {name: a}}}\n"), Lines());
     applied("general: {shortcut_engine: true}\n");
     EXPECT_NE(shown(), before);
@@ -240,7 +218,7 @@ TEST_F(ApplyTest, WhatCannotBeTakenBackIsToldAndNothingElse)
 
 TEST_F(ApplyTest, ToKeepGoingDoesTheRest)
 {
-    with_faults("SetNatType=fail:3");
+    open("SetNatType=fail:3");
     const Value wanted = document(
         "profiles: {main: {dial: {apn_index: 1}, roaming: true, nat: {type: full-cone}}}\ngeneral: {ipv6: false}\n");
     const Outcome outcome = apply(wanted, Reach::kMerge, {}, true);
@@ -258,10 +236,10 @@ TEST_F(ApplyTest, AWishToStopIsToldAlsoWhereItEndsACallOrComesTooLate)
     progress.tells = [&](const std::string& line) { told.push_back(line); };
     progress.starts = [&](const Step&, size_t, size_t) { is_wished = true; };
     progress.is_stopped = [&] { return is_wished; };
-    with_faults("SetNatType=fail:3");
+    open("SetNatType=fail:3");
     EXPECT_EQ(apply(wanted, Reach::kMerge, progress).status, 4);
     EXPECT_EQ(told, Lines({"stopped; undoing what was done"}));
-    with_faults("");
+    open();
 
     // Before the step, behind it, and when it has been read back.
     told.clear();
@@ -273,7 +251,7 @@ TEST_F(ApplyTest, AWishToStopIsToldAlsoWhereItEndsACallOrComesTooLate)
 
 TEST_F(ApplyTest, AResultThatSaysNoMoreThanAWordIsLookedAt)
 {
-    with_faults("SetNatType=ok:13");
+    open("SetNatType=ok:13");
     applied("profiles: {main: {dial: {apn_index: 1}, nat: {type: full-cone}}}\n");
 }
 
@@ -358,7 +336,7 @@ TEST_F(WayBackTest, WhatOthersMadeMeanwhileStays)
     close();
     std::filesystem::remove_all(folder);
     std::filesystem::create_directory(folder);
-    with_faults("");
+    open();
     applied(kOthers);
     std::string expected = shown();
     for (size_t at = 0; (at = expected.find("profile-2", at)) != std::string::npos;)
@@ -375,7 +353,7 @@ TEST_F(WayBackTest, WhatOthersMadeMeanwhileStaysWhenAnApplyUndoesItself)
         has_come = true;
         applied("general: {gateway_url: others.example}\nprofiles: {other: {dial: {apn_index: 2}}}\n");
     };
-    with_faults("AddPDNToVLANMapping=fail:3");
+    open("AddPDNToVLANMapping=fail:3");
     const Outcome outcome = apply(document(kOwn), Reach::kMerge, progress);
     ASSERT_TRUE(has_come);
     EXPECT_EQ(outcome.left, Lines());
@@ -516,6 +494,17 @@ roles: {dns_proxy: other}
     EXPECT_EQ(shown(), before);
 }
 
+TEST_F(WayBackTest, TheModeOfTunnelsThatOthersHaveTakenAwayIsNoneToGoBackTo)
+{
+    applied(
+        "lans: {0: {l2tp: {mode: managed, tunnels: {7: {peer_tunnel: 8, encapsulation: ip, local: 192.0.2.1, peer: "
+        "192.0.2.2, sessions: [{local: 1, peer: 2}]}}}}}\n");
+    const Value held = held_by("lans: {0: {l2tp: {mtu: 1400}}}\n");
+    applied("lans: {0: {l2tp: {tunnels: {7: {absent: true}}}}}\n");
+    EXPECT_EQ(gone_back(held), Lines());
+    EXPECT_EQ(plan_of("lans: {0: {l2tp: {mtu: 0, tunnels: {}}}}\n", Reach::kExact), Lines());
+}
+
 TEST_F(WayBackTest, AnApplyBehindAnotherGoesBackToTheFirstState)
 {
     applied(kOwn);
@@ -638,47 +627,41 @@ protected:
     {
         applied(kBefore);
         keep_state();
-        with_faults("");
+        open();
         const Value wanted = document(text);
         const Module module = read_all();
         const Value before = as_document(module, {}, true);
         const Value held = held_for(make_plan(wanted, module, Reach::kMerge), module);
         const std::string shown_before = shown();
-        calls();
+        forget_calls();
         ASSERT_EQ(apply(wanted).status, 0);
-        std::map<std::string, int> counts;
-        for (const std::string& call : calls())
-            ++counts[call];
 
         const uint32_t words[] = {3, 0, 48, 0xffff, 0x1000};
         size_t trial = 0;
         std::map<int, int> statuses;
-        for (const auto& [method, count] : counts) {
-            for (int n = 1; n <= count; ++n) {
-                const std::string fault =
-                    method + "#" + std::to_string(n) + "=fail:" + std::to_string(words[trial++ % std::size(words)]);
-                SCOPED_TRACE(fault);
-                back_to_kept();
-                with_faults(fault);
-                Outcome outcome;
-                try {
-                    outcome = apply(wanted);
-                } catch (const Refusal& refusal) {
-                    outcome = {3, {refusal.path}};
-                }
-                testing::internal::CaptureStderr();
-                with_faults("");
-                testing::internal::GetCapturedStderr();  // of faults that were not reached
-                ++statuses[outcome.status];
-                if (outcome.status == 0) {
-                    EXPECT_EQ(lines_of(planned(wanted)), Lines());
-                } else if (outcome.status != 5) {
-                    EXPECT_EQ(shown(), shown_before) << testing::PrintToString(outcome.left);
-                } else {
-                    expect_left(outcome.left, planned(held, Reach::kBack), wanted);
-                    expect_left(outcome.left, make_plan(before, read_for(before, Reach::kExact), Reach::kExact, false),
-                                wanted);
-                }
+        for (const std::string& call : platform_calls(log())) {
+            const std::string fault = call + "=fail:" + std::to_string(words[trial++ % std::size(words)]);
+            SCOPED_TRACE(fault);
+            back_to_kept();
+            open(fault);
+            Outcome outcome;
+            try {
+                outcome = apply(wanted);
+            } catch (const Refusal& refusal) {
+                outcome = {3, {refusal.path}};
+            }
+            testing::internal::CaptureStderr();
+            open();
+            testing::internal::GetCapturedStderr();  // of faults that were not reached
+            ++statuses[outcome.status];
+            if (outcome.status == 0) {
+                EXPECT_EQ(lines_of(planned(wanted)), Lines());
+            } else if (outcome.status != 5) {
+                EXPECT_EQ(shown(), shown_before) << testing::PrintToString(outcome.left);
+            } else {
+                expect_left(outcome.left, planned(held, Reach::kBack), wanted);
+                expect_left(outcome.left, make_plan(before, read_for(before, Reach::kExact), Reach::kExact, false),
+                            wanted);
             }
         }
         for (const auto& [status, count] : statuses)

@@ -1,11 +1,11 @@
 // What is no document: status 2, each named, before the module is asked for anything.
 #include <gmock/gmock.h>
 
-#include "ctl_test.h"
+#include "program_fixture.h"
 
 namespace {
 
-class BadInputTest : public CtlTest {
+class BadInputTest : public ProgramTest {
 protected:
     // All verbs that take a document say the same of it; a module that is not ready is not asked.
     void expect_refused(const std::string& file, const std::string& said) const

@@ -6,7 +6,8 @@
 #include <filesystem>
 #include <thread>
 
-#include "ctl_test.h"
+#include "platform_calls.h"
+#include "program_fixture.h"
 
 namespace {
 
@@ -33,7 +34,7 @@ profiles:
 
 constexpr char kOneChange[] = "version: 1\ngeneral: {shortcut_engine: false}\n";
 
-class ConfirmTest : public CtlTest {
+class ConfirmTest : public ProgramTest {
 protected:
     ConfirmTest()
     {
@@ -43,50 +44,13 @@ protected:
         factory_ = shown();
     }
 
-    std::string held_file() const
-    {
-        return held_folder() + "/held.yaml";
-    }
-    bool is_held() const
-    {
-        return access(held_file().c_str(), F_OK) == 0;
-    }
-    void expect_nothing_pending() const
-    {
-        expect_ctl({"pending"}, 0, "nothing is pending\n");
-        EXPECT_FALSE(is_held());
-    }
-
-    // The platform's changing calls in a log: each with its number among those of its name.
-    static Words changing_calls(const std::string& log)
-    {
-        Words calls;
-        std::map<std::string, int> numbers;
-        std::ifstream file(log);
-        for (std::string line; std::getline(file, line);) {
-            const size_t begin = line.find("[MOBILE_AP]");
-            if (begin == std::string::npos) continue;
-            const std::string name = line.substr(begin + 11, line.find('(', begin) - begin - 11);
-            const std::string call = name + "#" + std::to_string(++numbers[name]);
-            if (name.rfind("Get", 0) != 0 && name.rfind("ZR_Get", 0) != 0 && name.rfind("Select", 0) != 0 &&
-                name != "EnableMobileAP_Ext" && name != "DisableMobileAP" && name != "IsReady" &&
-                name != "SetWWANProfileHandlePreference")
-                calls.push_back(call);
-        }
-        return calls;
-    }
-    Words logging(const std::string& log, const std::string& faults) const
-    {
-        return {"MOBILE_AP_LOG=file:" + log, "MOBILE_AP_LOG_LEVEL=debug", "MOBILE_AP_FAULTS=" + faults};
-    }
-
     // Kills an apply in each of its changing calls; half of them have written by then. What is pending goes back.
     void kill_everywhere(const Words& more)
     {
         const std::string log = state.path() + "/log";
         Words words = {"apply", first_};
         words.insert(words.end(), more.begin(), more.end());
-        ASSERT_EQ(ctl(words, logging(log, "")).status, 0);
+        ASSERT_EQ(ctl(words, logged(log, "")).status, 0);
         const Words calls = changing_calls(log);
         EXPECT_GT(calls.size(), 8u);
         ASSERT_EQ(ctl({"restore", "--yes"}).status, 0);
@@ -94,7 +58,7 @@ protected:
         for (size_t i = 0; i < calls.size(); ++i) {
             SCOPED_TRACE(calls[i]);
             std::filesystem::remove(log);
-            StartedTool tool(words, ctl_options(logging(log, calls[i] + (i % 2 == 0 ? "=hold" : "=delay") + ":60000")));
+            StartedTool tool(words, ctl_options(logged(log, calls[i] + (i % 2 == 0 ? "=hold" : "=delay") + ":60000")));
             ASSERT_TRUE(comes([&] { return is_held() && changing_calls(log).size() >= i; }));
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
             EXPECT_TRUE(tool.send(SIGKILL));

@@ -1,11 +1,11 @@
 // What runs, as a tree, an object, a graph and figures.
-#include "ctl_test.h"
+#include "program_fixture.h"
 
 namespace {
 
 const std::string kPython = "/usr/bin/python3";  // the one that has the distribution's modules
 
-class FiguresTest : public CtlTest {
+class FiguresTest : public ProgramTest {
 protected:
     // Counts grow with the time that a call is up: what it moved by itself is taken away again.
     void move(const std::string& profile) const

@@ -3,7 +3,7 @@
 
 #include <arpa/inet.h>
 
-#include "area_test.h"
+#include "area_fixture.h"
 #include "module.h"
 #include "private_ipacm.h"
 
@@ -151,7 +151,7 @@ TEST(GreChildTest, ItsShellCommandsGoWithIt)
     EXPECT_FALSE(call_in_child(function, "name", &record, milliseconds(200)).good());
     close(ends[1]);
     char byte = 0;
-    EXPECT_EQ(read(ends[0], &byte, 1), 0);  // nobody holds the other end any more
+    EXPECT_EQ(::read(ends[0], &byte, 1), 0);  // nobody holds the other end any more
     close(ends[0]);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(9));
 }
@@ -172,18 +172,18 @@ TEST(GreChildTest, ItEndsWithItsParent)
     const pid_t parent = start_child([&] {
         zr_nexa_wan_gre_ipacfg_t record = {};
         const auto function = [&ends](zr_nexa_wan_gre_ipacfg_t*) {
-            EXPECT_EQ(write(ends[1], "x", 1), 1);
+            EXPECT_EQ(::write(ends[1], "x", 1), 1);
             return static_cast<int32_t>(sleep(10));
         };
         call_in_child(function, "name", &record);
         return 0;
     });
     char byte = 0;
-    EXPECT_EQ(read(ends[0], &byte, 1), 1);
+    EXPECT_EQ(::read(ends[0], &byte, 1), 1);
     kill(parent, SIGKILL);
     EXPECT_EQ(wait_child(parent), 1000 + SIGKILL);
     close(ends[1]);
-    EXPECT_EQ(read(ends[0], &byte, 1), 0);
+    EXPECT_EQ(::read(ends[0], &byte, 1), 0);
     close(ends[0]);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(9));
 }
@@ -206,10 +206,10 @@ protected:
 
 TEST_F(GreTest, SettingsAreWrittenAndReadBack)
 {
-    EXPECT_EQ(read_text("gre.enabled"), "{gre.enabled: false, gre.masks: [], gre.servers: []}");
-    EXPECT_EQ(write_text("gre.enabled", 0, settings(true, {"10.0.0.2", "10.0.0.1"}, {"255.255.255.0", "255.0.0.0"})),
+    EXPECT_EQ(read("gre.enabled"), "{gre.enabled: false, gre.masks: [], gre.servers: []}");
+    EXPECT_EQ(write("gre.enabled", 0, settings(true, {"10.0.0.2", "10.0.0.1"}, {"255.255.255.0", "255.0.0.0"})),
               "done");
-    EXPECT_EQ(read_text("gre.enabled"),
+    EXPECT_EQ(read("gre.enabled"),
               "{gre.enabled: true, gre.masks: [255.255.255.0, 255.0.0.0], gre.servers: [10.0.0.2, 10.0.0.1]}");
     zr_nexa_wan_gre_ipacfg_t record = {};
     EXPECT_EQ(zr_nexa_wan_gre_ipacfg_get_v1(&record), 0);
@@ -218,9 +218,9 @@ TEST_F(GreTest, SettingsAreWrittenAndReadBack)
     EXPECT_NE(content_of(ipacm::kConfigFile).find("<Kept>yes</Kept>"), std::string::npos);
 
     const Value::List ten(10, "10.0.0.9");
-    EXPECT_EQ(write_text("gre.enabled", 0, settings(true, ten, {})), "done");
-    EXPECT_EQ(read_text("gre.enabled"), "{gre.enabled: true, gre.masks: [], gre.servers: " + in_short(ten) + "}");
-    EXPECT_EQ(write_text("gre.enabled", 0, settings(false, ten, {})), "done");
+    EXPECT_EQ(write("gre.enabled", 0, settings(true, ten, {})), "done");
+    EXPECT_EQ(read("gre.enabled"), "{gre.enabled: true, gre.masks: [], gre.servers: " + in_short(ten) + "}");
+    EXPECT_EQ(write("gre.enabled", 0, settings(false, ten, {})), "done");
     EXPECT_EQ(content_of(ipacm::kConfigFile), kOff);
 }
 
@@ -244,7 +244,7 @@ TEST_F(GreTest, WithoutAFileReadingIsNotedAndOfABrokenOneRefused)
         EXPECT_EQ(result.words, gre_unreadable());
         EXPECT_NE(result.words, "");
         EXPECT_TRUE(value.is_nothing());
-        EXPECT_EQ(write_text("gre.enabled", 0, settings(true, {}, {})), gre_unreadable());
+        EXPECT_EQ(write("gre.enabled", 0, settings(true, {}, {})), gre_unreadable());
     }
     EXPECT_EQ(content_of(ipacm::kConfigFile), "<system>");
 }
@@ -252,8 +252,8 @@ TEST_F(GreTest, WithoutAFileReadingIsNotedAndOfABrokenOneRefused)
 TEST_F(GreTest, WithoutItsElementItIsReadAsTheInterfaceDoesAndNotWritten)
 {
     write_file(ipacm::kConfigFile, kFlagless);
-    EXPECT_EQ(read_text("gre.enabled"), "{gre.enabled: true, gre.masks: [], gre.servers: []}");
-    EXPECT_EQ(write_text("gre.enabled", 0, settings(false, {}, {})),
+    EXPECT_EQ(read("gre.enabled"), "{gre.enabled: true, gre.masks: [], gre.servers: []}");
+    EXPECT_EQ(write("gre.enabled", 0, settings(false, {}, {})),
               "/etc/data/ipa/IPACM_cfg.xml has no GREFlag element to put them in");
     EXPECT_EQ(content_of(ipacm::kConfigFile), kFlagless);
 }
@@ -266,7 +266,7 @@ TEST_F(GreTest, ThereMustBeRoomInBothPlaces)
     EXPECT_EQ(gre_unwritable(), "");  // just enough
     write_file(ipacm::kConfigFile, kOff);
     write_file("/run/data/other", std::string(4096, 'x'));
-    EXPECT_EQ(write_text("gre.enabled", 0, settings(true, {}, {})),
+    EXPECT_EQ(write("gre.enabled", 0, settings(true, {}, {})),
               "/var/run/data has 65536 bytes free, and " + std::to_string(65536 + 4 * kOff.size()) + " are needed");
     EXPECT_EQ(umount("/run/data"), 0);
 
@@ -290,7 +290,7 @@ TEST_F(GreTest, ReadOnlyPlacesAreSeen)
     EXPECT_EQ(gre_unwritable(), "/var/run/data: Read-only file system");
     mounts.make_read_only("/etc");
     EXPECT_EQ(gre_unwritable(), "/etc/data/ipa/IPACM_cfg.xml: Read-only file system");
-    EXPECT_EQ(read_text("gre.enabled"), "{gre.enabled: false, gre.masks: [], gre.servers: []}");
+    EXPECT_EQ(read("gre.enabled"), "{gre.enabled: false, gre.masks: [], gre.servers: []}");
 }
 
 // As when it breaks between looking and calling.
@@ -319,8 +319,8 @@ TEST_F(GreTest, AddressesOfADocumentNeedIt)
     record.map()["gre.enabled"] = true;
     row("gre.enabled").check(record, "", complain);
     EXPECT_EQ(said, "gre.servers: only with enabled: true; ");
-    EXPECT_NE(complaints_of("gre.enabled", "", Map{{"gre.servers", Value::List(11, "10.0.0.1")}}), "");
-    EXPECT_NE(complaints_of("gre.enabled", "", Map{{"gre.masks", Value::List(3, "255.0.0.0")}}), "");
+    EXPECT_NE(problems_of("gre.enabled", Map{{"gre.servers", Value::List(11, "10.0.0.1")}}), "");
+    EXPECT_NE(problems_of("gre.enabled", Map{{"gre.masks", Value::List(3, "255.0.0.0")}}), "");
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "ctl_test.h"
+#include "program_fixture.h"
 
 namespace {
 
@@ -39,7 +39,7 @@ bool is_lock(const __ptrace_syscall_info& info)
     return info.entry.nr == SYS_fcntl && info.entry.args[1] == F_SETLK;
 }
 
-class HeldTest : public CtlTest {
+class HeldTest : public ProgramTest {
 protected:
     HeldTest()
     {
@@ -56,6 +56,15 @@ protected:
         words.insert(words.end(), more.begin(), more.end());
         StartedTool tool(words, ctl_options({"MOBILE_AP_FAULTS=SetDataPathOptStatus=delay:60000"}));
         ASSERT_TRUE(comes([&] { return shown().find("packet_statistics: true") != std::string::npos; }));
+        EXPECT_TRUE(tool.send(SIGKILL));
+        tool.wait();
+    }
+
+    // Kills an apply in a call of the platform's, which it is seen to have begun: this is shown before it.
+    void cut_off_in(const std::string& method, const std::string& document, const std::string& shown_then) const
+    {
+        StartedTool tool({"apply", document}, ctl_options({"MOBILE_AP_FAULTS=" + method + "=delay:60000"}));
+        ASSERT_TRUE(comes([&] { return shown().find(shown_then) != std::string::npos; }));
         EXPECT_TRUE(tool.send(SIGKILL));
         tool.wait();
     }
@@ -95,8 +104,9 @@ protected:
         std::vector<std::string> found;
         for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
             std::ifstream file(entry.path() / "cmdline");
-            const std::string words((std::istreambuf_iterator<char>(file)), {});
-            if (words.find(std::string("watchdog\0--state\0", 17) + held_folder()) != std::string::npos)
+            std::ostringstream words;
+            words << file.rdbuf();  // nothing of a process that ends meanwhile
+            if (words.str().find(std::string("watchdog\0--state\0", 17) + held_folder()) != std::string::npos)
                 found.push_back(entry.path());
         }
         return found;
@@ -165,6 +175,77 @@ TEST_F(HeldTest, WhatWasCutOffIsKeptAsItIsByConfirm)
     expect_ctl({"confirm"}, 0, "");
     expect_ctl({"pending"}, 0, "nothing is pending\n");
     EXPECT_THAT(shown(), HasSubstr("packet_statistics: true"));
+}
+
+constexpr char kTunnel[] = R"(version: 1
+lans:
+  10:
+    vlan: {interface: ethernet}
+    address: 10.7.2.1/24
+    dhcp: {first: 10.7.2.2, last: 10.7.2.60}
+    gateway_filters: [{protocol: tcp, ports: 80}]
+    l2tp: {enabled: true, mtu: 1400, mode: managed, tunnels: {
+      7: {peer_tunnel: 8, encapsulation: ip, local: 192.0.2.1, peer: 192.0.2.2, sessions: [{local: 1, peer: 2}]}}}
+profiles: {main: {handle: 1, vlans: [10]}}
+)";
+
+TEST_F(HeldTest, WhatWasChangedBesideIsPutBackByTheNextApply)
+{
+    ASSERT_EQ(ctl({"apply", written("tunnel.yaml", kTunnel)}).status, 0);
+    const std::string mtu =
+        written("mtu.yaml", "version: 1\ngeneral: {shortcut_engine: false}\nlans: {10: {l2tp: {mtu: 1300}}}\n");
+    cut_off_in("SetL2TPConfig", mtu, "mtu: 1300");
+    expect_ctl({"apply", mtu}, 0, "general.shortcut_engine: true -> false\nlans.10.l2tp.mode: unmanaged -> managed\n",
+               kCutOff + "zr_nexactl: what was before the apply that was cut off is held no longer\n");
+    // Also where nothing else differs.
+    const std::string other = written("other_mtu.yaml", "version: 1\nlans: {10: {l2tp: {mtu: 1200}}}\n");
+    cut_off_in("SetL2TPConfig", other, "mtu: 1200");
+    expect_ctl({"apply", other, "--json"}, 0,
+               "{\"step\": [\"lans.10.l2tp.mode: unmanaged -> managed\"], \"outcome\": \"done\"}\n"
+               "{\"status\": 0, \"left\": [], \"problems\": []}\n",
+               kCutOff + "zr_nexactl: what was before the apply that was cut off is held no longer\n");
+    expect_ctl({"pending"}, 0, "nothing is pending\n");
+}
+
+TEST_F(HeldTest, WhatStoodOnALanThatWasMadeAnewIsPutBackByTheNextApply)
+{
+    ASSERT_EQ(ctl({"apply", written("tunnel.yaml", kTunnel)}).status, 0);
+    const std::string before = shown();
+    const std::string anew = written("anew.yaml", "version: 1\nlans: {10: {vlan: {interface: ecm}}}\n");
+    cut_off_in("CreateVLANConfig", anew, "vlans: []");
+    EXPECT_EQ(ctl({"apply", anew}).status, 0);
+    std::string after = before;
+    after.replace(after.find("{interface: ethernet}"), 21, "{interface: ecm}");
+    EXPECT_EQ(shown(), after);
+    expect_ctl({"pending"}, 0, "nothing is pending\n");
+
+    // A document that says nothing of it has the LAN back as it was, an own value stays.
+    const std::string back = written("back.yaml", "version: 1\nlans: {10: {vlan: {interface: ethernet}}}\n");
+    cut_off_in("CreateVLANConfig", back, "vlans: []");
+    EXPECT_EQ(ctl({"apply", one_}).status, 0);
+    after.replace(after.find("shortcut_engine: true"), 21, "shortcut_engine: false");
+    EXPECT_EQ(shown(), after);
+    cut_off_in("CreateVLANConfig", back, "vlans: []");
+    const std::string own = written("own.yaml",
+                                    "version: 1\nlans: {10: {vlan: {interface: ethernet}, gateway_filters: []}}\n"
+                                    "profiles: {main: {handle: 1, vlans: []}}\n");
+    EXPECT_EQ(ctl({"apply", own}).status, 0);
+    EXPECT_THAT(shown(), AllOf(HasSubstr("10.7.2.1/24"), Not(HasSubstr("ports: 80")), HasSubstr("vlans: []")));
+}
+
+TEST_F(HeldTest, WhatCannotBePutBackByTheNextApplyIsToldAndStaysHeld)
+{
+    ASSERT_EQ(ctl({"apply", written("tunnel.yaml", kTunnel)}).status, 0);
+    const std::string before = shown();
+    const std::string anew = written("anew.yaml", "version: 1\nlans: {10: {vlan: {interface: ecm}}}\n");
+    cut_off_in("CreateVLANConfig", anew, "vlans: []");
+    const ToolRun seen = ctl({"apply", anew}, {"MOBILE_AP_FAULTS=SetIPPassthroughSoftwarePathFilters=fail:3"});
+    EXPECT_EQ(seen.status, 5);
+    EXPECT_THAT(seen.err, HasSubstr("is not as it should be: lans.10.gateway_filters: + {ports: 80, protocol: tcp}\n"));
+    EXPECT_EQ(ctl({"pending"}).status, 1);
+    expect_ctl({"apply", anew}, 0, "lans.10.gateway_filters: + {ports: 80, protocol: tcp}\n",
+               "zr_nexactl: an apply has not come to its end; its state is kept as the one to go back to\n"
+               "zr_nexactl: what was before the apply that was cut off is held no longer\n");
 }
 
 // ---- an apply that ends with status 5 ----
@@ -265,7 +346,7 @@ TEST_F(HeldTest, AnotherOneWatchesWhereTheFirstWasEnded)
     EXPECT_EQ(ctl({"apply", one_, "--confirm-within", "600"}).status, 0);
     end_watchdog();
     EXPECT_EQ(ctl({"apply", other_, "--confirm-within", "1"}).status, 0);
-    EXPECT_TRUE(comes([&] { return access((held_folder() + "/held.yaml").c_str(), F_OK) != 0; }));
+    EXPECT_TRUE(comes([&] { return !is_held(); }));
     EXPECT_EQ(shown(), factory_);
 }
 
@@ -392,7 +473,7 @@ TEST_F(HeldTest, AFolderThatOthersMayWriteIntoIsRefused)
 TEST_F(HeldTest, AHeldStateThatCannotBeReadSaysWhatToDo)
 {
     EXPECT_EQ(ctl({"confirm"}).status, 1);  // makes the folder
-    const std::string file = held_folder() + "/held.yaml";
+    const std::string file = held_file();
     std::ofstream(file) << "held: {boot: \"\", until_ms: 0, seconds: 0}\nversion: 1\nfoo: bar\n";
     const std::string told = "zr_nexactl: the state to go back to cannot be read; to keep things as they are, remove " +
                              file + "\n" + file + ":3:1: foo: no such key\n";
@@ -426,10 +507,9 @@ TEST_F(HeldTest, AFullDiskIsToldBeforeTheFirstChange)
     const bool ran = in_private_mounts([&] {
         ASSERT_EQ(mount("none", held_folder().c_str(), "tmpfs", 0, "size=4k,mode=700"), 0);
         std::ofstream(held_folder() + "/filler") << std::string(4096, ' ');
-        expect_ctl({"apply", one_}, 4, "",
-                   "zr_nexactl: " + held_folder() + "/held.yaml.new: No space left on device\n");
-        EXPECT_FALSE(std::filesystem::exists(held_folder() + "/held.yaml"));
-        EXPECT_FALSE(std::filesystem::exists(held_folder() + "/held.yaml.new"));
+        expect_ctl({"apply", one_}, 4, "", "zr_nexactl: " + held_file() + ".new: No space left on device\n");
+        EXPECT_FALSE(is_held());
+        EXPECT_FALSE(std::filesystem::exists(held_file() + ".new"));
         EXPECT_EQ(shown(), factory_);
     });
     if (!ran) GTEST_SKIP() << "mounts of one's own are not allowed here";

@@ -3,28 +3,29 @@
 
 #include <set>
 
-#include "ctl_fixture.h"
+#include "area_fixture.h"
 #include "tree.h"
 
+namespace ctl {
 namespace {
 
-using KeysTest = CtlTest;
+using KeysTest = AreaTest;
 
 constexpr uint32_t kFirstProfile = 1;
 
 TEST_F(KeysTest, AFreshModuleHasWhatTheTableSays)
 {
     int count = 0;
-    for (const ctl::Row& row : ctl::rows()) {
-        if (!row.read || row.shape == ctl::Shape::kList || row.shape == ctl::Shape::kKeyed) continue;
-        ctl::Value record;
-        ASSERT_TRUE(row.read(row.scope == ctl::Scope::kProfile ? kFirstProfile : 0, &record).good() ||
+    for (const Row& row : rows()) {
+        if (!row.read || row.shape == Shape::kList || row.shape == Shape::kKeyed) continue;
+        Value record;
+        ASSERT_TRUE(row.read(row.scope == Scope::kProfile ? kFirstProfile : 0, &record).good() ||
                     row.fields[0].key == "gre.enabled");
-        for (const ctl::Field& field : row.fields) {
+        for (const Field& field : row.fields) {
             if (field.factory.empty()) continue;
             // LAN 0 has the module's own; a VLAN that is made has this.
             if (field.key == "passthrough_nat") continue;
-            EXPECT_EQ(ctl::in_short(record.child(field.key)), field.factory) << field.key;
+            EXPECT_EQ(in_short(record.child(field.key)), field.factory) << field.key;
             ++count;
         }
     }
@@ -33,16 +34,16 @@ TEST_F(KeysTest, AFreshModuleHasWhatTheTableSays)
 
 TEST_F(KeysTest, ListsAreEmptyAtFirst)
 {
-    for (const ctl::Row& row : ctl::rows()) {
-        if (!row.read || (row.shape != ctl::Shape::kList && row.shape != ctl::Shape::kKeyed)) continue;
-        ctl::Value entries;
-        ASSERT_TRUE(row.read(row.scope == ctl::Scope::kProfile ? kFirstProfile : 0, &entries).good()) << row.path;
+    for (const Row& row : rows()) {
+        if (!row.read || (row.shape != Shape::kList && row.shape != Shape::kKeyed)) continue;
+        Value entries;
+        ASSERT_TRUE(row.read(row.scope == Scope::kProfile ? kFirstProfile : 0, &entries).good()) << row.path;
         EXPECT_TRUE(entries.list().empty()) << row.path;
         EXPECT_GT(row.most, 0u) << row.path;
     }
 }
 
-void expect_described(const ctl::Node& node, const std::string& path)
+void expect_described(const Node& node, const std::string& path)
 {
     EXPECT_FALSE(node.about.empty()) << path;
     EXPECT_NE(node.about.back(), '.') << path;
@@ -50,7 +51,7 @@ void expect_described(const ctl::Node& node, const std::string& path)
                  std::islower(static_cast<unsigned char>(node.about[1])))
         << path;
     std::set<std::string> keys;
-    for (const ctl::Node& child : node.children) {
+    for (const Node& child : node.children) {
         EXPECT_TRUE(keys.insert(child.key).second) << path << "." << child.key;
         expect_described(child, path + "." + child.key);
     }
@@ -58,11 +59,12 @@ void expect_described(const ctl::Node& node, const std::string& path)
 
 TEST_F(KeysTest, EveryKeyIsDescribed)
 {
-    for (const ctl::Node& section : ctl::key_tree().children)
+    for (const Node& section : key_tree().children)
         expect_described(section, section.key);
-    for (const ctl::Row& row : ctl::rows())
-        for (const ctl::Field& field : row.fields)
+    for (const Row& row : rows())
+        for (const Field& field : row.fields)
             EXPECT_FALSE(field.about.empty()) << row.path << "." << field.key;
 }
 
 }  // namespace
+}  // namespace ctl

@@ -3,7 +3,7 @@
 #define PLAN_FIXTURE_H
 
 #include "apply.h"
-#include "area_test.h"
+#include "area_fixture.h"
 #include "checks.h"
 #include "document.h"
 #include "module.h"

@@ -366,16 +366,16 @@ TEST_F(PlanTest, WhatNoFunctionCanDoIsRefusedBeforehand)
 
 TEST_F(PlanTest, WhatCannotBeReadIsRefused)
 {
-    with_faults("GetNatType=fail:3");
+    open("GetNatType=fail:3");
     const Lines lines = plan_of("profiles: {a: {dial: {apn_index: 1}, nat: {type: full-cone}, roaming: true}}\n");
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0].rfind("problem: profiles.a.nat.type: cannot be read: zr_nexa_nat_type_get_v1: 0x2003", 0), 0u)
         << lines[0];
     EXPECT_EQ(plan_of("profiles: {a: {dial: {apn_index: 1}, roaming: true}}\n").size(), 1u);
 
-    with_faults("");
+    open();
     applied(kLan);
-    with_faults("GetPDNtoVLANMappingsEx=fail:3");
+    open("GetPDNtoVLANMappingsEx=fail:3");
     const Lines mapped = plan_of("profiles: {a: {dial: {apn_index: 1}, vlans: [10]}}\n");
     ASSERT_EQ(mapped.size(), 1u);
     EXPECT_EQ(mapped[0].rfind("problem: profiles.a.vlans: cannot be read: ", 0), 0u) << mapped[0];
@@ -385,7 +385,7 @@ TEST_F(PlanTest, WhatCannotBeReadIsRefused)
     EXPECT_EQ(gone[0].rfind("problem: lans.10: profiles.*.vlans cannot be read, and would be lost: ", 0), 0u)
         << gone[0];
 
-    with_faults("GetIPPassthroughSoftwarePathFilters=fail:3");
+    open("GetIPPassthroughSoftwarePathFilters=fail:3");
     const Lines lost = plan_of("lans: {10: {absent: true}}\n");
     ASSERT_EQ(lost.size(), 1u);
     EXPECT_EQ(lost[0].rfind("problem: lans.10: lans.10.gateway_filters cannot be read, and would be lost: ", 0), 0u)

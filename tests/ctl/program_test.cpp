@@ -14,9 +14,9 @@ using testing::StartsWith;
 
 constexpr char kOneChange[] = "version: 1\ngeneral: {shortcut_engine: false}\n";
 
-class ProgramTest : public SetUpModuleTest {
+class WholeProgramTest : public SetUpModuleTest {
 protected:
-    ProgramTest() : one_(written("one.yaml", kOneChange)) {}
+    WholeProgramTest() : one_(written("one.yaml", kOneChange)) {}
 
     // With this on its standard input.
     ToolRun piped(const Words& words, const std::string& input) const
@@ -53,7 +53,7 @@ protected:
     std::string one_;
 };
 
-TEST_F(ProgramTest, WhatIsShownIsTakenBackAndChangesNothing)
+TEST_F(WholeProgramTest, WhatIsShownIsTakenBackAndChangesNothing)
 {
     for (const Words& show : {Words{"show"}, Words{"show", "--json"}, Words{"show", "--handles"}}) {
         const std::string text = ctl(show).out;
@@ -73,7 +73,7 @@ TEST_F(ProgramTest, WhatIsShownIsTakenBackAndChangesNothing)
     EXPECT_EQ(shown(), first);
 }
 
-TEST_F(ProgramTest, ADifferenceAPlanAndWhatIsDoneAreTheSameLines)
+TEST_F(WholeProgramTest, ADifferenceAPlanAndWhatIsDoneAreTheSameLines)
 {
     for (const Words& exact : {Words{}, Words{"--exact"}}) {
         const auto with = [&](Words words) {
@@ -99,7 +99,7 @@ TEST_F(ProgramTest, ADifferenceAPlanAndWhatIsDoneAreTheSameLines)
     }
 }
 
-TEST_F(ProgramTest, WhatADocumentDoesNotNameStaysUnlessItIsExact)
+TEST_F(WholeProgramTest, WhatADocumentDoesNotNameStaysUnlessItIsExact)
 {
     const std::string text = "version: 1\nreservations: {10.7.1.31: {mac: \"02:00:00:00:00:02\"}}\n";
     const std::string document = written("reservations.yaml", text);
@@ -117,7 +117,7 @@ TEST_F(ProgramTest, WhatADocumentDoesNotNameStaysUnlessItIsExact)
     EXPECT_THAT(shown(), HasSubstr("profile-2:"));
 }
 
-TEST_F(ProgramTest, ASecondApplyChangesNothing)
+TEST_F(WholeProgramTest, ASecondApplyChangesNothing)
 {
     EXPECT_EQ(ctl({"apply", after_}, logging("")).status, 0);
     EXPECT_GT(changing_calls(log()).size(), 30u);
@@ -126,7 +126,7 @@ TEST_F(ProgramTest, ASecondApplyChangesNothing)
     EXPECT_GT(platform_calls(log()).size(), 30u);
 }
 
-TEST_F(ProgramTest, ValidateAsksNoModuleAndPrintsTheNormalForm)
+TEST_F(WholeProgramTest, ValidateAsksNoModuleAndPrintsTheNormalForm)
 {
     const std::string odd = written("odd.yaml",
                                     "%YAML 1.1\n---\n# a comment\nversion: 1\n"
@@ -149,7 +149,7 @@ TEST_F(ProgramTest, ValidateAsksNoModuleAndPrintsTheNormalForm)
     }
 }
 
-TEST_F(ProgramTest, ASectionIsShownByItself)
+TEST_F(WholeProgramTest, ASectionIsShownByItself)
 {
     expect_ctl({"show", "software_path"}, 0, "version: 1\nsoftware_path: [10.7.1.9]\n");
     expect_ctl({"show", "roles", "software_path"}, 0,
@@ -164,11 +164,25 @@ TEST_F(ProgramTest, ASectionIsShownByItself)
         EXPECT_THAT(seen.out, StartsWith("version: 1\n" + std::string(section) + ":"));
         EXPECT_EQ(piped({"diff", "-", "--exact"}, seen.out).status, 0) << section;
     }
-    // Roles name profiles.
+    // Roles name profiles, which need not be in the document.
     EXPECT_EQ(piped({"diff", "-", "--exact"}, ctl({"show", "profiles", "roles"}).out).status, 0);
+    EXPECT_EQ(piped({"diff", "-", "--exact"}, ctl({"show", "roles"}).out).status, 0);
 }
 
-TEST_F(ProgramTest, AReadThatIsRefusedIsNotedAndStatus3)
+TEST_F(WholeProgramTest, ARoleMayNameAProfileAsItIsShown)
+{
+    const ToolRun other = piped({"diff", "-"}, "version: 1\nroles: {dns_proxy: profile-1}\n");
+    EXPECT_EQ(other.out, "roles.dns_proxy: profile-2 -> profile-1\n");
+    EXPECT_EQ(other.status, 1);
+    // Also where the document calls it otherwise.
+    const std::string labelled = "version: 1\nprofiles: {main: {handle: 1}}\nroles: {default: profile-1, ";
+    EXPECT_EQ(piped({"diff", "-"}, labelled + "access_point: main}\n").status, 0);
+    const ToolRun away = piped({"apply", "-"}, labelled + "access_point: profile-9}\n");
+    EXPECT_EQ(away.err, "-:3:29: roles.access_point: there is no profile 9 on the module\n");
+    EXPECT_EQ(away.status, 2);
+}
+
+TEST_F(WholeProgramTest, AReadThatIsRefusedIsNotedAndStatus3)
 {
     const ToolRun seen = ctl({"show"}, {"MOBILE_AP_FAULTS=GetUPNPNotifyInterval=fail:3"});
     EXPECT_EQ(seen.status, 3);
@@ -183,7 +197,7 @@ TEST_F(ProgramTest, AReadThatIsRefusedIsNotedAndStatus3)
     expect_nothing_pending();
 }
 
-TEST_F(ProgramTest, WhatIsReadBackOtherwiseIsStatus5)
+TEST_F(WholeProgramTest, WhatIsReadBackOtherwiseIsStatus5)
 {
     // The first question is answered, the one behind the change not.
     const Words faults = {"MOBILE_AP_FAULTS=GetGatewayUrl#2=fail:3"};
@@ -201,7 +215,7 @@ TEST_F(ProgramTest, WhatIsReadBackOtherwiseIsStatus5)
     expect_no_change();
 }
 
-TEST_F(ProgramTest, WithoutReadingBackNothingIsAskedAgain)
+TEST_F(WholeProgramTest, WithoutReadingBackNothingIsAskedAgain)
 {
     const std::string url = written("url.yaml", "version: 1\ngeneral: {gateway_url: other.example}\n");
     expect_ctl({"apply", url, "--no-verify"}, 0, "general.gateway_url: before.example -> other.example\n", "",
@@ -212,7 +226,7 @@ TEST_F(ProgramTest, WithoutReadingBackNothingIsAskedAgain)
     EXPECT_THAT(shown(), HasSubstr("other.example"));
 }
 
-TEST_F(ProgramTest, ARefusedChangeIsStatus4AndNotWhollyUndone5)
+TEST_F(WholeProgramTest, ARefusedChangeIsStatus4AndNotWhollyUndone5)
 {
     const ToolRun undone = ctl({"apply", after_}, {"MOBILE_AP_FAULTS=SetNatType#1=fail:3"});
     EXPECT_EQ(undone.status, 4);
@@ -228,7 +242,7 @@ TEST_F(ProgramTest, ARefusedChangeIsStatus4AndNotWhollyUndone5)
 
 // ---- the folder of the lock and the held state ----
 
-TEST_F(ProgramTest, TheFolderIsTheWordsThenTheVariablesThenTheHomes)
+TEST_F(WholeProgramTest, TheFolderIsTheWordsThenTheVariablesThenTheHomes)
 {
     const std::string base = state.path() + "/folders";
     const std::string pending = ctl({"apply", one_, "--confirm-within", "600", "--state", base + "/a/b"}).err;
@@ -250,7 +264,7 @@ TEST_F(ProgramTest, TheFolderIsTheWordsThenTheVariablesThenTheHomes)
     EXPECT_EQ(mode(base + "/home/.local/state/zr_nexactl"), 0700u);
 }
 
-TEST_F(ProgramTest, AFolderThatCannotBeIsAWrongWord)
+TEST_F(WholeProgramTest, AFolderThatCannotBeIsAWrongWord)
 {
     const std::string file = written("file", "");
     for (const Words& words : std::vector<Words>{{"apply", one_}, {"pending"}, {"confirm"}, {"rollback"}}) {
@@ -263,7 +277,7 @@ TEST_F(ProgramTest, AFolderThatCannotBeIsAWrongWord)
     expect_no_change();
 }
 
-TEST_F(ProgramTest, AFolderThatOthersMayWriteToIsNotTaken)
+TEST_F(WholeProgramTest, AFolderThatOthersMayWriteToIsNotTaken)
 {
     const std::string folder = state.path() + "/open";
     std::filesystem::create_directory(folder);
@@ -274,7 +288,7 @@ TEST_F(ProgramTest, AFolderThatOthersMayWriteToIsNotTaken)
     expect_no_change();
 }
 
-TEST_F(ProgramTest, PendingMakesNoFolder)
+TEST_F(WholeProgramTest, PendingMakesNoFolder)
 {
     const std::string folder = state.path() + "/none";
     expect_ctl({"pending", "--state", folder}, 0, "nothing is pending\n");
@@ -283,7 +297,7 @@ TEST_F(ProgramTest, PendingMakesNoFolder)
 
 // ---- a full disk, a closed terminal ----
 
-TEST_F(ProgramTest, WithoutRoomForTheHeldStateNothingIsChanged)
+TEST_F(WholeProgramTest, WithoutRoomForTheHeldStateNothingIsChanged)
 {
     const bool ran = in_private_mounts([this] {
         const std::string folder = state.path() + "/small";
@@ -301,7 +315,7 @@ TEST_F(ProgramTest, WithoutRoomForTheHeldStateNothingIsChanged)
     if (!ran) GTEST_SKIP() << "mounts of one's own are not allowed here";
 }
 
-TEST_F(ProgramTest, OutputThatCannotBeWrittenIsNoSuccess)
+TEST_F(WholeProgramTest, OutputThatCannotBeWrittenIsNoSuccess)
 {
     const auto full = [] { dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO); };
     for (const Words& words : std::vector<Words>{{"show"}, {"show", "--json"}, {"validate", one_, "--print"}})
@@ -312,7 +326,7 @@ TEST_F(ProgramTest, OutputThatCannotBeWrittenIsNoSuccess)
     expect_nothing_pending();
 }
 
-TEST_F(ProgramTest, WithoutStandardOutputNothingGoesIntoOtherFiles)
+TEST_F(WholeProgramTest, WithoutStandardOutputNothingGoesIntoOtherFiles)
 {
     const auto closed = [] {
         close(STDOUT_FILENO);
@@ -329,7 +343,7 @@ TEST_F(ProgramTest, WithoutStandardOutputNothingGoesIntoOtherFiles)
     EXPECT_EQ(ctl({"rollback"}).status, 0);
 }
 
-TEST_F(ProgramTest, AHangUpWithoutTheOptionLeavesNothingUndone)
+TEST_F(WholeProgramTest, AHangUpWithoutTheOptionLeavesNothingUndone)
 {
     ToolOptions options = ctl_options({"MOBILE_AP_FAULTS=SetNatType#1=delay:300"});
     options.before_exec = [] { setsid(); };

@@ -12,8 +12,8 @@
 #include <numeric>
 #include <random>
 
-#include "ctl_test.h"
 #include "platform_calls.h"
+#include "program_fixture.h"
 
 // Profiles bear the names that show gives them.
 inline constexpr char kBefore[] = R"(version: 1
@@ -65,7 +65,7 @@ upnp: {enabled: true, notify_seconds: 60}
 hardware_mac_filter: {state: listed, stations: ["02:00:00:00:00:32"]}
 )";
 
-class SetUpModuleTest : public CtlTest {
+class SetUpModuleTest : public ProgramTest {
 protected:
     SetUpModuleTest()
     {
@@ -101,16 +101,7 @@ protected:
     Words logging(const std::string& faults) const
     {
         std::filesystem::remove(log());
-        return {"MOBILE_AP_LOG=file:" + log(), "MOBILE_AP_LOG_LEVEL=debug", "MOBILE_AP_FAULTS=" + faults};
-    }
-    bool is_held() const
-    {
-        return std::filesystem::exists(held_folder() + "/held.yaml");
-    }
-    void expect_nothing_pending() const
-    {
-        expect_ctl({"pending"}, 0, "nothing is pending\n");
-        EXPECT_FALSE(is_held());
+        return logged(log(), faults);
     }
 
     // Some of so many trials, in their order; all of them with ZR_NEXA_TRIALS=all. ZR_NEXA_SEED chooses the same again.

@@ -1,5 +1,5 @@
 // UPnP as keys of a document.
-#include "area_test.h"
+#include "area_fixture.h"
 
 namespace ctl {
 namespace {
@@ -20,53 +20,54 @@ protected:
     }
     static std::string allow(bool allowed, uint32_t handle = 1)
     {
-        return write_text("upnp_pinholes", handle, Map{{"upnp_pinholes", allowed}});
+        return told(row("upnp_pinholes").write(handle, Map{{"upnp_pinholes", allowed}}, {}));
     }
 };
 
 TEST_F(UpnpTest, TheServiceIsAFlag)
 {
-    EXPECT_EQ(read_text("upnp.enabled"), "{upnp.enabled: false}");
-    EXPECT_EQ(write_text("upnp.enabled", 0, Map{{"upnp.enabled", true}}), "done");
-    EXPECT_EQ(read_text("upnp.enabled"), "{upnp.enabled: true}");
-    EXPECT_EQ(write_text("upnp.enabled", 0, Map{{"upnp.enabled", false}}), "done");
-    EXPECT_EQ(read_text("upnp.enabled"), "{upnp.enabled: false}");
-    with_faults("EnableUPNP=fail:3,DisableUPNP=fail:4,GetUPNPStatus=fail:5");
-    EXPECT_EQ(write_text("upnp.enabled", 0, Map{{"upnp.enabled", true}}), "0x1003");
-    EXPECT_EQ(write_text("upnp.enabled", 0, Map{{"upnp.enabled", false}}), "0x2004");
-    EXPECT_EQ(read_text("upnp.enabled"), "0x1005");
+    EXPECT_EQ(read("upnp.enabled"), "{upnp.enabled: false}");
+    EXPECT_EQ(write("upnp.enabled", 0, {{"upnp.enabled", true}}), "done");
+    EXPECT_EQ(read("upnp.enabled"), "{upnp.enabled: true}");
+    EXPECT_EQ(write("upnp.enabled", 0, {{"upnp.enabled", false}}), "done");
+    EXPECT_EQ(read("upnp.enabled"), "{upnp.enabled: false}");
+    open("EnableUPNP=fail:3,DisableUPNP=fail:4,GetUPNPStatus#3=fail:5");
+    EXPECT_EQ(write("upnp.enabled", 0, {{"upnp.enabled", true}}), "0x1003 zr_nexa_media_upnp_set_v1");
+    EXPECT_EQ(write("upnp.enabled", 0, {{"upnp.enabled", false}}), "0x2004 zr_nexa_media_upnp_set_v1");
+    EXPECT_EQ(read("upnp.enabled"), "0x1005 zr_nexa_media_upnp_get_v1");
 }
 
 TEST_F(UpnpTest, TheIntervalIsInSeconds)
 {
     const std::string key = "upnp.notify_seconds";
-    EXPECT_EQ(read_text(key), "{upnp.notify_seconds: 1800}");
+    EXPECT_EQ(read(key), "{upnp.notify_seconds: 1800}");
     for (const uint32_t seconds : {30U, 31U, 60000U}) {
-        EXPECT_EQ(complaints_of(key, "", Map{{key, seconds}}), "");
-        EXPECT_EQ(write_text(key, 0, Map{{key, seconds}}), "done");
-        EXPECT_EQ(read_text(key), "{upnp.notify_seconds: " + std::to_string(seconds) + "}");
+        EXPECT_EQ(problems_of(key, Map{{key, seconds}}), "");
+        EXPECT_EQ(write(key, 0, {{key, seconds}}), "done");
+        EXPECT_EQ(read(key), "{upnp.notify_seconds: " + std::to_string(seconds) + "}");
     }
     // The interface would take the last one for 30.
     for (const uint32_t seconds : {0U, 29U, 60001U, 65566U})
-        EXPECT_EQ(complaints_of(key, "", Map{{key, seconds}}),
-                  "upnp.notify_seconds: a whole number in decimal digits, 30 to 60000, not " + std::to_string(seconds));
+        EXPECT_EQ(problems_of(key, Map{{key, seconds}}),
+                  "upnp.notify_seconds: a whole number in decimal digits, 30 to 60000, not " + std::to_string(seconds) +
+                      "\n");
     sql("UPDATE upnp_service SET notify_interval = 29");
-    EXPECT_EQ(read_text(key), "none");
+    EXPECT_EQ(read(key), "none");
     sql("UPDATE upnp_service SET notify_interval = 60001");
-    EXPECT_EQ(read_text(key), "none");
-    with_faults("SetUPNPNotifyInterval=fail:3,GetUPNPNotifyInterval=fail:4");
-    EXPECT_EQ(write_text(key, 0, Map{{key, 40}}), "0x1003");
-    EXPECT_EQ(read_text(key), "0x1004");
+    EXPECT_EQ(read(key), "none");
+    open("SetUPNPNotifyInterval=fail:3,GetUPNPNotifyInterval#2=fail:4");
+    EXPECT_EQ(write(key, 0, {{key, 40}}), "0x1003 zr_nexa_media_upnp_notify_interval_set_v1");
+    EXPECT_EQ(read(key), "0x1004 zr_nexa_media_upnp_notify_interval_get_v1");
 }
 
 TEST_F(UpnpTest, WithTheFirewallOnPinholesAloneAreSet)
 {
-    EXPECT_EQ(read_text("upnp_pinholes", 1), "{upnp_pinholes: false}");
+    EXPECT_EQ(read("upnp_pinholes", 1), "{upnp_pinholes: false}");
     ASSERT_EQ(zr_nexa_firewall_config_set_v1(1, 1, 0), 0U);
-    with_faults("SetFirewall=fail:3");
+    open("SetFirewall=fail:3");
     EXPECT_EQ(allow(true), "done");
     EXPECT_EQ(firewall(), "101");
-    EXPECT_EQ(read_text("upnp_pinholes", 1), "{upnp_pinholes: true}");
+    EXPECT_EQ(read("upnp_pinholes", 1), "{upnp_pinholes: true}");
     EXPECT_EQ(allow(false), "done");
     EXPECT_EQ(firewall(), "100");
 }
@@ -101,34 +102,34 @@ TEST_F(UpnpTest, APolicyThatCouldNotBePutBackIsLeftAlone)
 
 TEST_F(UpnpTest, AfterARefusalTheFirewallIsOffAgain)
 {
-    with_faults("SetUPNPState=fail:3");
-    EXPECT_EQ(allow(true), "0x3003");
+    open("SetUPNPState=fail:3");
+    EXPECT_EQ(allow(true), "0x3003 zr_nexa_media_upnp_pinhole_state_set_v1");
     EXPECT_EQ(firewall(), "000");
-    with_faults("SetFirewall#1=fail:3");
-    EXPECT_EQ(allow(true), "0x2003");
+    open("SetFirewall#1=fail:3");
+    EXPECT_EQ(allow(true), "0x2003 zr_nexa_firewall_config_set_v1");
     EXPECT_EQ(firewall(), "000");
-    with_faults("GetFirewall#1=fail:3");
-    EXPECT_EQ(allow(true), "0x2003");
+    open("GetFirewall#1=fail:3");
+    EXPECT_EQ(allow(true), "0x2003 zr_nexa_firewall_config_get_v1");
     EXPECT_EQ(firewall(), "000");
-    EXPECT_EQ(allow(true, 9), "0x1009");
-    EXPECT_EQ(read_text("upnp_pinholes", 9), "0x1009");
+    EXPECT_EQ(allow(true, 9), "0x1009 zr_nexa_firewall_config_get_v1");
+    EXPECT_EQ(read("upnp_pinholes", 9), "0x1009 zr_nexa_media_upnp_pinhole_state_get_v1");
 }
 
 TEST_F(UpnpTest, SwitchingOffIsTriedTwice)
 {
-    with_faults("SetFirewall#2=fail:4");
+    open("SetFirewall#2=fail:4");
     EXPECT_EQ(allow(true), "done");
     EXPECT_EQ(firewall(), "001");
-    with_faults("SetFirewall#2=fail:4,SetFirewall#3=fail:4");
-    EXPECT_EQ(allow(false), "0x2004");
+    open("SetFirewall#2=fail:4,SetFirewall#3=fail:4");
+    EXPECT_EQ(allow(false), "0x2004 zr_nexa_firewall_config_set_v1");
     EXPECT_EQ(firewall(), "110");
 }
 
 // Done, with a word beside it: the one who reads back sees it is.
 TEST_F(UpnpTest, ABareWordIsHandedOn)
 {
-    with_faults("SetFirewall#1=ok:43");
-    EXPECT_EQ(allow(true), "0x2b");
+    open("SetFirewall#1=ok:43");
+    EXPECT_EQ(allow(true), "0x2b zr_nexa_firewall_config_set_v1");
     EXPECT_EQ(firewall(), "001");
 }
 

@@ -1,11 +1,11 @@
 // Words, exit statuses and printed bytes of the verbs that ask and act.
 #include <cstdio>
 
-#include "ctl_test.h"
+#include "program_fixture.h"
 
 namespace {
 
-using VerbsTest = CtlTest;
+using VerbsTest = ProgramTest;
 
 constexpr const char* kNoServiceText = "zr_nexactl: no session: the service is not ready\n";
 

@@ -2,7 +2,7 @@
 #include <csignal>
 #include <thread>
 
-#include "ctl_test.h"
+#include "program_fixture.h"
 
 namespace {
 
@@ -78,7 +78,7 @@ std::string without_time(const std::string& line)
     return std::regex_match(line, parts, form) ? parts[1].str() : "no time: " + line;
 }
 
-using WatchTest = CtlTest;
+using WatchTest = ProgramTest;
 
 TEST_F(WatchTest, EachIndicationIsALine)
 {

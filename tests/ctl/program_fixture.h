@@ -1,6 +1,6 @@
 // The program zr_nexactl, as a process of its own, on a fresh state.
-#ifndef CTL_TEST_H
-#define CTL_TEST_H
+#ifndef PROGRAM_FIXTURE_H
+#define PROGRAM_FIXTURE_H
 
 #include <fcntl.h>
 #include <poll.h>
@@ -20,11 +20,11 @@
 #include "program.h"
 #include "run_tool.h"
 
-class CtlTest : public ToolTest {
+class ProgramTest : public ToolTest {
 protected:
     using Words = std::vector<std::string>;
 
-    CtlTest()
+    ProgramTest()
     {
         setenv("MOBILE_AP_STATE", state.path().c_str(), 1);  // for what happens around the module
     }
@@ -67,6 +67,24 @@ protected:
         const ToolRun seen = ctl({"show"});
         EXPECT_EQ(seen.status, 0) << seen.err;
         return seen.out;
+    }
+    std::string held_file() const
+    {
+        return held_folder() + "/held.yaml";
+    }
+    bool is_held() const
+    {
+        return access(held_file().c_str(), F_OK) == 0;
+    }
+    void expect_nothing_pending() const
+    {
+        expect_ctl({"pending"}, 0, "nothing is pending\n");
+        EXPECT_FALSE(is_held());
+    }
+    // The variables with which the platform logs each of its calls.
+    static Words logged(const std::string& log, const std::string& faults)
+    {
+        return {"MOBILE_AP_LOG=file:" + log, "MOBILE_AP_LOG_LEVEL=debug", "MOBILE_AP_FAULTS=" + faults};
     }
     // Within 10 seconds.
     static bool comes(const std::function<bool()>& condition)
