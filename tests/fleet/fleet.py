@@ -52,7 +52,7 @@ class Module:
             "MOBILE_AP_STATE": str(self.folder),
             "MOBILE_AP_LOG": "file:%s" % self.log,
             "MOBILE_AP_LOG_LEVEL": "debug",
-            "MOBILE_AP_CALL_MS": "0",
+            "ZR_NEXACTL_STATE": self.state_dir(),
         }
 
     def run(self, *words):

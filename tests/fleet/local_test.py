@@ -2,10 +2,12 @@
 
 import json
 import os
+import pathlib
 import signal
+import subprocess
 import unittest
 
-from fleet import CHANGES, DOCUMENT, Fleet, Run, end, wait_for
+from fleet import CHANGES, DOCUMENT, Fleet, PROGRAM, Run, end, wait_for
 
 COUNT = int(os.environ.get("ZR_NEXA_FLEET_MODULES", "100"))
 NAMES = {"module-%03d" % i for i in range(COUNT)}
@@ -92,7 +94,9 @@ class OneFails(FleetTest):
         self.assertEqual(run.hosts("failures"), {self.faulty.name}, run.text)
         self.assertEqual(run.hosts("changed"), NAMES - {self.faulty.name})
         self.assertEqual(self.faulty.shown(), self.before)
-        message = run.results(BROUGHT)[self.faulty.name]["msg"]
+        result = run.results(BROUGHT)[self.faulty.name]
+        self.assertEqual((result["changed"], result["changes"], result["after"]), (False, [], result["before"]))
+        message = result["msg"]
         for part in ("a change was refused, and all is as before", "profiles.office.nat.type",
                      "zr_nexa_nat_type_set_v1", "the service answered 48"):
             self.assertIn(part, message)
@@ -119,39 +123,49 @@ class OneFails(FleetTest):
 
 
 class Stopped(FleetTest):
-    count = min(COUNT, 20)
+    count = 12
 
     def setUp(self):
         super().setUp()
+        self.fresh = self.fleet.module(0).shown()
         for module in self.fleet.modules:
-            module.environment["MOBILE_AP_FAULTS"] = "SetLANConfig=delay:300"
+            module.environment["MOBILE_AP_FAULTS"] = "SetLANConfig=delay:1500"  # far from done when it is stopped
 
-    def all_old_or_new(self, fresh):
+    def old(self):
+        """How many are old; the others are new."""
         wait_for(lambda: not any(module.processes() for module in self.fleet.modules))
-        old = [module.name for module in self.fleet.modules if module.shown() == fresh]
-        done = self.fleet.play("--check", playbook=self.fleet.book(GATHER))
-        self.assertEqual({result["pending"] for result in done.results("Gather").values()}, {""})
+        path = self.fleet.control / "document.json"
+        path.write_text(json.dumps(DOCUMENT))
+        gathered = self.fleet.play(playbook=self.fleet.book(GATHER)).results("Gather")
+        self.assertEqual({name: result["pending"] for name, result in gathered.items()},
+                         {module.name: "" for module in self.fleet.modules})
+        count = 0
         for module in self.fleet.modules:
-            if module.name not in old:
-                path = self.fleet.control / "document.json"
-                path.write_text(json.dumps(DOCUMENT))
+            if module.shown() == self.fresh:
+                count += 1
+            else:
                 self.assertEqual(module.run("diff", str(path)).stdout, "", module.name)
-        return len(old)
+        return count
 
-    def test_interrupted_at_the_controller(self):
-        fresh = self.fleet.module(0).shown()
-        for to_group in (False, True):
-            with self.subTest(to_group=to_group):
-                run = self.fleet.start(baseline_confirm_within=None)
-                wait_for(lambda: sum(bool(module.changing_calls()) for module in self.fleet.modules) >= 5)
-                (os.killpg if to_group else os.kill)(run.pid, signal.SIGINT)
-                run.communicate()
-                self.assertNotEqual(run.returncode, 0)
-                old = self.all_old_or_new(fresh)
-                self.assertGreater(old, 0)
+    def interrupted(self, send):
+        run = self.fleet.start(forks=4, baseline_confirm_within=None)
+        wait_for(lambda: sum(bool(module.changing_calls()) for module in self.fleet.modules) >= 2)
+        send(run.pid, signal.SIGINT)
+        run.communicate()
+        self.assertNotEqual(run.returncode, 0)
+        self.assertGreater(self.old(), 0)
+
+        for module in self.fleet.modules:
+            del module.environment["MOBILE_AP_FAULTS"]
         again = self.fleet.play()
         self.assertEqual(again.status, 0, again.text)
-        self.assertEqual(self.all_old_or_new(fresh), 0)
+        self.assertEqual(self.old(), 0)
+
+    def test_interrupted_at_the_controller(self):
+        self.interrupted(os.kill)
+
+    def test_interrupted_with_all_that_it_has_started(self):
+        self.interrupted(os.killpg)
 
 
 class Killed(FleetTest):
@@ -172,11 +186,48 @@ class Killed(FleetTest):
         gathered = self.fleet.play(playbook=self.fleet.book(GATHER)).results("Gather")
         self.assertEqual(gathered["module-000"]["pending"], "")
         self.assertIn("was cut off", gathered[victim.name]["pending"])
+        killed = said.results(BROUGHT)[victim.name]
+        self.assertIn("zr_nexactl was ended by signal 9", killed["msg"])
+        self.assertTrue(killed["changed"])
+        self.assertIn("lans.10", killed["changes"])
+        self.assertIn("10", killed["after"]["lans"])
 
         again = self.fleet.play(baseline_confirm_within=None)
         self.assertEqual(again.status, 0, again.text)
         self.assertEqual(again.hosts("changed"), {victim.name})
-        self.assertEqual(self.fleet.play().hosts("changed"), set())
+        self.assertEqual(again.results(BROUGHT)[victim.name]["after"],
+                         again.results(BROUGHT)["module-000"]["after"])
+        self.assertEqual(self.pending(victim), "nothing is pending\n")
+
+    def test_one_that_was_killed_when_all_was_done_is_kept(self):
+        victim = self.fleet.module(1)
+        self.fleet.play(baseline_confirm_within=None)
+        document = self.fleet.control / "document.json"
+        document.write_text(json.dumps({"version": 1, "lans": {"0": {"dhcp": {"lease_seconds": 600}}}}))
+        environment = dict(os.environ, MOBILE_AP_FAULTS="SetLANConfig=delay:20000", **victim.environment)
+        with subprocess.Popen([PROGRAM, "apply", "--state", victim.state_dir(), document], env=environment,
+                              stderr=subprocess.DEVNULL, stdout=subprocess.DEVNULL) as cut_off:
+            wait_for(lambda: (pathlib.Path(victim.state_dir()) / "held.yaml").exists())
+            cut_off.kill()
+        self.assertIn("was cut off", self.pending(victim))
+        again = self.fleet.play(baseline_confirm_within=None)
+        self.assertEqual(again.hosts("changed"), set(), again.text)
+        self.assertIn("an apply was cut off before", str(again.results(BROUGHT)[victim.name]["warnings"]))
+        self.assertEqual(self.pending(victim), "nothing is pending\n")
+
+    def test_one_that_nobody_has_confirmed_is_confirmed_by_a_run_again(self):
+        module = self.fleet.module(0)
+        document = self.fleet.control / "document.json"
+        document.write_text(json.dumps(DOCUMENT))
+        module.run("apply", "--confirm-within", "300", "--state", module.state_dir(), document)
+        self.assertIn("waits to be confirmed", self.pending(module))
+        again = self.fleet.play()
+        self.assertEqual(again.hosts("changed"), {"module-001"}, again.text)
+        self.assertEqual(self.pending(module), "nothing is pending\n")
+
+    @staticmethod
+    def pending(module):
+        return module.run("pending", "--state", module.state_dir()).stdout
 
 
 class Words(FleetTest):
@@ -190,6 +241,7 @@ class Words(FleetTest):
   hosts: modules
   gather_facts: false
   environment: "{{ module_environment }}"
+  ignore_errors: true  # each task is told by itself
   module_defaults:
     group/zr_nexa.router.router:
       executable: "{{ baseline_executable }}"
@@ -221,9 +273,91 @@ class Words(FleetTest):
         self.assertIn("upnp.enabeld: no such key; did you mean enabled?", results[1]["msg"])
         self.assertFalse(self.fleet.module(0).log.exists())
 
+    def test_a_refused_document_names_its_source(self):
+        path = self.fleet.control / "document.yaml"
+        path.write_text("version: 1\nupnp:\n  enabeld: yes\n")
+        results, run = self.tasks("zr_nexa.router.config:\n  src: %s" % path,
+                                  "zr_nexa.router.config:\n  config: |\n    version: 1\n    upnp: {enabeld: yes}",
+                                  "zr_nexa.router.config:\n  config: {version: 1, reservations: {192.168.225.40: "
+                                  "{mac: 10:20:30:40:50:51}}}",
+                                  "zr_nexa.router.config:\n  config: {version: 1, lans: {0: {address: 10.0.0.1/24}}}")
+        wrong = "upnp.enabeld: no such key; did you mean enabled?"
+        self.assertEqual([result.get("msg") for result in results], [
+            "the document is wrong: %s:3:3: %s" % (path, wrong),
+            "the document is wrong: config:2:8: %s" % wrong,
+            "the document is wrong: reservations.192.168.225.40.mac: six pairs of hexadecimal digits with colons: "
+            "write \"00:01:02:03:04:0a\", not 8041827051; Ansible's YAML reads some MAC addresses, words and numbers "
+            "otherwise: put them in quotes, or give the document as src",
+            "the document is wrong: lans.0.dhcp.first: outside of 10.0.0.1/24; "
+            "lans.0.dhcp.last: outside of 10.0.0.1/24",
+        ], run.text)
+
+    def test_a_template_and_keys_and_signs_of_any_kind(self):
+        path = self.fleet.control / "document.yaml.j2"
+        path.write_text("version: 1\nlans:\n  {{ 5 * 2 }}:\n    vlan: {interface: ethernet}\n")
+        results, run = self.tasks(
+            "zr_nexa.router.config:\n  config: \"{{ lookup('template', '%s') }}\"" % path,
+            "zr_nexa.router.config:\n  config: {version: 1, lans: {10: {address: 192.168.11.1/24, "
+            "dhcp: {first: 192.168.11.20, last: 192.168.11.60}}}, reservations: "
+            "{192.168.225.40: {mac: '01:02:03:04:05:06', name: '\U0001f600'}}}")
+        self.assertIn("10", results[0]["after"]["lans"], run.text)
+        self.assertIn("after", results[1], run.text)
+        self.assertEqual(results[1]["after"]["lans"]["10"]["address"], "192.168.11.1/24", run.text)
+        self.assertEqual(results[1]["after"]["reservations"]["192.168.225.40"]["name"], "\U0001f600")
+
+    def test_what_is_encrypted_stands_in_no_file_and_no_output(self):
+        secret = self.fleet.control / "password"
+        secret.write_text("of the vault\n")
+        path = self.fleet.control / "document.yaml"
+        path.write_text("version: 1\nprofiles: {office: {dial: {apn_index: 3, apn_name: hidden.example}}}\n")
+        vault = ["--vault-password-file", str(secret)]
+        subprocess.run(["ansible-vault", "encrypt", *vault, path], env=self.fleet.environment(1), check=True,
+                       capture_output=True)
+        task = "zr_nexa.router.config:\n  src: %s\nno_log: true" % path
+        results, run = self.tasks(task, words=[*vault, "-vvvv", "--diff"])
+        self.assertTrue(results[0]["changed"], run.text)
+        self.assertNotIn("hidden.example", run.text)
+        self.assertIn("hidden.example", self.fleet.module(0).shown())
+        left = [file for file in (self.fleet.control / "tmp").rglob("*") if file.is_file()]
+        self.assertEqual(left, [])
+
+    def test_check_mode_tells_what_is_interrupted(self):
+        for words, config in ((["--check"], "confirm_within: 60\n  state: replaced\n  "), ([], "")):
+            results, run = self.tasks("zr_nexa.router.config:\n  %sconfig: {version: 1, lans: {0: {address: "
+                                      "192.168.10.1/24, dhcp: {first: 192.168.10.20, last: 192.168.10.60}}}}" % config,
+                                      words=words)
+            self.assertEqual(results[0]["changes"], ["lans.0.address", "lans.0.dhcp.first", "lans.0.dhcp.last"],
+                             run.text)
+            self.assertEqual(results[0]["notes"], [
+                "LAN 0 is activated anew: its devices lose the connection for a moment; the module answers at "
+                "192.168.10.1 then"])
+            self.assertEqual(self.fleet.module(0).changing_calls() == [], bool(words))
+
+    def test_refused_and_not_wholly_undone(self):
+        self.fleet.module(0).environment["MOBILE_AP_FAULTS"] = (
+            "SetNatType=fail:48,SetLANConfig#2=fail:3,SetLANConfig#3=fail:3")
+        results, run = self.tasks(
+            "zr_nexa.router.config:\n  config: {version: 1, lans: {0: {dhcp: {lease_seconds: 600}}}, profiles: {main: "
+            "{dial: {apn_index: 1}, nat: {type: full-cone}}}}")
+        result = results[0]
+        self.assertIn("refused and not wholly undone", result["msg"], run.text)
+        self.assertEqual((result["rc"], result["changed"], result["changes"], result["left"]),
+                         (5, True, ["lans.0.dhcp.lease_seconds"], ["lans.0.dhcp.lease_seconds: 600 -> 43200"]))
+        self.assertEqual(result["after"]["lans"]["0"]["dhcp"]["lease_seconds"], 600)
+
     def test_another_version_of_the_document(self):
         results, _run = self.tasks("zr_nexa.router.config:\n  config: {version: 2}")
         self.assertIn("does not take this version of the document", results[0]["msg"])
+
+    def test_a_state_folder_that_is_refused_is_not_taken_for_the_document(self):
+        folder = self.fleet.module(0).folder / "open"
+        folder.mkdir()
+        folder.chmod(0o777)
+        for state in ("merged", "gathered"):
+            results, _run = self.tasks("zr_nexa.router.config:\n  state: %s\n  state_dir: %s%s" % (
+                state, folder, "\n  config: {version: 1}" if state == "merged" else ""))
+            self.assertIn("the words or the state folder are wrong: %s: others may write into it" % folder,
+                          results[0]["msg"])
 
     def test_no_program_there(self):
         results, _run = self.tasks("zr_nexa.router.config:\n  state: gathered\n  executable: /nowhere/zr_nexactl")
@@ -241,6 +375,18 @@ class Words(FleetTest):
         self.assertEqual([result.get("changed") for result in results[:3]], [True, False, True], run.text)
         self.assertEqual(results[0]["calls"], {"ipv4": "connected", "ipv6": "connected"})
         self.assertEqual(results[3]["msg"], "there is no profile 7 on this module")
+
+    def test_a_call_that_does_not_come_about(self):
+        environment = dict(os.environ, **self.fleet.module(0).environment)
+        subprocess.run([PROGRAM.parent / "mobile_ap_ctl", "call", "slow", "1", "60000"], env=environment, check=True)
+        results, run = self.tasks("zr_nexa.router.call:\n  profile: 1\n  wait: 1")
+        self.assertIn("it did not come about in time", results[0]["msg"], run.text)
+
+    def test_a_restore_that_is_refused(self):
+        self.fleet.module(0).environment["MOBILE_AP_FAULTS"] = "RestoreFactoryConfig=fail:3"
+        results, run = self.tasks("zr_nexa.router.restore:")
+        self.assertIn("a change was refused, and all is as before", results[0]["msg"], run.text)
+        self.assertFalse(results[0]["changed"])
 
     def test_calls_in_check_mode_change_nothing(self):
         results, run = self.tasks("zr_nexa.router.call:\n  profile: 1", words=["--check"])

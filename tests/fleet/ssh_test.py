@@ -11,7 +11,7 @@ import subprocess
 import time
 import unittest
 
-from fleet import CHANGES, COLLECTIONS, Fleet, PROGRAM, end, wait_for
+from fleet import CHANGES, COLLECTIONS, Fleet, PROGRAM, Run, end, wait_for
 
 plan = importlib.util.spec_from_file_location(
     "zr_nexactl", COLLECTIONS / "ansible_collections/zr_nexa/router/plugins/plugin_utils/zr_nexactl.py")
@@ -50,12 +50,14 @@ class Server:
         (folder / "config").write_text("""
 Port %d
 ListenAddress 127.0.0.1
+ListenAddress 127.0.0.2
 HostKey %s/host
 AuthorizedKeysFile %s/authorized
 PidFile none
 UsePAM no
 StrictModes no
 PasswordAuthentication no
+PermitTTY no
 MaxStartups 100
 SetEnv PATH=%s
 """ % (self.port, folder, folder, self.bin))
@@ -86,7 +88,7 @@ SetEnv PATH=%s
             except OSError:
                 continue
             name, rest = stat[stat.index("(") + 1:].rsplit(")", 1)
-            if int(rest.split()[1]) in known and name == "sshd" and process not in known:
+            if int(rest.split()[1]) in known and name.startswith("sshd") and process not in known:
                 known.add(process)
                 found.append(process)
         return found
@@ -107,7 +109,10 @@ SetEnv PATH=%s
             "ansible_user": pwd.getpwuid(os.geteuid()).pw_name,
             "ansible_ssh_private_key_file": str(self.folder / "user"),
             "ansible_shell_executable": str(self.bin / "sh"),
-            "ansible_ssh_args": "-o ControlMaster=auto -o ControlPersist=5s -o ConnectTimeout=5",
+            # Nothing of the caller's own is read or written.
+            "ansible_ssh_args": "-F none -o IdentitiesOnly=yes -o IdentityAgent=none -o GlobalKnownHostsFile=none"
+                                " -o UserKnownHostsFile=%s/known -o ControlMaster=auto -o ControlPersist=5s"
+                                " -o ConnectTimeout=60 -o LogLevel=ERROR" % self.folder,
         }
 
 
@@ -125,13 +130,14 @@ class OverSsh(unittest.TestCase):
 - name: Look for it
   hosts: modules
   gather_facts: false
+  vars: {ansible_ssh_use_tty: false}
   tasks:
     - name: Look for it
       ansible.builtin.raw: python3 --version
       failed_when: false
 """)
         looked = self.fleet.play(playbook=book)
-        self.assertEqual({result["rc"] for result in looked.results("Look for it").values()}, {127})
+        self.assertEqual({result.get("rc") for result in looked.results("Look for it").values()}, {127}, looked.text)
 
         first = self.fleet.play(baseline_executable="zr_nexactl")
         self.assertEqual(first.status, 0, first.text)
@@ -188,7 +194,30 @@ class OverSsh(unittest.TestCase):
         out, err = run.communicate()
         self.assertEqual(run.returncode, 0, out + err)
         self.assertEqual(module.run("pending", "--state", module.state_dir()).stdout, "nothing is pending\n")
+        # The answer of the apply got lost; the configurations before and after tell what has changed.
+        result = Run(run.returncode, out, err).results(BROUGHT)[module.name]
+        self.assertTrue({"lans.10", "lans.0.address", "upnp.notify_seconds"} <= set(result["changes"]), result)
         self.assertEqual(self.fleet.play("--limit", module.name).hosts("changed"), set())
+
+    def test_a_module_that_moves_confirms_at_its_new_address(self):
+        self.fleet.modules = self.fleet.modules[:1]
+        book = self.fleet.book("""
+- name: Move
+  hosts: modules
+  gather_facts: false
+  environment: "{{ module_environment }}"
+  tasks:
+    - name: Move
+      zr_nexa.router.config:
+        config: {version: 1, upnp: {notify_seconds: 700}}
+        confirm_within: 60
+        answers_at: 127.0.0.2
+        executable: zr_nexactl
+        state_dir: "{{ baseline_state_dir }}"
+""")
+        run = self.fleet.play("-vvv", playbook=book)
+        self.assertEqual(run.hosts("changed"), {"module-000"}, run.text)
+        self.assertIn("<127.0.0.2> SSH: EXEC ssh", run.text)
 
     def test_an_unreachable_module_is_told_as_that(self):
         self.server.cut()
@@ -203,6 +232,14 @@ class OverSsh(unittest.TestCase):
             done = subprocess.run([self.server.bin / "sh", "-c", zr_nexactl.script("zr_nexactl validate -")],
                                   input=text, text=True, check=False, env={"PATH": str(self.server.bin)})
             self.assertEqual(done.returncode, status)
+
+    def test_a_document_stands_in_no_environment(self):
+        (self.server.bin / "env").symlink_to(BUSYBOX)
+        done = subprocess.run([self.server.bin / "sh", "-c", zr_nexactl.script("env")], input=zr_nexactl.LAST + "\n",
+                              text=True, check=True, capture_output=True,
+                              env={"PATH": str(self.server.bin), "document": "exported"})
+        self.assertIn("PATH=", done.stdout)
+        self.assertNotIn(zr_nexactl.LAST, done.stdout)
 
 
 if __name__ == "__main__":

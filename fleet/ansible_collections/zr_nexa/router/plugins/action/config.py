@@ -4,9 +4,11 @@ from __future__ import absolute_import, division, print_function
 __metaclass__ = type
 
 import json
+import re
 import time
 
 from ansible.errors import AnsibleActionFail, AnsibleConnectionFailure
+from ansible.module_utils.common.json import AnsibleJSONEncoder
 from ansible.module_utils.common.text.converters import to_text
 from ansible.plugins.action import ActionBase
 from ansible.plugins.connection import ConnectionBase
@@ -14,7 +16,10 @@ from ansible.plugins.connection import ConnectionBase
 from ansible_collections.zr_nexa.router.plugins.plugin_utils import zr_nexactl as ctl
 
 # Seconds for which a module that has taken itself back is waited for, once its time is over.
-PATIENCE = 20
+PATIENCE = 60
+
+# Values that YAML as Ansible reads it has made of other ones: a MAC address as a number to the base of 60, no as false.
+TAKEN_OTHERWISE = re.compile(r", not (\d+|true|false)$", re.MULTILINE)
 
 
 class ActionModule(ActionBase):
@@ -56,16 +61,29 @@ class ActionModule(ActionBase):
         """As text: an inline one as JSON, which keeps the kinds of its values."""
         config = self._args["config"]
         if config is None:
-            path = self._find_needle("files", self._args["src"])
-            shown = self._loader.get_real_file(path)
-            with open(shown, "rb") as file:
-                return to_text(file.read())
+            # As the lookup "file" has it: what ansible-vault has encrypted is decrypted, and into no file.
+            return to_text(self._loader._get_file_contents(self._find_needle("files", self._args["src"]))[0])
         if isinstance(config, str):
             return config
         try:
-            return json.dumps(config)
+            # No escapes: those of JSON for signs beyond \uffff are none of YAML's.
+            return json.dumps(config, cls=AnsibleJSONEncoder, vault_to_text=True, ensure_ascii=False)
         except TypeError as error:
             raise AnsibleActionFail("config is no document: %s" % to_text(error))
+
+    def _failure(self, answer):
+        """The same as of the other modules, with what is known of the document."""
+        result = ctl.failure(answer)
+        config = self._args["config"]
+        if config is None or isinstance(config, str):
+            name = self._args["src"] or "config"
+            result["msg"] = ctl.IN_DOCUMENT.sub(lambda line: "%s:%s " % (name, line[1] or ""), result["msg"])
+            return result
+        result["msg"] = ctl.IN_DOCUMENT.sub("", result["msg"])
+        if answer.status == ctl.WRONG and any(TAKEN_OTHERWISE.search(line) for line in answer.problems()):
+            result["msg"] += ("; Ansible's YAML reads some MAC addresses, words and numbers otherwise: put them in "
+                              "quotes, or give the document as src")
+        return result
 
     # ---- reading, checking ----
 
@@ -80,24 +98,17 @@ class ActionModule(ActionBase):
             known.extend(line for line in answer.messages if line not in known)
         return document, None
 
-    def _pending(self):
-        """What zr_nexactl says is pending; nothing when nothing is."""
-        answer = self._program.run(["pending"], has_state=True)
-        return answer.out.strip() if answer.status == ctl.DIFFERS else ""
-
     def _gathered(self):
         result = {"changed": False}
         document, failed = self._shown(result)
         if failed:
             return failed
-        result["gathered"] = document
-        result["pending"] = self._pending()
-        return result
+        return dict(result, gathered=document, pending=self._program.pending())
 
     def _rendered(self):
         answer = self._program.run(["validate", "--print", "--json", "-"], self._document())
         if answer.status != ctl.DONE:
-            return ctl.failure(answer)
+            return self._failure(answer)
         return {"changed": False, "rendered": answer.document(), "warnings": answer.messages}
 
     # ---- changing ----
@@ -112,8 +123,9 @@ class ActionModule(ActionBase):
         if self._task.check_mode:
             answer = self._program.run(["diff", "--json"] + exact + ["-"], document)
             if answer.status not in (ctl.DONE, ctl.DIFFERS):
-                return dict(result, **ctl.failure(answer))
-            self._note_changes(answer, result)
+                return dict(result, **self._failure(answer))
+            self._note_changes(answer.plan(), result)
+            result["notes"] = answer.notes()
             return result
 
         confirms = self._args["confirm_within"]
@@ -126,70 +138,88 @@ class ActionModule(ActionBase):
         except AnsibleConnectionFailure as error:
             if confirms is None:
                 raise
-            answer = None
             result.setdefault("warnings", []).append(
                 "the connection ended while the change was made: %s" % to_text(error).strip())
-        if answer is not None:
-            if answer.status != ctl.DONE:
-                result.update(ctl.failure(answer))
-                result["changed"] = answer.status == ctl.NOT_UNDONE
-                result["changes"] = ctl.unique(ctl.path_of(line) for line in answer.plan())
-                return result
-            self._note_changes(answer, result)
-            begun = time.monotonic()
-        if confirms is not None and (answer is None or result["changed"]):
-            failed = self._confirm(begun + confirms)
+            return self._compared(result, self._confirm(begun + confirms))
+        if answer.status != ctl.DONE:
+            failed = self._failure(answer)
+            is_begun = answer.status not in (ctl.WRONG, ctl.LOCKED)
+            return self._compared(result, failed) if is_begun else dict(result, **failed)
+        self._note_changes(answer.plan(), result)
+        result["notes"] = answer.notes()
+        if answer.holds():
+            # One that was cut off before, of a change that is done by now, or one that nobody has confirmed yet.
+            if confirms is None:
+                failed = self._kept()
+                result.setdefault("warnings", []).append("an apply was cut off before; things are kept as they are now")
+            else:
+                failed = self._confirm(time.monotonic() + confirms)
             if failed:
-                return self._not_confirmed(dict(result, **failed))
-            result["changed"] = True
+                return self._compared(result, failed)
         if not result["changed"]:
             result["after"] = before
             return result
         result["after"], failed = self._shown(result)
+        return dict(result, **(failed or {}))
+
+    def _compared(self, result, failed):
+        """Where nobody has said what was changed, what is there tells it."""
+        after, unread = self._shown(result)
+        if unread:
+            return dict(result, **(failed or unread))
+        result["after"] = after
+        self._note_changes(ctl.differences(result["before"], after), result)
         if failed:
-            return dict(result, **failed)
+            result.update(failed)
+            result["changed"] = result["changed"] or failed["rc"] == ctl.NOT_UNDONE
+            if failed["rc"] not in (ctl.REFUSED, ctl.NOT_UNDONE):
+                result["msg"] += "; the module is %s before" % ("not as it was" if result["changed"] else "as it was")
         return result
 
-    def _not_confirmed(self, result):
-        """What is there says whether the module has taken itself back."""
-        result["after"], failed = self._shown(result)
-        if failed:
-            return dict(result, **failed)
-        result["changed"] = result["after"] != result["before"]
-        result["msg"] += "; the module is %s before" % ("not as it was" if result["changed"] else "as it was")
-        return result
-
-    def _note_changes(self, answer, result):
-        lines = answer.plan()
+    def _note_changes(self, lines, result):
         result["changed"] = bool(lines)
         result["changes"] = ctl.unique(ctl.path_of(line) for line in lines)
         if self._task.diff:
             result["diff"] = {"prepared": "".join(line + "\n" for line in lines)}
 
+    def _kept(self):
+        answer = self._program.run(["confirm"], has_state=True)
+        return None if answer.status == ctl.DONE else ctl.failure(answer)
+
     def _confirm(self, until):
-        """Confirms over a connection of its own: one that stands already would prove nothing."""
-        last = "no connection came about"
+        """Confirms over a connection of its own: one that stands already would prove nothing. Nothing, or a failure."""
+        told = ""
+        unreachable = "no connection came about"
         if self._args["answers_at"]:
             self._answer_at(self._args["answers_at"])
         while time.monotonic() < until + PATIENCE:
             self._renew()
             try:
-                answer = self._program.run(["confirm"], has_state=True)
+                # A confirmation that comes late would keep what going back has left otherwise.
+                if time.monotonic() < until or "waits to be confirmed" in self._program.pending():
+                    answer = self._program.run(["confirm"], has_state=True)
+                    if answer.status == ctl.DONE:
+                        return None
+                    told = "; ".join(answer.messages)
+                    is_over = answer.status != ctl.LOCKED and not self._program.pending()
+                else:
+                    told = self._program.pending()
+                    is_over = not told
+                if is_over:
+                    break
             except AnsibleConnectionFailure as error:
-                last = to_text(error).strip()
+                unreachable = to_text(error).strip()
                 # A module that took itself back answers where it was.
                 if self._args["answers_at"] and time.monotonic() > until:
                     self._answer_at(self._address)
-            else:
-                if answer.status == ctl.DONE:
-                    return None
-                last = "; ".join(answer.messages)
-                if answer.status != ctl.LOCKED:
-                    return {"failed": True, "rc": answer.status, "msg": "the change was not confirmed: " + last}
             time.sleep(0.5)
-        raise AnsibleConnectionFailure(
-            "the module did not answer within %d s after the change, and takes itself back: %s"
-            % (self._args["confirm_within"], last))
+        else:
+            if not told:
+                raise AnsibleConnectionFailure(
+                    "the module did not answer within %d s after the change, and takes itself back: %s"
+                    % (self._args["confirm_within"], unreachable))
+        return {"failed": True, "rc": ctl.DIFFERS, "left": [],
+                "msg": "the change was not confirmed: %s" % (told.replace("\n", "; ") or "the time was over")}
 
     _address = None
 

@@ -34,7 +34,6 @@ class ActionModule(ActionBase):
                 return dict(result, **ctl.failure(answer))
             facts[what] = document
             warnings += answer.messages
-        pending = program.run(["pending"], has_state=True)
-        facts["pending"] = pending.out.strip() if pending.status == ctl.DIFFERS else ""
+        facts["pending"] = program.pending()
         result.update(changed=False, warnings=warnings, ansible_facts={"zr_nexa": facts})
         return result

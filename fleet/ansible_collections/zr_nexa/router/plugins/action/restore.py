@@ -26,4 +26,5 @@ class ActionModule(ActionBase):
         answer = ctl.Program(self, args).run(["restore", "--yes"], has_state=True)
         if answer.status != ctl.DONE:
             result.update(ctl.failure(answer))
+            result["changed"] = answer.status == ctl.NOT_UNDONE
         return result

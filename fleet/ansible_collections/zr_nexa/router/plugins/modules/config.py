@@ -19,7 +19,8 @@ options:
   config:
     description:
       - The document, as a structure or as text. Its keys are those of C(zr_nexactl(5)).
-      - Write MAC addresses in quotes. YAML as Ansible reads it takes some of them for numbers.
+      - Write MAC addresses in quotes, and texts such as C(no), C(on) and C(007). YAML as Ansible reads it takes
+        them for other values, which C(zr_nexactl) cannot tell from those that were meant.
     type: raw
   src:
     description:
@@ -85,14 +86,22 @@ before:
   type: dict
 after:
   description: The configuration after the task.
-  returned: when I(state) is C(merged) or C(replaced), not in check mode
+  returned: when I(state) is C(merged) or C(replaced), not in check mode; after a failure where it can be read
   type: dict
 changes:
-  description: Where something was changed, or would be, in the order in which it is done.
+  description:
+    - Where something was changed, or would be, in the order in which it is done.
+    - After a failure, or where the connection was cut off, where I(before) and I(after) differ.
   returned: when I(state) is C(merged) or C(replaced)
   type: list
   elements: str
   sample: [lans.10.address, upnp.enabled]
+notes:
+  description: What the change interrupts, and what of it could not be undone.
+  returned: when I(state) is C(merged) or C(replaced)
+  type: list
+  elements: str
+  sample: ["LAN 0 is activated anew: its devices lose the connection for a moment"]
 gathered:
   description: The configuration.
   returned: when I(state) is C(gathered)

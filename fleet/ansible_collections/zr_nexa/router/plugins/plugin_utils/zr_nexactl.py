@@ -4,6 +4,7 @@ from __future__ import absolute_import, division, print_function
 __metaclass__ = type
 
 import json
+import re
 import shlex
 
 from ansible.errors import AnsibleActionFail, AnsibleConnectionFailure
@@ -20,9 +21,10 @@ CUT_OFF = 125
 
 
 def script(command):
-    """The shell's words that run a command with what is sent, once all of it has come."""
+    """The shell's words that run a command with what is sent, once all of it has come. It is in no environment."""
     return (
-        "document=$(cat); case $document in *%s) ;; *) exit %d ;; esac; printf '%%s\n' \"$document\" | %s"
+        "unset document; document=$(cat); "
+        "case $document in *%s) ;; *) exit %d ;; esac; printf '%%s\n' \"$document\" | %s"
         % (shlex.quote(LAST), CUT_OFF, command)
     )
 
@@ -54,6 +56,20 @@ class Answer(object):
     def plan(self):
         """The lines of what differs, in their order."""
         return [line for each in self.objects for line in each.get("plan", [])]
+
+    def notes(self):
+        """What is to be known beforehand: what is interrupted, and what could not be undone."""
+        found = []
+        for each in self.objects:
+            path = path_of(each["plan"][0]) if each.get("plan") else ""
+            found += [start + each[key] for key, start in (
+                ("warning", ""), ("interrupts", ""), ("not_undone", path + ": not undone: "), ("note", path + ": "),
+            ) if key in each]
+        return unique(found)
+
+    def holds(self):
+        """Whether a state to go back to is still held after an apply: it waits to be confirmed, or one was cut off."""
+        return any('"zr_nexactl confirm"' in line for line in self.messages)
 
     def refused(self):
         """The steps that were refused, on the way there and on the way back."""
@@ -103,10 +119,30 @@ class Program(object):
                 "\"executable\" says where it is." % (self._executable, err.strip() or "not found"))
         return Answer(status, to_text(answer["stdout"]), err)
 
+    def pending(self):
+        """What zr_nexactl says is pending; nothing when nothing is."""
+        answer = self.run(["pending"], has_state=True)
+        if answer.status not in (DONE, DIFFERS):
+            raise AnsibleActionFail(failure(answer)["msg"])
+        return answer.out.strip() if answer.status == DIFFERS else ""
+
 
 def path_of(line):
     """Where a line of a plan stands: "lans.10.address" of "lans.10.address: 192.168.11.1/24 -> 192.168.12.1/24"."""
     return line.split(": ", 1)[0]
+
+
+def differences(before, after, path=""):
+    """Where two configurations differ, a line each. An entry that came or went is one line."""
+    if before == after:
+        return []
+    if not (isinstance(before, dict) and isinstance(after, dict)):
+        return ["%s: %s -> %s" % (path, *("none" if each is None else json.dumps(each, ensure_ascii=False)
+                                          for each in (before, after)))]
+    lines = []
+    for key in sorted(set(before) | set(after)):
+        lines += differences(before.get(key), after.get(key), path + "." + key if path else key)
+    return lines
 
 
 def unique(texts):
@@ -133,8 +169,8 @@ def why(answer):
 
 
 STATUS_WORDS = {
-    DIFFERS: "something differs",
-    WRONG: "the document is wrong",
+    DIFFERS: "it did not come about in time",
+    WRONG: "the words or the state folder are wrong",
     NO_SERVICE: "the module's service does not answer, or refused to be read",
     REFUSED: "a change was refused, and all is as before",
     NOT_UNDONE: "refused and not wholly undone, or read back otherwise",
@@ -142,12 +178,20 @@ STATUS_WORDS = {
 }
 
 
+# A line about the document, which came by standard input.
+IN_DOCUMENT = re.compile(r"(?:^|(?<=[;:] ))-:(\d+:\d+:)? ")
+
+
 def failure(answer):
     """The result of a task whose run of zr_nexactl failed."""
     words = STATUS_WORDS.get(answer.status, "zr_nexactl ended with %d" % answer.status)
+    if answer.status > 128:
+        words = "zr_nexactl was ended by signal %d; a run again completes what was begun" % (answer.status - 128)
     reason = why(answer)
-    if answer.status == WRONG and any(is_about_version(line) for line in answer.problems() + answer.messages):
-        words = "this module's zr_nexactl does not take this version of the document"
+    if answer.status == WRONG and IN_DOCUMENT.search(reason):
+        words = "the document is wrong"
+        if any(is_about_version(line) for line in answer.problems() + answer.messages):
+            words = "this module's zr_nexactl does not take this version of the document"
     return {
         "failed": True,
         "msg": "%s: %s" % (words, reason) if reason else words,
