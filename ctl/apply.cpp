@@ -222,15 +222,20 @@ void tell(const Progress& progress, const std::string& line)
     if (progress.tells) progress.tells(line);
 }
 
-void undo(const Value& before, const Progress& progress, bool tells)
+// Returns what was stored, and refused to be put to use.
+std::vector<std::string> undo(const Value& before, const Progress& progress, bool tells, bool writes_again)
 {
-    Plan plan = make_plan(before, read_for(before, Reach::kBack), Reach::kBack);
+    Plan plan = make_plan(before, read_for(before, Reach::kBack), Reach::kBack, true, writes_again);
     for (const Problem& warning : plan.warnings)
         if (tells) tell(progress, warning.path + ": " + warning.text);
     plan.steps.erase(
         std::remove_if(plan.steps.begin(), plan.steps.end(), [](const Step& step) { return step.row->write_only; }),
         plan.steps.end());
-    run(plan, Reach::kBack, true, progress);
+    std::vector<std::string> unused;
+    for (const Refused& each : run(plan, Reach::kBack, true, progress).refused)
+        if (each.step->row->is_stored_first)
+            unused.push_back(path_of(*each.step) + ": may be stored and not in use: " + in_words(each.result));
+    return unused;
 }
 
 // What was done and cannot be taken back, in place of the lines that say the same.
@@ -259,7 +264,7 @@ Module read_for(const Value& document, Reach reach)
     return module;
 }
 
-Outcome go_back(const Value& before, const Progress& progress)
+Outcome go_back(const Value& before, const Progress& progress, bool writes_again)
 {
     Progress steady = progress;
     steady.is_stopped = nullptr;
@@ -267,13 +272,16 @@ Outcome go_back(const Value& before, const Progress& progress)
     Outcome outcome;
     // Once more where something passing came between.
     for (int i = 0; i < 2; ++i) {
+        std::vector<std::string> unused;
         try {
-            undo(before, steady, i == 0);
+            unused = undo(before, steady, i == 0, writes_again);
         } catch (const Refusal& refusal) {
             tell(progress, unreadable(refusal));
         }
         outcome.left = differences(before, Reach::kBack);
+        if (outcome.left.empty()) outcome.left = unused;
         if (outcome.left.empty()) break;
+        writes_again = !unused.empty();
     }
     outcome.is_back = outcome.left.empty();
     outcome.status = outcome.is_back ? kDone : kNotUndone;
@@ -291,7 +299,7 @@ Outcome carry_out(const Plan& plan, const Value& document, const Value& before, 
     if (ran.is_stopped || (!ran.refused.empty() && !options.keep_going)) {
         tell(progress, ran.is_stopped ? "stopped; undoing what was done" : "refused; undoing what was done");
         if (options.before_undo) options.before_undo();
-        Outcome outcome = go_back(before, progress);
+        Outcome outcome = go_back(before, progress, options.writes_again);
         tell_not_undone(ran.done, &outcome);
         outcome.status = outcome.left.empty() ? kRefused : kNotUndone;
         return outcome;

@@ -14,6 +14,7 @@ struct ApplyOptions {
     Reach reach = Reach::kMerge;
     bool verify = true;
     bool keep_going = false;
+    bool writes_again = false;  // on the way back
     std::function<void()> before_undo = nullptr;
 };
 
@@ -37,8 +38,9 @@ struct Outcome {
 Outcome carry_out(const Plan& plan, const Value& document, const Value& before, const ApplyOptions& options,
                   const Progress& progress);
 
-// Brings the module to a held state.
-Outcome go_back(const Value& before, const Progress& progress);
+// Brings the module to a held state. With writes_again, what a process that was cut off may have stored and not put to
+// use is written in any case.
+Outcome go_back(const Value& before, const Progress& progress, bool writes_again = false);
 
 // What the module has of all that a document names, read now.
 Module read_for(const Value& document, Reach reach);

@@ -96,7 +96,7 @@ int go_back_to(Held held, const std::string& folder)
     };
     begin_changing();
     const std::string problem = held.has_gre && is_gre_copy_in(folder) ? restore_gre_copy(folder) : "";
-    Outcome outcome = go_back(held.document, progress);
+    Outcome outcome = go_back(held.document, progress, true);
     if (!problem.empty()) {
         outcome.left.push_back("gre: " + problem);
         outcome.status = kNotUndone;

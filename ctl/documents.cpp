@@ -420,8 +420,8 @@ void settle(Held held, const std::optional<Held>& earlier, const std::string& fo
         tell((was_cut_off ? kCutOffHeld : "what was before is still held: ") + std::string(kWaysOn));
 }
 
-// What an apply that was cut off may have left changed though no document names it, as it was. A LAN that is away comes
-// back.
+// What an apply that was cut off may have left changed though no document names it, as it was, and as it is what may be
+// stored and not in use. A LAN that is away comes back.
 Value to_put_back(const Value& unnamed, const Held& held)
 {
     Value document = unnamed;
@@ -430,19 +430,30 @@ Value to_put_back(const Value& unnamed, const Held& held)
         const Value& vlan = held.document.child("lans").child(id).child("vlan");
         if (there.map().count(id) == 0 && !vlan.is_nothing()) document.make("lans").map()[id].make("vlan") = vlan;
     }
+    if (held.seconds > 0) return document;
+    for (const auto& [id, lan] : held.document.child("lans").map()) {
+        for (const Row* row : rows_of(Scope::kLan)) {
+            if (!row->is_stored_first || there.map().count(id) == 0 || !is_named(*row, lan)) continue;
+            Value record;
+            if (is_named(*row, document.child("lans").child(id))) continue;
+            if (read_record(*row, Value(id).number(), &record).good())
+                put_record(*row, record, &make_instance(&document, Scope::kLan, id));
+        }
+    }
     return document;
 }
 
 bool is_as_it_was(const Value& unnamed, const Held& held)
 {
     const Value document = to_put_back(unnamed, held);
-    return make_plan(document, read_for(document, Reach::kBack), Reach::kBack).steps.empty();
+    return document.is_nothing() ||
+           make_plan(document, read_for(document, Reach::kBack), Reach::kBack, true, true).steps.empty();
 }
 
 void put_back_unnamed(const Value& unnamed, const Held& held, Progress progress, Outcome* outcome)
 {
     progress.goes_back = nullptr;  // the way leads on
-    const Outcome rest = go_back(to_put_back(unnamed, held), progress);
+    const Outcome rest = go_back(to_put_back(unnamed, held), progress, true);
     outcome->left = rest.left;
     outcome->status = rest.status;
 }
@@ -484,7 +495,7 @@ int apply(const Options& options, Ending* ending)
     if (options.json) print_plan(plan, true);
     const bool confirms = options.confirm_within > 0;
     const Value unnamed = earlier ? unnamed_in(earlier->unnamed, plan, document, reach) : Value();
-    const bool is_rest_there = unnamed.is_nothing() || is_as_it_was(unnamed, *earlier);
+    const bool is_rest_there = !earlier || is_as_it_was(unnamed, *earlier);
     if (plan.steps.empty() && !(earlier && confirms) && is_rest_there) {
         if (!options.json) tell("nothing differs");
         if (was_cut_off) tell(kCutOffHeld + std::string(kWaysOn));
@@ -505,6 +516,7 @@ int apply(const Options& options, Ending* ending)
     if (!is_prepared(held, earlier, folder, copies_gre)) return kRefused;
 
     ApplyOptions how = {reach, !options.no_verify, options.keep_going};
+    how.writes_again = was_cut_off;
     how.before_undo = [&] {
         stop_no_more();
         // In a follow-up the copy is of an earlier state than the one to go back to.
@@ -515,7 +527,7 @@ int apply(const Options& options, Ending* ending)
     Way way;
     const Progress progress = progress_of(options, &way);
     Outcome outcome = carry_out(plan, document, was_cut_off ? held.document : now, how, progress);
-    if (outcome.status == kDone && !unnamed.is_nothing()) put_back_unnamed(unnamed, *earlier, progress, &outcome);
+    if (outcome.status == kDone && !is_rest_there) put_back_unnamed(unnamed, *earlier, progress, &outcome);
     if (stop_wished != 0 && !way.goes_back && way.has_begun) tell("the wish to stop came when all was done");
     for (const std::string& line : outcome.left)
         tell_problem("is not as it should be: " + line);

@@ -85,6 +85,8 @@ struct Row {
     std::string about = {};  // of what has a path, for people
     // What it does is finished by the next row's write, which follows it even where that one's values stay the same.
     bool next_follows = false;
+    // What it writes is read back before it is in use: refused or cut off in between, it is to be written again.
+    bool is_stored_first = false;
     // Fields of other rows of the same LAN or profile that its functions may leave changed.
     std::vector<std::string> also_changes = {};
     size_t most = 0;  // entries

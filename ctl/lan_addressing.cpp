@@ -97,6 +97,7 @@ Row addressing_row()
         set_dns(wanted.child("dhcp.dns"), &config);
         return CALL(zr_nexa_lan_dhcp_set_v1, lan, &config);
     };
+    row.is_stored_first = true;
     row.interrupts = [](const std::string& name, const Value& wanted, const Value& present) -> std::string {
         if (present.is_nothing()) return "";
         std::string text = name + " is activated anew: its devices lose the connection for a moment";

@@ -137,8 +137,8 @@ bool is_beside_named(const Row& row, const Value& instance)
 
 class Planner {
 public:
-    Planner(const Value& document, const Module& module, Reach reach, bool judges)
-        : document_(document), reach_(reach), judges_(judges && reach != Reach::kBack)
+    Planner(const Value& document, const Module& module, Reach reach, bool judges, bool writes_again)
+        : document_(document), reach_(reach), judges_(judges && reach != Reach::kBack), writes_again_(writes_again)
     {
         const auto labels = match_profiles(document, module, &plan_.problems);
         present_ = as_document(module, labels, false);
@@ -755,8 +755,9 @@ private:
         for (const Row* row : rows_of(Scope::kLan)) {
             if (row->phase != Phase::kAddressing) continue;
             const size_t before = plan_.steps.size();
-            changes_of(*row, id, instance_of(wanted_, Scope::kLan, id), instance_of(base_, Scope::kLan, id),
-                       Part::kBoth, forced);
+            const Value& wanted = instance_of(wanted_, Scope::kLan, id);
+            forced |= writes_again_ && row->is_stored_first && is_named(*row, wanted);
+            changes_of(*row, id, wanted, instance_of(base_, Scope::kLan, id), Part::kBoth, forced);
             forced = row->next_follows && plan_.steps.size() > before;
         }
     }
@@ -1040,6 +1041,7 @@ private:
     Value document_;
     const Reach reach_;
     const bool judges_;
+    const bool writes_again_;
     const std::vector<Unread>* unread_ = nullptr;
     Value present_;  // of the module, with labels
     Value wanted_;
@@ -1108,9 +1110,9 @@ Wish wish_for(const Value& document, const Module& lists, Reach reach)
     return wish;
 }
 
-Plan make_plan(const Value& document, const Module& module, Reach reach, bool judges)
+Plan make_plan(const Value& document, const Module& module, Reach reach, bool judges, bool writes_again)
 {
-    return Planner(document, module, reach, judges).make();
+    return Planner(document, module, reach, judges, writes_again).make();
 }
 
 }  // namespace ctl

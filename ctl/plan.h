@@ -54,8 +54,8 @@ std::string path_of(const Step& step);
 Wish wish_for(const Value& document, const Module& lists, Reach reach);
 
 // document is in its normal form (checks.h). What no network could use is looked for, unless the document is there and
-// only what is left of it is asked for.
-Plan make_plan(const Value& document, const Module& module, Reach reach, bool judges = true);
+// only what is left of it is asked for. With writes_again, what may be stored and not in use is written in any case.
+Plan make_plan(const Value& document, const Module& module, Reach reach, bool judges = true, bool writes_again = false);
 
 // What the module has, with labels for handles, so that it is a document. Profiles that no label is for are called
 // profile-<handle>. With handles, a profile says its own.

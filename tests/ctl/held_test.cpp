@@ -64,9 +64,25 @@ protected:
     void cut_off_in(const std::string& method, const std::string& document, const std::string& shown_then) const
     {
         StartedTool tool({"apply", document}, ctl_options({"MOBILE_AP_FAULTS=" + method + "=delay:60000"}));
-        ASSERT_TRUE(comes([&] { return shown().find(shown_then) != std::string::npos; }));
+        // A LAN may go while it is looked at.
+        ASSERT_TRUE(comes([&] { return ctl({"show"}).out.find(shown_then) != std::string::npos; }));
         EXPECT_TRUE(tool.send(SIGKILL));
         tool.wait();
+    }
+
+    // What no function of the interface tells.
+    bool is_lan_in_use() const
+    {
+        sqlite3* db = nullptr;
+        sqlite3_stmt* statement = nullptr;
+        EXPECT_EQ(sqlite3_open(database().c_str(), &db), SQLITE_OK);
+        EXPECT_EQ(sqlite3_prepare_v2(db, "SELECT activated FROM lan_bridge WHERE id = 0", -1, &statement, nullptr),
+                  SQLITE_OK);
+        EXPECT_EQ(sqlite3_step(statement), SQLITE_ROW);
+        const bool in_use = sqlite3_column_int(statement, 0) != 0;
+        sqlite3_finalize(statement);
+        sqlite3_close(db);
+        return in_use;
     }
 
     // A program that is traced from its start stops at each call of the system.
@@ -246,6 +262,36 @@ TEST_F(HeldTest, WhatCannotBePutBackByTheNextApplyIsToldAndStaysHeld)
     expect_ctl({"apply", anew}, 0, "lans.10.gateway_filters: + {ports: 80, protocol: tcp}\n",
                "zr_nexactl: an apply has not come to its end; its state is kept as the one to go back to\n"
                "zr_nexactl: what was before the apply that was cut off is held no longer\n");
+}
+
+constexpr char kLease[] = "version: 1\nlans: {0: {dhcp: {lease_seconds: 7200}}}\n";
+
+TEST_F(HeldTest, ALanThatIsStoredAndNotInUseIsWrittenAgain)
+{
+    const std::string lease = written("lease.yaml", kLease);
+    cut_off_in("ActivateLAN", lease, "lease_seconds: 7200");
+    EXPECT_FALSE(is_lan_in_use());
+    expect_ctl({"apply", lease}, 0, "",
+               kCutOff + "zr_nexactl: what was before the apply that was cut off is held no longer\n");
+    EXPECT_TRUE(is_lan_in_use());
+    expect_ctl({"pending"}, 0, "nothing is pending\n");
+}
+
+TEST_F(HeldTest, ALanThatCannotBePutToUseIsNotUndone)
+{
+    const std::string lease = written("lease.yaml", kLease);
+    const ToolRun refused = ctl({"apply", lease}, {"MOBILE_AP_FAULTS=ActivateLAN=fail:3"});
+    EXPECT_EQ(refused.status, 5);
+    EXPECT_THAT(refused.err, HasSubstr("is not as it should be: lans.0.address: may be stored and not in use: "));
+    EXPECT_EQ(shown(), factory_);
+    EXPECT_FALSE(is_lan_in_use());
+    EXPECT_EQ(ctl({"rollback"}).status, 0);
+    EXPECT_TRUE(is_lan_in_use());
+    expect_ctl({"pending"}, 0, "nothing is pending\n");
+
+    // Refused once more while it is undone, and then taken.
+    EXPECT_EQ(ctl({"apply", lease}, {"MOBILE_AP_FAULTS=ActivateLAN#1=fail:3,ActivateLAN#2=fail:3"}).status, 4);
+    EXPECT_TRUE(is_lan_in_use());
 }
 
 // ---- an apply that ends with status 5 ----
