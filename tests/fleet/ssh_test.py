@@ -21,6 +21,8 @@ plan.loader.exec_module(zr_nexactl)
 COUNT = 5
 NAMES = {"module-%03d" % i for i in range(COUNT)}
 BROUGHT = "Bring the module to the baseline"
+# So that the connection is cut while the change is made, and not behind it.
+CUT_HERE = "SetLANConfig#2=delay:4000"
 SSHD = shutil.which("sshd", path="/usr/sbin:/usr/local/sbin:" + os.environ["PATH"])
 BUSYBOX = shutil.which("busybox")
 
@@ -171,6 +173,7 @@ class OverSsh(unittest.TestCase):
 
     def test_a_change_that_cuts_the_connection_takes_itself_back(self):
         module = self.fleet.module(0)
+        module.environment["MOBILE_AP_FAULTS"] = CUT_HERE
         before = module.shown()
         seconds = 6
         run = self.fleet.start("--limit", module.name, baseline_confirm_within=seconds)
@@ -187,6 +190,7 @@ class OverSsh(unittest.TestCase):
 
     def test_a_connection_that_comes_back_in_time_confirms(self):
         module = self.fleet.module(0)
+        module.environment["MOBILE_AP_FAULTS"] = CUT_HERE
         run = self.fleet.start("--limit", module.name, baseline_confirm_within=60)
         wait_for(lambda: "SetLANConfig" in module.changing_calls())
         self.server.cut()
