@@ -230,7 +230,7 @@ bool may_change_beside(Scope scope, const std::string& key)
 Value may_be_left(const Row& row, const Value& was)
 {
     if (row.phase == Phase::kLans || row.phase == Phase::kProfiles) return {};
-    const Value record = record_of(row, was);
+    Value record = record_of(row, was);
     if (was.has("vlan") || row.phase == Phase::kMapping) return record;
     Value beside;
     for (const auto& [key, value] : record.map())
