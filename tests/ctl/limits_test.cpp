@@ -41,20 +41,19 @@ long peak()
     return usage.ru_maxrss;
 }
 
-// KiB beside the document; a build with sanitizers surrounds each piece with room of its own.
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #define UNDER_A_SANITIZER
 #endif
 #endif
 #if defined(UNDER_A_SANITIZER) || defined(__SANITIZE_THREAD__)
-constexpr long kRoom = 900 * 1024;
+constexpr int kDearer = 10;
 #else
-constexpr long kRoom = 300 * 1024;
+constexpr int kDearer = 1;
 #endif
-// Of the processor: what else runs on the machine does not count. A tenth of it is needed; a build with sanitizers
-// takes its time.
-constexpr double kSeconds = 5;
+constexpr long kRoom = 300 * 1024 * kDearer;  // KiB beside the document
+// Of the processor: what else runs on the machine does not count. A tenth of it is needed.
+constexpr double kSeconds = 5 * kDearer;
 
 // The problems of a document, found quickly and in little memory.
 Problems problems_of(const std::string& document)
