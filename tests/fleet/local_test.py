@@ -203,8 +203,8 @@ class Killed(FleetTest):
         victim = self.fleet.module(1)
         self.fleet.play(baseline_confirm_within=None)
         document = self.fleet.control / "document.json"
-        document.write_text(json.dumps({"version": 1, "lans": {"0": {"dhcp": {"lease_seconds": 600}}}}))
-        environment = dict(os.environ, MOBILE_AP_FAULTS="SetLANConfig=delay:20000", **victim.environment)
+        document.write_text(json.dumps({"version": 1, "upnp": {"notify_seconds": 900}}))
+        environment = dict(os.environ, MOBILE_AP_FAULTS="SetUPNPNotifyInterval=delay:20000", **victim.environment)
         with subprocess.Popen([PROGRAM, "apply", "--state", victim.state_dir(), document], env=environment,
                               stderr=subprocess.DEVNULL, stdout=subprocess.DEVNULL) as cut_off:
             wait_for(lambda: (pathlib.Path(victim.state_dir()) / "held.yaml").exists())
