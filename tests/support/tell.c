@@ -8,6 +8,17 @@
 
 typedef void (*handler)(int);
 
+static handler (*next_signal)(int, handler);
+static unsigned int (*next_sleep)(unsigned int);
+
+/* Looked up before there is a handler: a signal that met the loader with its lock half taken would find it locked
+   for ever when the handler's exit() asks for it. */
+__attribute__((constructor)) static void find_next(void)
+{
+    *(void**)&next_signal = dlsym(RTLD_NEXT, "signal");
+    *(void**)&next_sleep = dlsym(RTLD_NEXT, "sleep");
+}
+
 static void tell(char moment)
 {
     const char* const descriptor = getenv("ZR_NEXA_TELL");
@@ -17,18 +28,13 @@ static void tell(char moment)
 handler signal(int signo, handler action)
 {
     static int still_without = 2;
-    handler (*next)(int, handler);
-    handler before;
-    *(void**)&next = dlsym(RTLD_NEXT, "signal");
-    before = next(signo, action);
+    const handler before = next_signal(signo, action);
     if ((signo == SIGINT || signo == SIGTERM) && --still_without == 0) tell('h');
     return before;
 }
 
 unsigned int sleep(unsigned int seconds)
 {
-    unsigned int (*next)(unsigned int);
-    *(void**)&next = dlsym(RTLD_NEXT, "sleep");
     tell('p');
-    return next(seconds);
+    return next_sleep(seconds);
 }
