@@ -1,4 +1,5 @@
 // Entry of the command.
+#include <stdio_ext.h>
 #include <unistd.h>
 #include <zr_nexa_client_api.h>
 
@@ -20,9 +21,12 @@ void ignore_indication(uint32_t, uint32_t, const void*, ...) {}
 
 int main(int argc, char** argv)
 {
+    // Only this thread prints. A signal that met standard output's lock half taken would wait for it in the handler's
+    // exit() for ever.
+    __fsetlocking(stdout, FSETLOCKING_BYCALLER);
+    setvbuf(stdout, output_buffer, isatty(STDOUT_FILENO) != 0 ? _IOLBF : _IOFBF, sizeof(output_buffer));
     signal(SIGTERM, cli::on_signal);
     signal(SIGINT, cli::on_signal);
-    setvbuf(stdout, output_buffer, isatty(STDOUT_FILENO) != 0 ? _IOLBF : _IOFBF, sizeof(output_buffer));
 
     if (argc > 2) {
         zr_nexa_client_init(ignore_indication);

@@ -260,6 +260,23 @@ TEST_F(SignalsTest, ALongMethodIsNoReasonToStay)
     expect({"LAN", "GWURL", "get"}, "LAN GWURL: mobileap.home\r\nCMD OK\r\n");
 }
 
+// A signal may meet the lock half taken, by a thread that is not yet named as its owner: that looks as if another
+// thread held it.
+TEST_F(SignalsTest, NothingAsksForStandardOutputsLock)
+{
+    ToolOptions locked = pausing();
+    locked.output_locked = true;
+    for (const int signo : {0, SIGINT, SIGTERM}) {
+        StartedTool tool({"General", "SFE", "get"}, locked);
+        ASSERT_TRUE(tool.wait_for_pause());
+        EXPECT_TRUE(tool.send(signo));
+        const ToolRun run = tool.wait();
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.out, "General SFE: enabled\r\nCMD OK\r\n");
+        EXPECT_EQ(run.err, "");
+    }
+}
+
 TEST_F(SignalsTest, WhatWasPrintedBeforeTheSignalIsKept)
 {
     StartedTool tool({"General", "SFE", "get"}, pausing());

@@ -48,6 +48,7 @@ std::vector<std::string> environment(const ToolOptions& options)
     if (!options.state.empty()) variables.push_back("MOBILE_AP_STATE=" + options.state);
     std::string preloaded = options.pauses ? "" : ZR_NEXA_NO_PAUSE;
     if (options.tells) preloaded += ":" ZR_NEXA_TELL;
+    if (options.output_locked) preloaded += ":" ZR_NEXA_LOCK_OUTPUT;
     if (!preloaded.empty()) variables.push_back("LD_PRELOAD=" + preloaded);
     variables.insert(variables.end(), options.variables.begin(), options.variables.end());
     return variables;

@@ -16,6 +16,7 @@ struct ToolOptions {
     bool pauses = false;                      // keeps the pause of one second
     bool empty_environment = false;           // no variable at all, as under env -i; the tool pauses then
     bool tells = false;                       // for wait_for_handlers() and wait_for_pause()
+    bool output_locked = false;               // standard output's lock is held: who asks for it stands still
     std::function<void()> before_exec = {};   // runs in the new process
 };
 
