@@ -218,6 +218,22 @@ int plan_status(const Plan& plan, const Module& module, const std::string& file)
     return is_refused(module) ? kNoService : kWrong;
 }
 
+Reach reach_of(const Options& options)
+{
+    return options.exact ? Reach::kExact : Reach::kMerge;
+}
+
+// Reads what a document names and plans what it changes, and tells either why it cannot be reached, which is the
+// status, or what is to be known beforehand.
+int plan_for(const Value& document, const Options& options, Module* module, Plan* plan)
+{
+    *module = read_for(document, reach_of(options));
+    *plan = make_plan(document, *module, reach_of(options));
+    const int status = plan_status(*plan, *module, options.file);
+    if (status == kDone) tell_beforehand(*plan, options.file, options.json);
+    return status;
+}
+
 int diff_of(const Value& document, const Options& options)
 {
     const Session session;
@@ -225,12 +241,10 @@ int diff_of(const Value& document, const Options& options)
         tell_problem(session.problem());
         return kNoService;
     }
-    const Reach reach = options.exact ? Reach::kExact : Reach::kMerge;
-    const Module module = read_for(document, reach);
-    const Plan plan = make_plan(document, module, reach);
-    const int status = plan_status(plan, module, options.file);
+    Module module;
+    Plan plan;
+    const int status = plan_for(document, options, &module, &plan);
     if (status != kDone) return status;
-    tell_beforehand(plan, options.file, options.json);
     print_plan(plan, options.json);
     return plan.steps.empty() ? kDone : kDiffers;
 }
@@ -486,12 +500,11 @@ int apply(const Options& options, Ending* ending)
         tell_problem(session.problem());
         return kNoService;
     }
-    const Reach reach = options.exact ? Reach::kExact : Reach::kMerge;
-    const Module module = read_for(document, reach);
-    const Plan plan = make_plan(document, module, reach);
-    const int status = plan_status(plan, module, options.file);
+    const Reach reach = reach_of(options);
+    Module module;
+    Plan plan;
+    const int status = plan_for(document, options, &module, &plan);
     if (status != kDone) return status;
-    tell_beforehand(plan, options.file, options.json);
     if (options.json) print_plan(plan, true);
     const bool confirms = options.confirm_within > 0;
     const Value unnamed = earlier ? unnamed_in(earlier->unnamed, plan, document, reach) : Value();
