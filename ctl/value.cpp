@@ -40,20 +40,6 @@ Wanted& own(Content* content)
     return **held;
 }
 
-template <class Wanted, class Content>
-const Wanted& content_or_empty(const Content& content)
-{
-    static const Wanted empty{};
-    const auto* const held = std::get_if<std::shared_ptr<Wanted>>(&content);
-    return held != nullptr ? **held : empty;
-}
-
-const Scalar& scalar_or_empty(const Scalar* held)
-{
-    static const Scalar empty;
-    return held != nullptr ? *held : empty;
-}
-
 }  // namespace
 
 bool NaturalOrder::stands_before(std::string_view a, std::string_view b, size_t differ)
@@ -91,24 +77,29 @@ bool NaturalOrder::stands_before(std::string_view a, std::string_view b, size_t 
     return j < b.size();
 }
 
-const std::string& Value::text() const
+const std::string& Value::no_text()
 {
-    return scalar_or_empty(std::get_if<Scalar>(&content_)).text;
+    static const std::string empty;
+    return empty;
+}
+
+const Value::Map& Value::no_map()
+{
+    static const Map empty;
+    return empty;
 }
 
 bool Value::quoted() const
 {
-    return scalar_or_empty(std::get_if<Scalar>(&content_)).quoted;
+    const auto* const held = std::get_if<Scalar>(&content_);
+    return held != nullptr && held->quoted;
 }
 
 const Value::List& Value::list() const
 {
-    return content_or_empty<List>(content_);
-}
-
-const Value::Map& Value::map() const
-{
-    return content_or_empty<Map>(content_);
+    static const List empty;
+    const auto* const held = std::get_if<std::shared_ptr<List>>(&content_);
+    return held != nullptr ? **held : empty;
 }
 
 Value::List& Value::list()

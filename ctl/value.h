@@ -84,10 +84,18 @@ public:
     }
 
     // The empty text, list or map for a value of another kind.
-    const std::string& text() const;
+    const std::string& text() const
+    {
+        const auto* const held = std::get_if<Scalar>(&content_);
+        return held != nullptr ? held->text : no_text();
+    }
     bool quoted() const;
     const List& list() const;
-    const Map& map() const;
+    const Map& map() const
+    {
+        const auto* const held = std::get_if<std::shared_ptr<Map>>(&content_);
+        return held != nullptr ? **held : no_map();
+    }
 
     // Makes an empty one of a value of another kind.
     List& list();
@@ -125,6 +133,9 @@ public:
     friend bool operator<(const Value& a, const Value& b);
 
 private:
+    static const std::string& no_text();
+    static const Map& no_map();
+
     std::variant<std::monostate, Scalar, std::shared_ptr<List>, std::shared_ptr<Map>> content_;
 };
 
