@@ -92,13 +92,13 @@ std::map<std::string, uint32_t> match_profiles(const Value& document, const Modu
 Value as_document(const Module& module, const std::map<std::string, uint32_t>& labels, bool with_handles)
 {
     Value document = module.tree;
-    const std::multimap<Value, uint32_t> dialled = by_dial(module);
+    // Twins are told apart by their handles.
+    const auto dialled = with_handles ? std::multimap<Value, uint32_t>() : by_dial(module);
     const std::map<uint32_t, std::string> all = labels_by_handle(module, labels);
     Value::Map profiles;
     for (const auto& [handle, profile] : module.tree.child("profiles").map()) {
         Value named = profile;
-        const auto [first, last] = dialled.equal_range(profile.child("dial"));
-        if (with_handles || std::distance(first, last) > 1) named.map()["handle"] = Value(handle);
+        if (with_handles || dialled.count(profile.child("dial")) > 1) named.map()["handle"] = Value(handle);
         profiles.emplace(all.at(Value(handle).number()), std::move(named));
     }
     document.map()["profiles"] = Value(std::move(profiles));
