@@ -47,7 +47,7 @@ long peak()
 #endif
 #endif
 #if defined(UNDER_A_SANITIZER) || defined(__SANITIZE_THREAD__)
-constexpr int kDearer = 10;
+constexpr int kDearer = 3;
 #else
 constexpr int kDearer = 1;
 #endif
