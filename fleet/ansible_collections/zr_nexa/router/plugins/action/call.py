@@ -3,66 +3,56 @@ from __future__ import absolute_import, division, print_function
 
 __metaclass__ = type
 
-from ansible.plugins.action import ActionBase
-
 from ansible_collections.zr_nexa.router.plugins.plugin_utils import zr_nexactl as ctl
+from ansible_collections.zr_nexa.router.plugins.plugin_utils.action import RouterAction
 
 
-class ActionModule(ActionBase):
-    TRANSFERS_FILES = False
-    _supports_check_mode = True
-    _supports_async = False
+class ActionModule(RouterAction):
+    ARGUMENTS = {
+        "profile": {"type": "str", "required": True},
+        "state": {"choices": ["connected", "disconnected"], "default": "connected"},
+        "family": {"choices": ["4", "6", "46"]},
+        "wait": {"type": "int", "default": 60},
+    }
 
-    def run(self, tmp=None, task_vars=None):
-        result = super(ActionModule, self).run(tmp, task_vars or {})
-        del tmp
-        _unused, args = self.validate_argument_spec(argument_spec={
-            "profile": {"type": "str", "required": True},
-            "state": {"choices": ["connected", "disconnected"], "default": "connected"},
-            "family": {"choices": ["4", "6", "46"]},
-            "wait": {"type": "int", "default": 60},
-            "executable": {"type": "str", "default": "zr_nexactl"},
-        })
-        program = ctl.Program(self, args)
-        status = program.run(["status", "--json"])
-        profile = self._profile(status.document("profiles"), args["profile"])
-        if status.document("profiles") is None:
-            return dict(result, **ctl.failure(status))
+    def _work(self):
+        wanted, family = self._args["state"], self._args["family"]
+        answer = self._program.run(["status", "--json"])
+        status = answer.document("profiles")
+        if status is None:
+            return ctl.failure(answer)
+        profile = self._profile(status)
         if profile is None:
-            return dict(result, failed=True, msg="there is no profile %s on this module" % args["profile"])
-        before = self._states(profile, args["family"])
-        result["changed"] = any(state != args["state"] for state in before.values())
-        if not result["changed"] or self._task.check_mode:
-            result["calls"] = before
-            return result
+            return {"failed": True, "msg": "there is no profile %s on this module" % self._args["profile"]}
+        before = self._states(profile)
+        changed = any(state != wanted for state in before.values())
+        if not changed or self._task.check_mode:
+            return {"changed": changed, "calls": before}
 
-        words = ["connect" if args["state"] == "connected" else "disconnect", str(profile["handle"]),
-                 "--wait", str(args["wait"])]
-        if args["family"]:
-            words += ["--family", args["family"]]
-        answer = program.run(words)
-        after = program.run(["status", "--json"])
-        profile = self._profile(after.document("profiles"), args["profile"])
-        result["calls"] = self._states(profile, args["family"]) if profile else {}
-        if answer.status != ctl.DONE:
-            result.update(ctl.failure(answer))
-            result["changed"] = result["calls"] != before
-        return result
+        words = ["connect" if wanted == "connected" else "disconnect", str(profile["handle"]),
+                 "--wait", str(self._args["wait"])]
+        if family:
+            words += ["--family", family]
+        answer = self._program.run(words)
+        profile = self._profile(self._program.run(["status", "--json"]).document("profiles") or {})
+        calls = self._states(profile) if profile else {}
+        if answer.status == ctl.DONE:
+            return {"changed": True, "calls": calls}
+        return dict(ctl.failure(answer), changed=calls != before, calls=calls)
 
-    @staticmethod
-    def _profile(status, name):
+    def _profile(self, status):
         """The profile of a handle, or of the name that zr_nexactl gives one: profile-<handle>."""
+        name = self._args["profile"]
         handle = name[len("profile-"):] if name.startswith("profile-") else name
-        for profile in (status or {}).get("profiles", []):
+        for profile in status.get("profiles", []):
             if str(profile["handle"]) == handle:
                 return profile
         return None
 
-    @staticmethod
-    def _states(profile, family):
+    def _states(self, profile):
         """The families that are asked for, and their states: those that were said, else what the profile dials."""
-        dialled = {"ipv4": "4", "ipv6": "6"}.get(profile.get("family"), "46")
+        family = self._args["family"] or {"ipv4": "4", "ipv6": "6"}.get(profile.get("family"), "46")
         return {
             name: profile[name].get("state", "")
-            for name, digit in (("ipv4", "4"), ("ipv6", "6")) if digit in (family or dialled)
+            for name, digit in (("ipv4", "4"), ("ipv6", "6")) if digit in family
         }

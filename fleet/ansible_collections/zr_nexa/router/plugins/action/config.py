@@ -10,10 +10,10 @@ import time
 from ansible.errors import AnsibleActionFail, AnsibleConnectionFailure
 from ansible.module_utils.common.json import AnsibleJSONEncoder
 from ansible.module_utils.common.text.converters import to_text
-from ansible.plugins.action import ActionBase
 from ansible.plugins.connection import ConnectionBase
 
 from ansible_collections.zr_nexa.router.plugins.plugin_utils import zr_nexactl as ctl
+from ansible_collections.zr_nexa.router.plugins.plugin_utils.action import STATE_DIR, RouterAction
 
 # Seconds for which a module that has taken itself back is waited for, once its time is over.
 PATIENCE = 60
@@ -22,38 +22,27 @@ PATIENCE = 60
 TAKEN_OTHERWISE = re.compile(r", not (\d+|true|false)$", re.MULTILINE)
 
 
-class ActionModule(ActionBase):
-    TRANSFERS_FILES = False
-    _supports_check_mode = True
-    _supports_async = False
+class ActionModule(RouterAction):
+    ARGUMENTS = dict(
+        STATE_DIR,
+        config={"type": "raw"},
+        src={"type": "path"},
+        state={"choices": ["merged", "replaced", "gathered", "rendered"], "default": "merged"},
+        confirm_within={"type": "int"},
+        answers_at={"type": "str"},
+    )
+    TOGETHER = {
+        "mutually_exclusive": [["config", "src"]],
+        "required_if": [["state", state, ["config", "src"], True] for state in ("merged", "replaced", "rendered")],
+        "required_by": {"answers_at": ["confirm_within"]},
+    }
 
-    def run(self, tmp=None, task_vars=None):
-        result = super(ActionModule, self).run(tmp, task_vars or {})
-        del tmp
-        _unused, args = self.validate_argument_spec(
-            argument_spec={
-                "config": {"type": "raw"},
-                "src": {"type": "path"},
-                "state": {"choices": ["merged", "replaced", "gathered", "rendered"], "default": "merged"},
-                "confirm_within": {"type": "int"},
-                "answers_at": {"type": "str"},
-                "executable": {"type": "str", "default": "zr_nexactl"},
-                "state_dir": {"type": "str"},
-            },
-            mutually_exclusive=[["config", "src"]],
-            required_if=[[
-                "state", state, ["config", "src"], True] for state in ("merged", "replaced", "rendered")],
-            required_by={"answers_at": ["confirm_within"]},
-        )
-        self._program = ctl.Program(self, args)
-        self._args = args
-        if args["state"] == "gathered":
-            result.update(self._gathered())
-        elif args["state"] == "rendered":
-            result.update(self._rendered())
-        else:
-            result.update(self._brought(["--exact"] if args["state"] == "replaced" else []))
-        return result
+    def _work(self):
+        if self._args["state"] == "gathered":
+            return self._gathered()
+        if self._args["state"] == "rendered":
+            return self._rendered()
+        return self._brought(["--exact"] if self._args["state"] == "replaced" else [])
 
     # ---- the document ----
 
