@@ -1,10 +1,8 @@
 // Entry of the command.
-#include <stdio_ext.h>
 #include <unistd.h>
 #include <zr_nexa_client_api.h>
 
 #include <csignal>
-#include <cstdio>
 
 #include "dispatch.h"
 #include "menu.h"
@@ -12,19 +10,13 @@
 
 namespace {
 
-// Standard output's own buffer, so that printing never asks for memory: a signal may end the run at any point.
-char output_buffer[65536];
-
 void ignore_indication(uint32_t, uint32_t, const void*, ...) {}
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    // Only this thread prints. A signal that met standard output's lock half taken would wait for it in the handler's
-    // exit() for ever.
-    __fsetlocking(stdout, FSETLOCKING_BYCALLER);
-    setvbuf(stdout, output_buffer, isatty(STDOUT_FILENO) != 0 ? _IOLBF : _IOFBF, sizeof(output_buffer));
+    cli::own_standard_output();
     signal(SIGTERM, cli::on_signal);
     signal(SIGINT, cli::on_signal);
 

@@ -2,6 +2,7 @@
 #include <command_table.h>
 #include <dispatch.h>
 #include <menu.h>
+#include <signals.h>
 #include <zr_nexa_client_api.h>
 
 #include <CLI/CLI.hpp>
@@ -19,16 +20,12 @@ namespace {
 
 constexpr int kNotAccepted = 65535;
 
-// As in the command: printing never asks for memory, since a signal may end the run at any point.
-char output_buffer[65536];
-
 void ignore_indication(uint32_t, uint32_t, const void*, ...) {}
 
 // Whether the request was done is not known then.
 void on_signal(int)
 {
-    signal(SIGTERM, SIG_IGN);
-    signal(SIGINT, SIG_IGN);
+    cli::ignore_ending_signals();
     zr_nexa_client_uninit();
     exit(kNotUndone);
 }
@@ -61,14 +58,13 @@ int run(std::vector<std::string> words)
         cli::zr_nexa_print_menu(argc, argv.data());
         return argc == 2 && cli::find_category(argv[1]) == nullptr ? kWrong : kDone;
     }
+    cli::own_standard_output();
     signal(SIGTERM, on_signal);
     signal(SIGINT, on_signal);
-    setvbuf(stdout, output_buffer, _IOFBF, sizeof(output_buffer));
     zr_nexa_client_init(ignore_indication);
     const int code = cli::zr_nexa_dispatch(argc, argv.data());
     zr_nexa_client_uninit();
-    signal(SIGTERM, SIG_IGN);
-    signal(SIGINT, SIG_IGN);
+    cli::ignore_ending_signals();
     return status_of(code);
 }
 
@@ -79,7 +75,14 @@ void add_run(CLI::App& app, Work* chosen)
     CLI::App* const verb =
         app.add_subcommand("run", "The words of the command zr_nexa, with a status that says how it went");
     verb->prefix_command();
-    verb->footer("zr_nexactl run CATEGORY SETTING ...: without a setting, the menus");
+    verb->footer(
+        "zr_nexactl run CATEGORY SETTING ...: without a setting, the menus\n"
+        "\n"
+        "Exit statuses:\n"
+        "  0  done, or a usage text or a menu\n"
+        "  2  words that nobody knows, or a setting without a handler\n"
+        "  3  no session\n"
+        "  5  refused with any other code, or ended by a signal: what was done is not known");
     verb->final_callback([=] { *chosen = [=] { return run(verb->remaining()); }; });
 }
 
