@@ -29,7 +29,9 @@ public:
         }
         version(tree);
         group(key_tree(), "", tree, {"version"});
-        if (!problems_->empty() || is_held_) return;
+        if (is_held_) return;
+        for (const Problem& each : *problems_)
+            told_.insert(each.path);
         for (const Scope scope : {Scope::kModule, Scope::kLan, Scope::kProfile}) {
             each_instance(*tree, scope,
                           [&](const std::string& name, const Value& instance) { units(scope, name, instance); });
@@ -218,8 +220,22 @@ private:
         for (const Row* row : rows_of(scope)) {
             if (row->shape != Shape::kUnit || !row->check) continue;
             const Value record = record_of(*row, instance);
-            if (!record.is_nothing()) row->check(record, instance_path(scope, name), complainer());
+            const std::string path = instance_path(scope, name);
+            const bool is_wrong = std::any_of(row->fields.begin(), row->fields.end(),
+                                              [&](const Field& field) { return is_told(below(path, field.key)); });
+            if (!record.is_nothing() && !is_wrong) row->check(record, path, complainer());
         }
+    }
+
+    // Something there is wrong in itself, and what it belongs to cannot be judged.
+    bool is_told(const std::string& path) const
+    {
+        const auto first = told_.lower_bound(path);
+        const auto is_in = [&path](const std::string& told) {
+            return told.rfind(path, 0) == 0 &&
+                   (told.size() == path.size() || told[path.size()] == '.' || told[path.size()] == '[');
+        };
+        return std::any_of(first, told_.end(), is_in);
     }
 
     void lans(const Value& lans)
@@ -227,7 +243,7 @@ private:
         for (const auto& [id, lan] : lans.map()) {
             const Value& mode = lan.at("l2tp.mode");
             const Value& tunnels = lan.at("l2tp.tunnels");
-            if (mode.text() != "managed" || tunnels.is_nothing()) continue;
+            if (mode.text() != "managed" || tunnels.is_nothing() || is_told("lans." + id + ".l2tp")) continue;
             if (std::all_of(tunnels.map().begin(), tunnels.map().end(),
                             [](const auto& tunnel) { return tunnel.second.has("absent"); }))
                 complain(mode, "lans." + id + ".l2tp.mode", "managed needs a tunnel");
@@ -250,8 +266,13 @@ private:
             const std::string path = "profiles." + label;
             const Value& handle = each.child("handle");
             const Value& dial = each.child("dial");
-            if (handle.is_nothing() && dial.is_nothing() && !each.has("absent"))
-                complain(each, path, "dial is missing, or the handle of one that is there");
+            if (handle.is_nothing() && dial.is_nothing() && !is_told(path)) {
+                if (!each.has("absent"))
+                    complain(each, path, "dial is missing, or the handle of one that is there");
+                else if (profile_handle(label) == 0)
+                    complain(each, path,
+                             "is absent, and has neither dial nor handle, by which it is known on a module");
+            }
             if (!handle.is_nothing()) {
                 const auto [place, is_new] = by_handle.emplace(handle.text(), label);
                 if (!is_new) complain(handle, path + ".handle", place->second + " has this handle already");
@@ -265,8 +286,9 @@ private:
     void roles(const Value& tree)
     {
         for (const auto& [role, label] : tree.child("roles").map()) {
-            if (label.text() == "none") continue;  // as a module may have it
+            if (label.text() == "none" || is_told("roles." + role)) continue;  // none: as a module may have it
             const Value& profiles = tree.child("profiles");
+            if (!profiles.is_nothing() && !profiles.is_map()) return;
             const Value& profile = profiles.child(label.text());
             // One that the document does not have may be named as show names it.
             if (profile.is_nothing() && profile_handle(label.text()) != 0) continue;
@@ -293,6 +315,7 @@ private:
     }
 
     Problems* problems_;
+    std::set<std::string> told_;  // paths at which something is wrong
     const bool is_held_;
 };
 
@@ -327,6 +350,11 @@ private:
         (is_change ? problems_ : warnings_)->push_back({at.mark, path, text});
     }
 
+    static bool is_in_document(const Value& value)
+    {
+        return value.mark.line != 0;
+    }
+
     void check_lan(const std::string& id, const Value& lan)
     {
         const std::string path = "lans." + id;
@@ -357,8 +385,13 @@ private:
                 tell(first, first_path, {first_path, last_path}, "behind the last one, " + last.text());
             else if (net.address >= low && net.address <= high)
                 tell(address, net_path, all, "in the pool " + first.text() + " to " + last.text());
-            if (!net.holds(low)) tell(first, first_path, {net_path, first_path}, "outside of " + address.text());
-            if (!net.holds(high)) tell(last, last_path, {net_path, last_path}, "outside of " + address.text());
+            // Where the document leaves them to the module, its address is at fault.
+            if (!net.holds(low))
+                tell(is_in_document(first) ? first : address, first_path, {net_path, first_path},
+                     first.text() + " is outside of " + address.text());
+            if (!net.holds(high))
+                tell(is_in_document(last) ? last : address, last_path, {net_path, last_path},
+                     last.text() + " is outside of " + address.text());
         }
         for (const LanNet& other : nets_) {
             if (!net.meets(other.net)) continue;

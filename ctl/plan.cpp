@@ -468,6 +468,13 @@ private:
             if (lan.at("l2tp.mode").text() == "managed" &&
                 instance_of(result, Scope::kLan, id).at("l2tp.tunnels").map().empty())
                 problem(lan.at("l2tp.mode"), "lans." + id + ".l2tp.mode", "managed needs a tunnel");
+        // What the module gives a new one is not known yet.
+        for (const std::string& id : lans_.made) {
+            const Value& lan = instance_of(wanted_, Scope::kLan, id);
+            const int named = lan.has("address") + lan.has("dhcp.first") + lan.has("dhcp.last");
+            if (lan.has("vlan") && (named == 1 || named == 2))
+                problem(lan, "lans." + id, "a new LAN has all of address, dhcp.first and dhcp.last, or none of them");
+        }
         for (const Row& row : rows())
             if (row.shape == Shape::kKeyed) check_keyed(row, result);
         const auto is_changed = [this](const std::string& path) { return changes(path); };

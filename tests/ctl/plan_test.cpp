@@ -18,6 +18,8 @@ TEST_F(PlanTest, StepsStandInTheOrderInWhichTheyStandOnEachOther)
         "lans.10: + {accelerated: false, interface: ethernet}",
         "lans.10.dhcp.enabled: true",
         "lans.10.address: 10.7.2.1/24",
+        "lans.10.dhcp.first: 10.7.2.20",
+        "lans.10.dhcp.last: 10.7.2.60",
         "lans.0.dhcp.enabled: true -> false",
         "reservations.10.7.2.9: + {enabled: true, mac: 02:00:00:00:00:01, name: \"\"}",
         "lans.0.passthrough: {device: none} -> {choice: 3, device: adaptive}",
@@ -50,7 +52,7 @@ profiles:
   office: {dial: {apn_index: 3}, nat: {type: full-cone}}
   main: {dial: {apn_index: 1}, vlans: [10], reconnect: true, upnp_pinholes: true}
 lans:
-  10: {vlan: {interface: ethernet}, address: 10.7.2.1/24, dhcp: {enabled: true}}
+  10: {vlan: {interface: ethernet}, address: 10.7.2.1/24, dhcp: {enabled: true, first: 10.7.2.20, last: 10.7.2.60}}
   0: {dhcp: {enabled: false}, gateway_filters: [{protocol: tcp, ports: 80}], passthrough: {device: adaptive, choice: 3},
       l2tp: {enabled: true}, sip_server: {name: sip.example}}
 hardware_mac_filter: {state: listed, stations: ["02:00:00:00:00:31"], interfaces: [[1, 0, 0, 0, 0]]}
@@ -352,10 +354,20 @@ TEST_F(PlanTest, WhatNoFunctionCanDoIsRefusedBeforehand)
         {"lans: {0: {l2tp: {mode: managed}}}", "lans.0.l2tp.mode: managed needs a tunnel"},
         {"lans: {0: {l2tp: {clamp_mss: true}}}", "lans.0.l2tp.mss: 536 to 8960 where it is clamped to, not 0"},
         {"lans: {20: {address: 10.7.3.1/24}}", "lans.20: there is no LAN 20; vlan is missing"},
+        {"lans: {20: {vlan: {interface: ecm}, address: 10.7.3.1/24}}",
+         "lans.20: a new LAN has all of address, dhcp.first and dhcp.last, or none of them"},
+        {"lans: {20: {vlan: {interface: ecm}, dhcp: {first: 10.7.3.20, last: 10.7.3.60}}}",
+         "lans.20: a new LAN has all of address, dhcp.first and dhcp.last, or none of them"},
         {"profiles: {a: {dial: {apn_index: 1}, vlans: [20]}}", "profiles.a.vlans: there is no LAN 20"},
     };
     for (const auto& [text, problem] : refused)
         EXPECT_EQ(plan_of(text + "\n"), Lines({"problem: " + problem}));
+    // The pool is the module's own, the address is the document's: it is told there.
+    const Plan moved = planned(document("lans: {0: {address: 10.7.3.1/24}}\n"), Reach::kMerge);
+    EXPECT_EQ(lines_of(moved), Lines({"problem: lans.0.dhcp.first: 192.168.225.20 is outside of 10.7.3.1/24",
+                                      "problem: lans.0.dhcp.last: 192.168.225.60 is outside of 10.7.3.1/24"}));
+    for (const Problem& each : moved.problems)
+        EXPECT_EQ(each.mark.column, 12u);
     // It stands already.
     EXPECT_EQ(plan_of("lans: {10: {gateway_filters: [{protocol: other}, {protocol: tcp, ports: 80}]}}\n"), Lines());
     EXPECT_EQ(said_of("lans: {10: {absent: true}}\n"),
