@@ -147,8 +147,8 @@ bool is_missing(const std::string& path)
 
 [[noreturn]] void tell_unreadable(const std::string& path, const std::string& why)
 {
-    throw std::runtime_error("the state to go back to cannot be read; to keep things as they are, remove " + path +
-                             "\n" + why);
+    throw UnusableFolder("the state to go back to cannot be read; to keep things as they are, remove " + path + "\n" +
+                         why);
 }
 
 // What comes before the other end is closed, up to the word that all is well. Who says nothing is not waited for.
