@@ -66,11 +66,12 @@ int run(int argc, char** argv)
     return work();
 }
 
-// A descriptor that is closed would be given to the lock or the held state, and printed into.
+// A descriptor that is closed would be given to the lock or the held state, and printed into. For reading only: what is
+// printed to a closed one fails.
 void open_closed_descriptors()
 {
     for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd)
-        if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) _exit(ctl::kNoService);
+        if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDONLY) < 0) _exit(ctl::kNoService);
 }
 
 }  // namespace

@@ -319,7 +319,12 @@ TEST_F(WholeProgramTest, OutputThatCannotBeWrittenIsNoSuccess)
 {
     const auto full = [] { dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO); };
     for (const Words& words : std::vector<Words>{{"show"}, {"show", "--json"}, {"validate", one_, "--print"}})
-        EXPECT_NE(started(words, full).status, 0) << words[0];
+        EXPECT_EQ(started(words, full).status, 3) << words[0];
+    for (const Words& words : std::vector<Words>{{"show"}, {"diff", one_}, {"validate", one_, "--print"}}) {
+        const ToolRun seen = started(words, [] { close(STDOUT_FILENO); });
+        EXPECT_EQ(seen.status, 3) << words[0];
+        EXPECT_THAT(seen.err, HasSubstr("zr_nexactl: the result cannot be written: Bad file descriptor\n"));
+    }
     // The module is changed all the same.
     started({"apply", one_}, full);
     EXPECT_THAT(shown(), HasSubstr("shortcut_engine: false"));
