@@ -397,7 +397,10 @@ bool normalize(const Type& type, const std::string& path, Value* value, const Co
     if (type.kind == Kind::kRecord && value->is_map()) return normalize_record(type.fields, path, value, complain);
     auto normal = value->is_scalar() ? normal_scalar(type, *value) : std::nullopt;
     if (!normal) {
-        complain(*value, path, allowed(type) + ", not " + as_found(*value));
+        const bool has_bare_backslash = type.kind == Kind::kText && !is_escaped(value->text());
+        complain(
+            *value, path,
+            allowed(type) + (has_bare_backslash ? ", with \\\\ for a backslash" : "") + ", not " + as_found(*value));
         return false;
     }
     const Mark mark = value->mark;
