@@ -61,7 +61,7 @@ def filled(text):
     """Escaped text, a sentence begins a line."""
     lines = []
     for sentence in re.split(r"(?<=\S[.!?])\s+(?=[A-Z]|\\f)", " ".join(text.split())):
-        lines += textwrap.wrap(sentence, 78, break_long_words=False, break_on_hyphens=False)
+        lines += textwrap.wrap(sentence, 77, break_long_words=False, break_on_hyphens=False)
     return "\n".join(map(line, lines))
 
 
@@ -186,7 +186,8 @@ class Blocks:
         text = [self.inline(row[1])]
         for name, told in zip(head[2:], row[2:]):
             if told.content not in ("", "–"):
-                text.append(f"{self.inline(name).capitalize()}: {self.inline(told)}.")
+                told = f"{self.inline(name).capitalize()}: {self.inline(told)}"
+                text.append((told if "\n." in told else filled(told)) + ".")
         if len(text) > 1:
             text[0] += "."
         return words(self.inline(row[0], False).replace("\n", " ")) or "\\&", "\n".join(text)

@@ -149,6 +149,12 @@ def text_of(element):
     return escape(" ".join("".join(element.itertext()).split())) if element is not None else ""
 
 
+def value_of(constant):
+    """Behind a macro: a closing bracket is none of its own."""
+    text = text_of(constant.find("initializer"))
+    return text + "\\&" if text.endswith(")") else text
+
+
 def paragraphs(description):
     """A description's paragraphs, lists and code, without what is told of parameters and results."""
     out = []
@@ -233,9 +239,9 @@ class Header:
         for section in sorted(self.sections, key=lambda each: order.get(each.get("kind"), 2)):
             rows, heading = [], section.find("header")
             for member in section.findall("memberdef"):
-                name, value = member.find("name").text, text_of(member.find("initializer"))
+                name, value = member.find("name").text, value_of(member)
                 if member.get("kind") == "enum":
-                    values = [(f"Dv {each.find('name').text} {text_of(each.find('initializer'))}",
+                    values = [(f"Dv {each.find('name').text} {value_of(each)}",
                                description_of(each) or "\\&") for each in member.findall("enumvalue")]
                     lines += [f".Pp\n{description_of(member)}", tagged(values)]
                 elif member.get("kind") == "define" and value and "__" not in value:
@@ -250,7 +256,7 @@ class Header:
 
     def write(self, name, about, more=(), also=()):
         functions = [each.find("name").text for each in self.functions]
-        parts = [("DESCRIPTION", "\n".join(filter(None, [self.about, self.told()]))), ("RECORDS", self.records_told()),
+        parts = [("DESCRIPTION", "\n".join(filter(None, [self.about, self.told()]))), ("STRUCTURES", self.records_told()),
                  ("CONSTANTS", self.constants_told())]
         write(name, 3, about, [("SYNOPSIS", self.synopsis()), *parts, *more, see_also(*also)], [name, *functions])
 
@@ -272,7 +278,7 @@ def library_pages():
                    for file, name in sorted(names.items()))
     top.write("zr_nexa_client_api", "client interface of the mobile access point of a cellular data module",
               [("CONVENTIONS", paragraphs(read("zr_nexa_conventions").find("detaileddescription"))),
-               ("RESULTS AND VERSION", base.constants_told()), ("AREAS", areas)],
+               ("RESULTS AND VERSION", base.constants_told()), ("THE AREAS", areas)],
               [("zr_nexa", 1), ("zr_nexa-result-codes", 7)])
 
 

@@ -69,10 +69,12 @@ def check_form():
     if pages != sorted(wanted):
         fail(f"the pages are {pages}, not {sorted(wanted)}")
     for page in pages:
-        lint = subprocess.run([MANDOC, "-T", "lint", "-W", "warning", os.path.join(PAGES, page)],
-                              capture_output=True, text=True)
-        if lint.returncode != 0 or lint.stdout or lint.stderr:
-            fail(f"mandoc finds in {page}:\n{lint.stdout}{lint.stderr}")
+        lint = subprocess.run([MANDOC, "-T", "lint", os.path.join(PAGES, page)], capture_output=True, text=True)
+        # Our version stands where a system's would, and other pages of ours are not installed yet: check_references().
+        found = [each for each in (lint.stdout + lint.stderr).splitlines()
+                 if "operating system explicitly specified" not in each and "referenced manual not found" not in each]
+        if found:
+            fail(f"mandoc finds in {page}:\n" + "\n".join(found))
         if "</html>" not in read(PAGES, "html", os.path.basename(page) + ".html"):
             fail(f"{page} is not there as HTML")
 
