@@ -75,8 +75,8 @@ def tell(what, figures):
     print("  %-46s %7.1f s  %7.1f s of processor  %6.0f MiB" % (what, seconds, used, peak / 1024), flush=True)
 
 
-def played(fleet, forks):
-    run = fleet.play(forks=forks, baseline_confirm_within=None)
+def played(fleet, forks, **environment):
+    run = fleet.play(forks=forks, baseline_confirm_within=None, more_environment=environment)
     if run.status != 0:
         sys.exit(run.text)
 
@@ -113,6 +113,7 @@ def measure(count, forks):
     whole = measured(lambda: played(fleet, forks))
     tell("ansible-playbook, all to be changed", whole)
     tell("ansible-playbook, nothing to be changed", measured(lambda: played(fleet, forks)))
+    tell("the same, with pipelining", measured(lambda: played(fleet, forks, ANSIBLE_PIPELINING="1")))
     fleet.close()
     fleet = new_fleet(count)
     document = fleet.control / "document.json"

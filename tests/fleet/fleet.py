@@ -163,8 +163,9 @@ class Fleet:
         given = dict({"baseline_document": DOCUMENT, "batches": ["100%"], "baseline_confirm_within": 120}, **variables)
         return ["ansible-playbook", "-i", str(self.inventory()), "-e", json.dumps(given), *words, str(playbook)]
 
-    def play(self, *words, playbook=SITE, forks=10, **variables):
-        done = subprocess.run(self.command(playbook, words, variables), env=self.environment(forks),
+    def play(self, *words, playbook=SITE, forks=10, more_environment=None, **variables):
+        done = subprocess.run(self.command(playbook, words, variables),
+                              env=dict(self.environment(forks), **(more_environment or {})),
                               capture_output=True, text=True, check=False)
         return Run(done.returncode, done.stdout, done.stderr)
 

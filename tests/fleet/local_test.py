@@ -7,7 +7,9 @@ import signal
 import subprocess
 import unittest
 
-from fleet import CHANGES, DOCUMENT, Fleet, PROGRAM, Run, end, wait_for
+import yaml
+
+from fleet import CHANGES, COLLECTIONS, DOCUMENT, Fleet, PROGRAM, Run, SITE, end, wait_for
 
 COUNT = int(os.environ.get("ZR_NEXA_FLEET_MODULES", "100"))
 NAMES = {"module-%03d" % i for i in range(COUNT)}
@@ -199,6 +201,20 @@ class Killed(FleetTest):
                          again.results(BROUGHT)["module-000"]["after"])
         self.assertEqual(self.pending(victim), "nothing is pending\n")
 
+    def test_one_that_was_to_be_confirmed_takes_itself_back(self):
+        victim = self.fleet.module(1)
+        before = victim.shown()
+        victim.environment["MOBILE_AP_FAULTS"] = "SetUPNPNotifyInterval=delay:20000"
+        run = self.fleet.start(baseline_confirm_within=5)
+        wait_for(lambda: "SetNatType" in victim.changing_calls())
+        for process in victim.processes():
+            end(process)
+        out, err = run.communicate()
+        self.assertIn("what is pending takes itself back when its 5 s are over",
+                      Run(run.returncode, out, err).results(BROUGHT)[victim.name]["msg"])
+        wait_for(lambda: self.pending(victim) == "nothing is pending\n")
+        self.assertEqual(victim.shown(), before)
+
     def test_one_that_was_killed_when_all_was_done_is_kept(self):
         victim = self.fleet.module(1)
         self.fleet.play(baseline_confirm_within=None)
@@ -223,6 +239,8 @@ class Killed(FleetTest):
         self.assertIn("waits to be confirmed", self.pending(module))
         again = self.fleet.play()
         self.assertEqual(again.hosts("changed"), {"module-001"}, again.text)
+        self.assertEqual(again.results(BROUGHT)[module.name]["warnings"],
+                         ["an apply from before waited to be confirmed; it is kept"])
         self.assertEqual(self.pending(module), "nothing is pending\n")
 
     @staticmethod
@@ -288,8 +306,8 @@ class Words(FleetTest):
             "the document is wrong: reservations.192.168.225.40.mac: six pairs of hexadecimal digits with colons: "
             "write \"00:01:02:03:04:0a\", not 8041827051; Ansible's YAML reads some MAC addresses, words and numbers "
             "otherwise: put them in quotes, or give the document as src",
-            "the document is wrong: lans.0.dhcp.first: outside of 10.0.0.1/24; "
-            "lans.0.dhcp.last: outside of 10.0.0.1/24",
+            "the document is wrong: lans.0.dhcp.first: 192.168.225.20 is outside of 10.0.0.1/24; "
+            "lans.0.dhcp.last: 192.168.225.60 is outside of 10.0.0.1/24",
         ], run.text)
 
     def test_a_template_and_keys_and_signs_of_any_kind(self):
@@ -304,6 +322,64 @@ class Words(FleetTest):
         self.assertIn("after", results[1], run.text)
         self.assertEqual(results[1]["after"]["lans"]["10"]["address"], "192.168.11.1/24", run.text)
         self.assertEqual(results[1]["after"]["reservations"]["192.168.225.40"]["name"], "\U0001f600")
+
+    def test_a_template_may_stand_for_a_number(self):
+        results, run = self.tasks(
+            "zr_nexa.router.config:\n  config: {version: 1, upnp: {notify_seconds: \"{{ 500 + 100 }}\"}, profiles: "
+            "{office: {dial: {apn_index: \"{{ nothing | default(3) }}\", apn_name: '300'}, vlans: [\"{{ 5 * 2 }}\"]}}, "
+            "lans: {10: {vlan: {interface: ethernet}}}, general: {gateway_url: '007'}}")
+        after = results[0]["after"]
+        self.assertEqual(after["upnp"]["notify_seconds"], 600, run.text)
+        self.assertEqual(after["profiles"]["profile-2"]["dial"]["apn_name"], "300")
+        self.assertEqual(after["profiles"]["profile-2"]["vlans"], [10])
+        self.assertEqual(after["general"]["gateway_url"], "007")
+
+    def test_the_examples_are_taken(self):
+        source = COLLECTIONS / "ansible_collections/zr_nexa/router/plugins/modules/config.py"
+        examples = yaml.safe_load(source.read_text().split('EXAMPLES = r"""')[1].split('"""')[0])
+        documents = [example["zr_nexa.router.config"]["config"] for example in examples
+                     if "config" in example["zr_nexa.router.config"]]
+        self.assertEqual(len(documents), 2)
+        for document in documents:
+            path = self.fleet.control / "example.json"
+            path.write_text(json.dumps(document))
+            done = self.fleet.module(0).run("diff", str(path))
+            self.assertEqual(done.returncode, 1, done.stderr)
+
+    def test_the_inventory_of_the_page(self):
+        folder = self.fleet.control / "page"
+        (folder / "state").mkdir(parents=True)
+        page = (COLLECTIONS.parent / "docs/fleet.md").read_text()
+        text = page.split("```yaml\n")[1].split("```")[0].replace("/tmp/module", str(folder))
+        inventory = folder / "pc.yml"
+        inventory.write_text(text.replace("/usr/bin/zr_nexactl", str(PROGRAM)))
+        done = subprocess.run(["ansible-playbook", "-i", inventory, SITE], env=self.fleet.environment(1),
+                              capture_output=True, text=True, check=False)
+        run = Run(done.returncode, done.stdout, done.stderr)
+        self.assertEqual(run.hosts("changed"), {"pc"}, run.text)
+
+    def test_a_document_with_a_nul_is_not_sent(self):
+        path = self.fleet.control / "document.yaml"
+        path.write_text("version: 1\ngeneral: {gateway_url: x\0.home}\n")
+        results, run = self.tasks("zr_nexa.router.config:\n  src: %s" % path)
+        self.assertEqual(results[0]["msg"], "the document is wrong: control characters are not allowed", run.text)
+        self.assertFalse(self.fleet.module(0).log.exists())
+
+    def test_another_address_needs_a_connection_that_goes_to_one(self):
+        results, run = self.tasks("zr_nexa.router.config:\n  config: {version: 1, upnp: {enabled: true}}\n"
+                                  "  confirm_within: 60\n  answers_at: 192.0.2.1")
+        self.assertEqual(results[0]["msg"], "answers_at: the connection local goes to no other address", run.text)
+        self.assertFalse(self.fleet.module(0).log.exists())
+
+    def test_what_is_no_zr_nexactl_is_told_by_what_it_says(self):
+        program = self.fleet.control / "nologin"
+        program.write_text("#!/bin/sh\necho This account is not available\nexit 1\n")
+        program.chmod(0o755)
+        results, run = self.tasks("zr_nexa.router.config:\n  state: gathered\n  executable: %s" % program,
+                                  "zr_nexa.router.config:\n  state: gathers")
+        self.assertIn("This account is not available", results[0]["msg"], run.text)
+        self.assertIn("merged, replaced, gathered, rendered", results[1]["msg"])
+        self.assertNotIn("NoneType", run.text)
 
     def test_what_is_encrypted_stands_in_no_file_and_no_output(self):
         secret = self.fleet.control / "password"

@@ -7,7 +7,7 @@ import json
 import re
 import time
 
-from ansible.errors import AnsibleActionFail, AnsibleConnectionFailure
+from ansible.errors import AnsibleActionFail, AnsibleConnectionFailure, AnsibleError
 from ansible.module_utils.common.json import AnsibleJSONEncoder
 from ansible.module_utils.common.text.converters import to_text
 from ansible.plugins.connection import ConnectionBase
@@ -47,7 +47,13 @@ class ActionModule(RouterAction):
     # ---- the document ----
 
     def _document(self):
-        """As text: an inline one as JSON, which keeps the kinds of its values."""
+        text = self._text()
+        if "\0" in text:  # a shell would leave it out
+            raise AnsibleActionFail("the document is wrong: control characters are not allowed")
+        return text
+
+    def _text(self):
+        """An inline one is JSON, which keeps the kinds of its values."""
         config = self._args["config"]
         if config is None:
             # As the lookup "file" has it: what ansible-vault has encrypted is decrypted, and into no file.
@@ -56,7 +62,7 @@ class ActionModule(RouterAction):
             return config
         try:
             # No escapes: those of JSON for signs beyond \uffff are none of YAML's.
-            return json.dumps(config, cls=AnsibleJSONEncoder, vault_to_text=True, ensure_ascii=False)
+            return json.dumps(ctl.as_written(config), cls=AnsibleJSONEncoder, vault_to_text=True, ensure_ascii=False)
         except TypeError as error:
             raise AnsibleActionFail("config is no document: %s" % to_text(error))
 
@@ -104,6 +110,8 @@ class ActionModule(RouterAction):
 
     def _brought(self, exact):
         document = self._document()
+        if self._args["answers_at"]:
+            self._address = self._host()
         result = {"changed": False, "changes": []}
         before, failed = self._shown(result)
         if failed:
@@ -132,6 +140,8 @@ class ActionModule(RouterAction):
             return self._compared(result, self._confirm(begun + confirms))
         if answer.status != ctl.DONE:
             failed = self._failure(answer)
+            if answer.status > 128 and confirms is not None:
+                failed["msg"] += "; what is pending takes itself back when its %d s are over" % confirms
             is_begun = answer.status not in (ctl.WRONG, ctl.LOCKED)
             return self._compared(result, failed) if is_begun else dict(result, **failed)
         self._note_changes(answer.plan(), result)
@@ -143,6 +153,8 @@ class ActionModule(RouterAction):
                 result.setdefault("warnings", []).append("an apply was cut off before; things are kept as they are now")
             else:
                 failed = self._confirm(time.monotonic() + confirms)
+                if not failed and not result["changed"]:
+                    result.setdefault("warnings", []).append("an apply from before waited to be confirmed; it is kept")
             if failed:
                 return self._compared(result, failed)
         if not result["changed"]:
@@ -210,11 +222,13 @@ class ActionModule(RouterAction):
         return {"failed": True, "rc": ctl.DIFFERS, "left": [],
                 "msg": "the change was not confirmed: %s" % (told.replace("\n", "; ") or "the time was over")}
 
-    _address = None
+    def _host(self):
+        try:
+            return self._connection.get_option("host")
+        except (AnsibleError, KeyError):
+            raise AnsibleActionFail("answers_at: the connection %s goes to no other address" % self._connection.transport)
 
     def _answer_at(self, address):
-        if self._address is None:
-            self._address = self._connection.get_option("host")
         self._connection.set_option("host", address)
 
     def _renew(self):

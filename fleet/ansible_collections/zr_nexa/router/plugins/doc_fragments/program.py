@@ -8,7 +8,7 @@ class ModuleDocFragment(object):
 options:
   executable:
     description:
-      - Where C(zr_nexactl) is on the module, or its name when the shell finds it.
+      - Where C(zr_nexactl) is on the module, or its name when the shell finds it. One word; C(~) is not expanded.
     type: str
     default: zr_nexactl
 notes:
@@ -21,6 +21,6 @@ options:
   state_dir:
     description:
       - The folder on the module with the lock and the state to go back to, C(--state) of C(zr_nexactl).
-      - One folder is one module. Left out, it is the one that C(zr_nexactl) chooses itself.
+      - One folder is one module. Left out, it is the one that C(zr_nexactl) chooses itself. C(~) is not expanded.
     type: str
 """

@@ -21,6 +21,7 @@ options:
       - The document, as a structure or as text. Its keys are those of C(zr_nexactl(5)).
       - Write MAC addresses in quotes, and texts such as C(no), C(on) and C(007). YAML as Ansible reads it takes
         them for other values, which C(zr_nexactl) cannot tell from those that were meant.
+      - Digits in quotes are the number, so that a template may stand for one.
     type: raw
   src:
     description:
@@ -41,10 +42,12 @@ options:
     description:
       - Seconds within which the module must answer over a new connection after the change. It takes itself back when
         it does not.
+      - Where an apply from before waits to be confirmed, it is confirmed with this one.
     type: int
   answers_at:
     description:
-      - The address at which the module answers after the change, when the change moves it. Only with I(confirm_within).
+      - The address at which the module answers after the change, when the change moves it. Only with I(confirm_within), and with the
+        connection C(ssh).
     type: str
 extends_documentation_fragment:
   - zr_nexa.router.program
@@ -69,7 +72,12 @@ EXAMPLES = r"""
 
 - name: Move the module, and only for good when it answers there
   zr_nexa.router.config:
-    config: {version: 1, lans: {0: {address: 192.168.20.1/24}}}
+    config:
+      version: 1
+      lans:
+        0:
+          address: 192.168.20.1/24
+          dhcp: {first: 192.168.20.20, last: 192.168.20.60}
     confirm_within: 60
     answers_at: 192.168.20.1
 

@@ -19,6 +19,9 @@ LAST = "# the document ends here"
 
 CUT_OFF = 125
 
+# As zr_nexactl has them; "007" is a text.
+NUMBER = re.compile(r"(0|[1-9][0-9]{0,9})\Z")
+
 
 def script(command):
     """The shell's words that run a command with what is sent, once all of it has come. It is in no environment."""
@@ -145,6 +148,16 @@ def differences(before, after, path=""):
     return lines
 
 
+def as_written(value):
+    """A structure as it goes to zr_nexactl. What a template makes of a number is a text: it is written as a number,
+    which zr_nexactl takes for a text where one belongs."""
+    if isinstance(value, dict):
+        return {key: as_written(each) for key, each in value.items()}
+    if isinstance(value, list):
+        return [as_written(each) for each in value]
+    return int(value) if isinstance(value, str) and NUMBER.match(value) else value
+
+
 def unique(texts):
     seen = []
     for text in texts:
@@ -163,7 +176,8 @@ def why(answer):
         function = step.get("function", "")
         parts.append("%s%s: %s" % (before, lines[0], words if function in words else "%s: %s" % (function, words)))
     if not parts:
-        parts = list(answer.problems()) or list(answer.messages)
+        # What is no zr_nexactl, as a shell that lets nobody in, may tell by its output alone.
+        parts = list(answer.problems()) or list(answer.messages) or answer.out.split("\n")[:1]
     parts += ["is not as it should be: " + line for line in answer.left()]
     return "; ".join(unique(parts))
 
