@@ -226,7 +226,8 @@ class ActionModule(RouterAction):
         try:
             return self._connection.get_option("host")
         except (AnsibleError, KeyError):
-            raise AnsibleActionFail("answers_at: the connection %s goes to no other address" % self._connection.transport)
+            raise AnsibleActionFail(
+                "answers_at: the connection %s goes to no other address" % self._connection.transport)
 
     def _answer_at(self, address):
         self._connection.set_option("host", address)

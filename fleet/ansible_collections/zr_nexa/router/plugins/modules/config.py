@@ -46,8 +46,8 @@ options:
     type: int
   answers_at:
     description:
-      - The address at which the module answers after the change, when the change moves it. Only with I(confirm_within), and with the
-        connection C(ssh).
+      - The address at which the module answers after the change, when the change moves it. Only with I(confirm_within)
+        and the connection C(ssh).
     type: str
 extends_documentation_fragment:
   - zr_nexa.router.program
