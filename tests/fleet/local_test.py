@@ -149,12 +149,14 @@ class Stopped(FleetTest):
                 self.assertEqual(module.run("diff", str(path)).stdout, "", module.name)
         return count
 
-    def interrupted(self, send):
-        run = self.fleet.start(forks=4, baseline_confirm_within=None)
+    def interrupted(self, send, confirm_within=None):
+        run = self.fleet.start(forks=4, baseline_confirm_within=confirm_within)
         wait_for(lambda: sum(bool(module.changing_calls()) for module in self.fleet.modules) >= 2)
         send(run.pid, signal.SIGINT)
         run.communicate()
         self.assertNotEqual(run.returncode, 0)
+        wait_for(lambda: not any(module.processes() for module in self.fleet.modules))
+        wait_for(lambda: all(module.run("pending").returncode == 0 for module in self.fleet.modules))
         self.assertGreater(self.old(), 0)
 
         for module in self.fleet.modules:
@@ -168,6 +170,9 @@ class Stopped(FleetTest):
 
     def test_interrupted_with_all_that_it_has_started(self):
         self.interrupted(os.killpg)
+
+    def test_interrupted_before_anything_is_confirmed(self):
+        self.interrupted(os.killpg, confirm_within=3)
 
 
 class Killed(FleetTest):
