@@ -170,8 +170,8 @@ class Fleet:
         return Run(done.returncode, done.stdout, done.stderr)
 
     def start(self, *words, playbook=SITE, forks=10, **variables):
-        """The same, not waited for; a session of its own, so that a signal to its group reaches nobody else. Whoever runs
-        the tests in the background of a script has SIGINT ignored, and ansible-playbook with it."""
+        """The same, not waited for; a session of its own, so that a signal to its group reaches nobody else. Where the
+        tests run in the background of a script SIGINT is ignored, and would be by ansible-playbook."""
         command = ["env", "--default-signal=INT", *self.command(playbook, words, variables)]
         return subprocess.Popen(command, env=self.environment(forks),
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, start_new_session=True)
