@@ -122,6 +122,17 @@ TEST_F(VerbsTest, ASignalEndsRunWithStatus5)
     }
 }
 
+// As in the command: a signal may meet the lock half taken, and the handler would wait for it.
+TEST_F(VerbsTest, RunDoesNotAskForStandardOutputsLock)
+{
+    ToolOptions options = ctl_options();
+    options.output_locked = true;
+    const ToolRun seen = run_tool({"run", "General", "SFE", "get"}, options);
+    EXPECT_EQ(seen.status, 0);
+    EXPECT_EQ(seen.out, "General SFE: enabled\r\nCMD OK\r\n");
+    EXPECT_EQ(seen.err, "");
+}
+
 TEST_F(VerbsTest, ExplainPutsACodeIntoWords)
 {
     expect_ctl({"explain", "0x2009"}, 0,
